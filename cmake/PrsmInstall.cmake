@@ -1,0 +1,31 @@
+# Installs the library, its headers, the shipped data, a CMake package and a pkg-config file.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS prsm EXPORT prsmTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+foreach(dir framework sheetfunc)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/${dir}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/prsm/${dir}
+    FILES_MATCHING PATTERN "*.h")
+endforeach()
+install(DIRECTORY ${PRSM_GENERATED_ROOT}/prsm/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/prsm
+  FILES_MATCHING PATTERN "*.h")
+
+set(PRSM_INSTALL_DATADIR ${CMAKE_INSTALL_DATADIR}/prsm)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/data/ DESTINATION ${PRSM_INSTALL_DATADIR}
+  PATTERN "tools" EXCLUDE)
+
+set(PRSM_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/prsm)
+install(EXPORT prsmTargets NAMESPACE prsm:: DESTINATION ${PRSM_CMAKE_DIR})
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/prsmConfig.cmake.in
+  ${CMAKE_BINARY_DIR}/prsmConfig.cmake
+  INSTALL_DESTINATION ${PRSM_CMAKE_DIR}
+  PATH_VARS PRSM_INSTALL_DATADIR)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/prsmConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/prsmConfig.cmake ${CMAKE_BINARY_DIR}/prsmConfigVersion.cmake
+  DESTINATION ${PRSM_CMAKE_DIR})
+
+configure_file(${PROJECT_SOURCE_DIR}/cmake/prsm.pc.in ${CMAKE_BINARY_DIR}/prsm.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/prsm.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

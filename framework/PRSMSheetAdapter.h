@@ -1,0 +1,104 @@
+#pragma once
+// Adapts one generated model to the by-name sheet interface. Every generated model instantiates it
+// once with its own cell list; nothing here is particular to a sheet.
+
+#include <prsm/framework/PRSMCellSupport.h>
+#include <prsm/framework/PRSMSheetRegistry.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <utility>
+
+namespace prsm {
+
+// Parses a cell's text; throws std::invalid_argument naming the cell when the text is not a whole
+// number of the cell's type.
+int parseIntCell(std::string const& name, std::string const& text);
+float parseFloatCell(std::string const& name, std::string const& text);
+std::string formatFloatCell(float value);
+[[noreturn]] void throwUnknownCell(std::string const& sheet, std::string const& name);
+
+template <typename Model>
+class GeneratedSheet final : public Sheet {
+public:
+    using Params = typename Model::Params;
+    using Data = typename Model::Data;
+    using ValidValues = std::string (*)(Model const&, Params&, Data const&, std::string const&);
+
+    GeneratedSheet(std::string name, std::string description, std::vector<CellInfo> cells, ValidValues validValues)
+        : m_name(std::move(name)),
+          m_description(std::move(description)),
+          m_cells(std::move(cells)),
+          m_validValues(validValues) {
+        SheetRegistry::instance().add(*this);
+    }
+
+    std::string const& name() const override { return m_name; }
+    std::string const& description() const override { return m_description; }
+    std::vector<CellInfo> const& cells() const override { return m_cells; }
+    std::unique_ptr<SheetInstance> create() const override { return std::make_unique<Instance>(*this); }
+
+private:
+    class Instance final : public SheetInstance {
+    public:
+        explicit Instance(GeneratedSheet const& sheet) : m_sheet(sheet) {}
+
+        void set(std::string const& name, std::string const& text) override {
+            if (auto const i = Params::string_to_int_enum(name); i < Params::LastInt)
+                m_params[i] = parseIntCell(name, text);
+            else if (auto const f = Params::string_to_float_enum(name); f < Params::LastFloat)
+                m_params[f] = parseFloatCell(name, text);
+            else if (auto const s = Params::string_to_string_enum(name); s < Params::LastString)
+                m_params[s] = text;
+            else
+                throwUnknownCell(m_sheet.name(), name);
+        }
+
+        std::string get(std::string const& name) const override {
+            if (auto const i = Params::string_to_int_enum(name); i < Params::LastInt)
+                return std::to_string(m_params[i]);
+            if (auto const f = Params::string_to_float_enum(name); f < Params::LastFloat)
+                return formatFloatCell(m_params[f]);
+            if (auto const s = Params::string_to_string_enum(name); s < Params::LastString) return m_params[s];
+            throwUnknownCell(m_sheet.name(), name);
+        }
+
+        std::string evaluate(std::string const& name) override {
+            Model const& model = Model::getGlobal();
+            Data const& data = Data::getGlobal();
+            if (Params::string_to_int_enum(name) < Params::LastInt)
+                return std::to_string(model.intDispatchTable(m_params, data, name));
+            if (Params::string_to_float_enum(name) < Params::LastFloat)
+                return formatFloatCell(model.floatDispatchTable(m_params, data, name));
+            if (Params::string_to_string_enum(name) < Params::LastString)
+                return model.stringDispatchTable(m_params, data, name);
+            throwUnknownCell(m_sheet.name(), name);
+        }
+
+        int isValid(std::string const& input) override {
+            CellInfo const* cell = m_sheet.findCell(input);
+            if (cell == nullptr || cell->validityKey.empty()) return 1;
+            return Model::getGlobal().intDispatchTable(m_params, Data::getGlobal(), cell->validityKey);
+        }
+
+        std::string validValues(std::string const& input) override {
+            return m_sheet.m_validValues(Model::getGlobal(), m_params, Data::getGlobal(), input);
+        }
+
+        void calculate() override { Model::getGlobal().calculate(m_params); }
+        void resetUserInputs() override { m_params.resetUserInputs(); }
+        std::string reflect() const override { return m_params.reflect(); }
+
+    private:
+        GeneratedSheet const& m_sheet;
+        Params m_params;
+    };
+
+    std::string m_name;
+    std::string m_description;
+    std::vector<CellInfo> m_cells;
+    ValidValues m_validValues;
+};
+
+}  // namespace prsm

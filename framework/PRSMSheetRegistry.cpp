@@ -1,0 +1,50 @@
+#include <prsm/framework/PRSMSheetRegistry.h>
+
+#include <algorithm>
+
+namespace prsm {
+
+char const* toString(CellType type) {
+    switch (type) {
+        case CellType::Int: return "int";
+        case CellType::Float: return "float";
+        case CellType::String: return "string";
+    }
+    return "";
+}
+
+char const* toString(CellCategory category) {
+    switch (category) {
+        case CellCategory::UserInput: return "input";
+        case CellCategory::ModelOutput: return "output";
+        case CellCategory::IntermediateCalculation: return "intermediate";
+    }
+    return "";
+}
+
+CellInfo const* Sheet::findCell(std::string const& name) const {
+    for (CellInfo const& cell : cells())
+        if (cell.name == name) return &cell;
+    return nullptr;
+}
+
+SheetRegistry& SheetRegistry::instance() {
+    static SheetRegistry registry;
+    return registry;
+}
+
+void SheetRegistry::add(Sheet const& sheet) { m_sheets.push_back(&sheet); }
+
+Sheet const* SheetRegistry::find(std::string const& name) const {
+    for (Sheet const* sheet : m_sheets)
+        if (sheet->name() == name) return sheet;
+    return nullptr;
+}
+
+std::vector<Sheet const*> SheetRegistry::sheets() const {
+    std::vector<Sheet const*> sorted = m_sheets;
+    std::sort(sorted.begin(), sorted.end(), [](Sheet const* a, Sheet const* b) { return a->name() < b->name(); });
+    return sorted;
+}
+
+}  // namespace prsm

@@ -1,0 +1,73 @@
+#pragma once
+// Every generated sheet registers itself here under a short name ("TalvexCleLogic"), behind one
+// type-erased interface: the command-line host, the sweeping tests and the benchmarks drive any sheet
+// by name through it without knowing its classes.
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace prsm {
+
+enum class CellType { Int, Float, String };
+enum class CellCategory { UserInput, ModelOutput, IntermediateCalculation };
+
+char const* toString(CellType type);
+char const* toString(CellCategory category);
+
+struct CellInfo {
+    std::string name;
+    CellType type;
+    CellCategory category;
+    std::string declaredDefault;  // a constant's text, or a description of the computed default
+    std::string rule;             // the validity rule in words, empty when the input is not checked
+    std::string validityKey;      // the int-dispatch name that evaluates the rule, empty when none
+    bool hasValidValues = false;  // a string input with a closed list of choices
+};
+
+// One parameter set of a sheet, driven by cell names and text values.
+class SheetInstance {
+public:
+    virtual ~SheetInstance() = default;
+
+    // Writes a cell from text. Throws std::invalid_argument for an unknown cell or a text that does not
+    // parse as the cell's type.
+    virtual void set(std::string const& name, std::string const& text) = 0;
+    // The stored value of a cell as text (sentinels included), without evaluating anything.
+    virtual std::string get(std::string const& name) const = 0;
+    // Evaluates a cell through the model's dispatch tables (applying an input's default) as text.
+    virtual std::string evaluate(std::string const& name) = 0;
+    // Evaluates the validity rule of an input: 1 valid, 0 invalid.
+    virtual int isValid(std::string const& input) = 0;
+    // The valid choices of a string input, comma-separated.
+    virtual std::string validValues(std::string const& input) = 0;
+    virtual void calculate() = 0;
+    virtual void resetUserInputs() = 0;
+    virtual std::string reflect() const = 0;
+};
+
+class Sheet {
+public:
+    virtual ~Sheet() = default;
+    virtual std::string const& name() const = 0;
+    virtual std::string const& description() const = 0;
+    virtual std::vector<CellInfo> const& cells() const = 0;
+    virtual std::unique_ptr<SheetInstance> create() const = 0;
+
+    CellInfo const* findCell(std::string const& name) const;
+};
+
+class SheetRegistry {
+public:
+    static SheetRegistry& instance();
+
+    void add(Sheet const& sheet);
+    Sheet const* find(std::string const& name) const;
+    // Every sheet, sorted by name.
+    std::vector<Sheet const*> sheets() const;
+
+private:
+    std::vector<Sheet const*> m_sheets;
+};
+
+}  // namespace prsm

@@ -1,0 +1,381 @@
+"""Emits a sheet's model class: getters, memoised cells, validity, dispatch tables, calculate and the
+registration that makes the sheet reachable by name. Formulas stay hand-written."""
+
+from emit_params import HEADER_NOTE
+from sheet import CPP_TYPE, NOT_SET, TYPES, Cell, Family, Sheet, SheetError, camel, cpp_literal
+
+SIG = "(Params& params, Data const& data) const"
+CELL_TYPE = {"int": "prsm::CellType::Int", "float": "prsm::CellType::Float", "string": "prsm::CellType::String"}
+CELL_CATEGORY = {"inputs": "prsm::CellCategory::UserInput", "outputs": "prsm::CellCategory::ModelOutput",
+                 "intermediates": "prsm::CellCategory::IntermediateCalculation"}
+
+
+class Plan:
+    """Decides, once, how each cell of a sheet gets its value."""
+
+    def __init__(self, sheet: Sheet):
+        self.sheet = sheet
+        self.validated = {n: i for n, i in sheet.inputs.items() if i.validated}
+        self.bounds = {}     # GET_MIN_/GET_MAX_ cell -> (input, "MIN"|"MAX")
+        self.validity = {}   # IS_VALID_ cell -> input
+        for cell in sheet.all_cells():
+            if cell.is_input:
+                continue
+            for prefix, fn in (("GET_MIN_", "MIN"), ("GET_MAX_", "MAX")):
+                target = cell.name[len(prefix):]
+                if cell.name.startswith(prefix) and target in self.validated and self.validated[target].range:
+                    self.bounds[cell.name] = (self.validated[target], fn)
+            if cell.name.startswith("IS_VALID_"):
+                target = cell.name[len("IS_VALID_"):]
+                if target not in self.validated:
+                    raise SheetError(f"{cell.name}: declare a rule for input {target}")
+                if cell.type != "int":
+                    raise SheetError(f"{cell.name} must be an int cell")
+                self.validity[cell.name] = self.validated[target]
+
+    def kind(self, cell: Cell) -> str:
+        if cell.is_input:
+            return "input"
+        if cell.name in self.validity:
+            return "validity"
+        if cell.name in self.bounds:
+            return "bound"
+        if cell.name in self.sheet.constants:
+            return "constant"
+        if cell.family is not None:
+            return "family"
+        return "formula"
+
+    def validity_key(self, name: str) -> str:
+        return f"IS_VALID_{name}" if f"IS_VALID_{name}" in self.sheet.by_name else f"calculateIsValid{name}"
+
+
+def _fn(cell: Cell) -> str:
+    return ("get" if cell.is_input else "calculate") + cell.camel
+
+
+def _family_fn(cell: Cell) -> str:
+    return ("get" if cell.is_input else "calculate") + camel(cell.pattern)
+
+
+def header(sheet: Sheet) -> str:
+    plan = Plan(sheet)
+    cls, p, d = sheet.prefix + "Model", sheet.prefix + "Params", sheet.prefix + "Data"
+    public, private = [], []
+    for fam in sheet.families:
+        members = ", ".join(fam.enumerator(m) for m in fam.members)
+        public.append(f"    enum class {fam.name} {{ {members} }};")
+        public.append(f"    static std::string_view memberName({fam.name} member);")
+    if sheet.families:
+        public.append("")
+    public.append("    // Input getters: the cell's value, or its default, which is stored into the cell.")
+    for cell in sheet.all_cells():
+        if cell.is_input:
+            public.append(f"    {cell.cpp_type} {_fn(cell)}{SIG};")
+            inp = sheet.inputs[cell.name]
+            if inp.computed_default is not None:
+                if cell.family is not None and inp.family_default:
+                    private.append(f"    {cell.cpp_type} default{camel(cell.pattern)}(Params& params, Data const& data, "
+                                   f"{cell.family.name} member) const;")
+                else:
+                    private.append(f"    {cell.cpp_type} default{cell.camel}{SIG};")
+    public.append("")
+    public.append("    // Cell functions: the cached value, or the formula's result, which is stored into the cell.")
+    for cell in sheet.all_cells():
+        kind = plan.kind(cell)
+        if kind in ("input", "validity"):
+            continue
+        public.append(f"    {cell.cpp_type} {_fn(cell)}{SIG};")
+        if kind == "formula":
+            private.append(f"    {cell.cpp_type} compute{cell.camel}{SIG};")
+    seen = set()
+    family_lines = []
+    for cell in sheet.all_cells():
+        if cell.family is None or (cell.family.name, cell.pattern) in seen:
+            continue
+        seen.add((cell.family.name, cell.pattern))
+        family_lines.append(f"    {cell.cpp_type} {_family_fn(cell)}(Params& params, Data const& data, "
+                            f"{cell.family.name} member) const;")
+        if plan.kind(cell) == "family":
+            private.append(f"    {cell.cpp_type} compute{camel(cell.pattern)}(Params& params, Data const& data, "
+                           f"{cell.family.name} member) const;")
+    if family_lines:
+        public += ["", "    // Families: the cell of one member."] + family_lines
+    public += ["", "    // Validity of the inputs that have a rule, and the choices of those with a list."]
+    for name, inp in plan.validated.items():
+        public.append(f"    bool calculateIsValid{inp.cell.camel}{SIG};")
+        if inp.list_name is not None:
+            public.append(f"    std::string calculateValidValues{inp.cell.camel}{SIG};")
+        if inp.rule is not None:
+            private.append(f"    bool isValid{inp.cell.camel}{SIG};")
+        if inp.list_name == "computed":
+            private.append(f"    std::vector<std::string> validList{inp.cell.camel}{SIG};")
+    private = list(dict.fromkeys(private))  # a family's default is declared once for all its members
+    private_block = ("\nprivate:\n    // Formulas, written by hand beside the sheet's table.\n" + "\n".join(private)) if private else ""
+    return f"""{HEADER_NOTE.format(stem=sheet.stem)}#pragma once
+
+#include <prsm/framework/PRSMModel.h>
+#include <prsm/{sheet.subdir}/{p}.h>
+#include <prsm/{sheet.subdir}/{d}.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// {sheet.description}
+class {cls} : public PRSMModel {{
+public:
+    using Params = {p};
+    using Data = {d};
+
+{chr(10).join(public)}
+
+    std::string className() const override;
+    // Resets intermediate calculations and model outputs, then evaluates the outputs in a fixed order.
+    void calculate(Params& params) const;
+
+    // A cell by name, evaluated; an unknown name gives 0, 0.0 or the empty string.
+    float floatDispatchTable(Params& params, Data const& data, std::string const& name) const;
+    int intDispatchTable(Params& params, Data const& data, std::string const& name) const;
+    std::string stringDispatchTable(Params& params, Data const& data, std::string const& name) const;
+
+    static {cls}& getMutableGlobal();
+    static {cls} const& getGlobal();
+{private_block}
+}};
+"""
+
+
+def _args(uses_params: bool, uses_data: bool) -> str:
+    return f"(Params&{' params' if uses_params else ''}, Data const&{' data' if uses_data else ''}) const"
+
+
+def _memo(cls: str, cell: Cell, expr: str, uses_data: bool = True) -> str:
+    enum = f"Params::{cell.name}"
+    cached = "std::string const&" if cell.type == "string" else cell.cpp_type
+    return f"""
+{cell.cpp_type} {cls}::{_fn(cell)}{_args(True, uses_data)} {{
+    {cached} cached = params[{enum}];
+    if (cached != {NOT_SET[cell.type]}) return cached;
+    return params[{enum}] = {expr};
+}}
+"""
+
+
+def _input(cls: str, sheet: Sheet, cell: Cell) -> str:
+    inp = sheet.inputs[cell.name]
+    if inp.computed_default is not None:
+        if cell.family is not None and inp.family_default:
+            fam = cell.family
+            expr = f"default{camel(cell.pattern)}(params, data, {fam.name}::{fam.enumerator(cell.member)})"
+        else:
+            expr = f"default{cell.camel}(params, data)"
+        return _memo(cls, cell, expr)
+    if inp.default is None:
+        raise SheetError(f"input {cell.name} has no default")
+    return _memo(cls, cell, cpp_literal(inp.default, cell.type), uses_data=False)
+
+
+def _membership(inp, value: str) -> str:
+    text = value if inp.cell.type == "string" else f"std::to_string({value})"
+    return f"prsm::isListed(list, {text})"
+
+
+def _list_expr(inp) -> str:
+    if inp.list_name == "computed":
+        return f"validList{inp.cell.camel}(params, data)"
+    return f'data.{inp.list_table.getter}("{inp.list_name}")'
+
+
+def _validity(cls: str, sheet: Sheet, plan: Plan, inp) -> str:
+    c = inp.cell
+    value = f"{_fn(c)}(params, data)"
+    if inp.range is not None:
+        lo, hi = (cpp_literal(v, c.type) for v in inp.range)
+        if c.type == "int":  # one unsigned comparison: negative values wrap and fail
+            test = (f"static_cast<unsigned>(value) - static_cast<unsigned>({lo}) <= "
+                    f"static_cast<unsigned>({hi}) - static_cast<unsigned>({lo})")
+        else:
+            test = f"value >= {lo} && value <= {hi}"
+        body = f"    {c.cpp_type} const value = {value};\n    bool const valid = {test};"
+    elif inp.above is not None:
+        body = f"    bool const valid = {value} > {cpp_literal(inp.above, c.type)};"
+    elif inp.list_name is not None:
+        body = (f"    {c.cpp_type} const value = {value};\n    std::vector<std::string> const list = {_list_expr(inp)};\n"
+                f"    bool const valid = {_membership(inp, 'value')};")
+    else:
+        body = f"    bool const valid = isValid{c.camel}(params, data);"
+    store = f"\n    params[Params::IS_VALID_{c.name}] = valid ? 1 : 0;" if f"IS_VALID_{c.name}" in sheet.by_name else ""
+    out = f"""
+bool {cls}::calculateIsValid{c.camel}{SIG} {{
+{body}{store}
+    return valid;
+}}
+"""
+    if inp.list_name is not None:
+        out += f"""
+std::string {cls}::calculateValidValues{c.camel}{_args(inp.list_name == "computed", True)} {{
+    return prsm::joinList({_list_expr(inp)});
+}}
+"""
+    return out
+
+
+def _family_accessor(cls: str, cell: Cell) -> str:
+    fam = cell.family
+    cases = "\n".join(f"        case {fam.name}::{fam.enumerator(m)}: return "
+                      f"{'get' if cell.is_input else 'calculate'}{camel(cell.pattern.replace('{}', m))}(params, data);"
+                      for m in fam.members)
+    return f"""
+{cell.cpp_type} {cls}::{_family_fn(cell)}(Params& params, Data const& data, {fam.name} member) const {{
+    switch (member) {{
+{cases}
+    }}
+    return {NOT_SET[cell.type]};
+}}
+"""
+
+
+def _dispatch(cls: str, sheet: Sheet, plan: Plan, t: str) -> str:
+    ret = CPP_TYPE[t]
+    entries = []
+    for cell in sheet.all_cells():
+        if cell.type != t:
+            continue
+        fn = f"calculateIsValid{plan.validity[cell.name].cell.camel}" if cell.name in plan.validity else _fn(cell)
+        entries.append((cell.name, fn))
+    if t == "int":
+        for name, inp in plan.validated.items():
+            if f"IS_VALID_{name}" not in sheet.by_name:
+                entries.append((f"calculateIsValid{name}", f"calculateIsValid{inp.cell.camel}"))
+    rows = "\n".join(f'        {{"{n}", [](Self const& m, Params& p, Data const& d) -> {ret} {{ return m.{fn}(p, d); }}}},'
+                     for n, fn in entries)
+    fallback = {"int": "0", "float": "0.0f", "string": "std::string()"}[t]
+    return f"""
+{ret} {cls}::{t}DispatchTable(Params& params, Data const& data, std::string const& name) const {{
+    using Self = {cls};
+    using Cell = {ret} (*)(Self const&, Params&, Data const&);
+    static std::unordered_map<std::string, Cell> const table = {{
+{rows}
+    }};
+    auto const it = table.find(name);
+    return it == table.end() ? {fallback} : it->second(*this, params, data);
+}}
+"""
+
+
+def _cell_info(sheet: Sheet, plan: Plan, cell: Cell) -> str:
+    default, rule, key, listed = "", "", "", "false"
+    if cell.is_input:
+        inp = sheet.inputs[cell.name]
+        if inp.computed_default is not None:
+            default = inp.computed_default
+        elif inp.default is not None:
+            default = str(inp.default)
+        if inp.validated:
+            rule, key = inp.rule_text(), plan.validity_key(cell.name)
+        listed = "true" if inp.list_name is not None else "false"
+    esc = lambda s: s.replace("\\", "\\\\").replace('"', '\\"')
+    return (f'        {{"{cell.name}", {CELL_TYPE[cell.type]}, {CELL_CATEGORY[cell.category]}, "{esc(default)}", '
+            f'"{esc(rule)}", "{key}", {listed}}},')
+
+
+def source(sheet: Sheet) -> str:
+    plan = Plan(sheet)
+    cls = sheet.prefix + "Model"
+    parts = [f"""{HEADER_NOTE.format(stem=sheet.stem)}#include <prsm/{sheet.subdir}/{cls}.h>
+
+#include <prsm/framework/PRSMModelSupport.h>
+#include <prsm/framework/PRSMReservedValues.h>
+#include <prsm/framework/PRSMSheetAdapter.h>
+#include <prsm/sheetfunc/PRSMHelperUtils.h>
+
+#include <unordered_map>
+"""]
+    for fam in sheet.families:
+        cases = "\n".join(f'        case {fam.name}::{fam.enumerator(m)}: return "{m}";' for m in fam.members)
+        parts.append(f"""
+std::string_view {cls}::memberName({fam.name} member) {{
+    switch (member) {{
+{cases}
+    }}
+    return {{}};
+}}
+""")
+    for cell in sheet.all_cells():
+        kind = plan.kind(cell)
+        if kind == "input":
+            parts.append(_input(cls, sheet, cell))
+        elif kind == "formula":
+            parts.append(_memo(cls, cell, f"compute{cell.camel}(params, data)"))
+        elif kind == "family":
+            fam = cell.family
+            parts.append(_memo(cls, cell, f"compute{camel(cell.pattern)}(params, data, "
+                                          f"{fam.name}::{fam.enumerator(cell.member)})"))
+        elif kind == "constant":  # stored without looking at the cache
+            parts.append(f"""
+{cell.cpp_type} {cls}::{_fn(cell)}{_args(True, False)} {{
+    return params[Params::{cell.name}] = {cpp_literal(sheet.constants[cell.name], cell.type)};
+}}
+""")
+        elif kind == "bound":
+            inp, fn = plan.bounds[cell.name]
+            lo, hi = (cpp_literal(float(v), "float") for v in inp.range)
+            parts.append(f"""
+{cell.cpp_type} {cls}::{_fn(cell)}{_args(True, False)} {{
+    return params[Params::{cell.name}] = PRSMHelperUtils::{fn}({lo}, {hi});
+}}
+""")
+    seen = set()
+    for cell in sheet.all_cells():
+        if cell.family is not None and (cell.family.name, cell.pattern) not in seen:
+            seen.add((cell.family.name, cell.pattern))
+            parts.append(_family_accessor(cls, cell))
+    for inp in plan.validated.values():
+        parts.append(_validity(cls, sheet, plan, inp))
+    calls = "\n".join(f"    {_fn(sheet.by_name[n])}(params, data);" for n in sheet.calculate)
+    parts.append(f"""
+std::string {cls}::className() const {{ return "{cls}"; }}
+
+void {cls}::calculate(Params& params) const {{
+    Data const& data = Data::getGlobal();
+    params.resetIntermediateCalculations();
+    params.resetModelOutputs();
+{calls}
+    (void)data;
+}}
+""")
+    for t in TYPES:
+        parts.append(_dispatch(cls, sheet, plan, t))
+    listed = [i for i in plan.validated.values() if i.list_name is not None]
+    vv = "\n".join(f'    if (input == "{i.cell.name}") return model.calculateValidValues{i.cell.camel}(params, data);'
+                   for i in listed)
+    infos = "\n".join(_cell_info(sheet, plan, c) for c in sheet.all_cells())
+    esc_desc = sheet.description.replace('"', '\\"')
+    parts.append(f"""
+{cls}& {cls}::getMutableGlobal() {{
+    static {cls} model;
+    return model;
+}}
+
+{cls} const& {cls}::getGlobal() {{ return getMutableGlobal(); }}
+
+namespace {{
+
+std::string validValuesByName({cls} const& model, {cls}::Params& params, {cls}::Data const& data,
+                              std::string const& input) {{
+{vv}
+    (void)model, (void)params, (void)data;
+    return std::string();
+}}
+
+prsm::GeneratedSheet<{cls}> const registration(
+    "{sheet.stem}", "{esc_desc}",
+    {{
+{infos}
+    }},
+    &validValuesByName);
+
+}}  // namespace
+""")
+    return "".join(parts)
