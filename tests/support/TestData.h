@@ -15,14 +15,21 @@ inline std::string shippedDataDir() { return PRSM_SHIPPED_DATADIR; }
 // that needs other data builds its own data object inside the scope.
 class ScopedDataDir {
 public:
-    explicit ScopedDataDir(std::string const& value) : m_previous(std::getenv("QDI_DATADIR")) {
+    explicit ScopedDataDir(std::string const& value) {
+        char const* previous = std::getenv("QDI_DATADIR");
+        m_wasSet = previous != nullptr;
+        if (m_wasSet) m_previous = previous;
         ::setenv("QDI_DATADIR", value.c_str(), 1);
     }
     ScopedDataDir(ScopedDataDir const&) = delete;
     ScopedDataDir& operator=(ScopedDataDir const&) = delete;
-    ~ScopedDataDir() { ::setenv("QDI_DATADIR", m_previous.c_str(), 1); }
+    ~ScopedDataDir() {
+        if (m_wasSet) ::setenv("QDI_DATADIR", m_previous.c_str(), 1);
+        else ::unsetenv("QDI_DATADIR");
+    }
 
 private:
+    bool m_wasSet = false;
     std::string m_previous;
 };
 
