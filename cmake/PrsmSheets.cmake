@@ -41,9 +41,14 @@ function(prsm_add_sheet target table)
 endfunction()
 
 # Every table in a folder: adding a sheet is adding its table, its formulas and its data file.
+# PRSM_SHEET_FILTER, a regular expression over table stems, builds a subset while sheets are in work.
+set(PRSM_SHEET_FILTER "" CACHE STRING "Build only the sheets whose table stem matches this expression")
 function(prsm_add_sheets_in target folder)
   file(GLOB tables CONFIGURE_DEPENDS ${folder}/*.toml)
   list(SORT tables)
+  if(PRSM_SHEET_FILTER)
+    list(FILTER tables INCLUDE REGEX "/(${PRSM_SHEET_FILTER})\\.toml$")
+  endif()
   foreach(table ${tables})
     prsm_add_sheet(${target} ${table})
   endforeach()
