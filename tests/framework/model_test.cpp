@@ -1,0 +1,104 @@
+// Model evaluation, on the test-only sheet: defaults, memoisation, validity, dispatch and the registry.
+#include <prsm/framework/PRSMException.h>
+#include <prsm/framework/PRSMSheetRegistry.h>
+#include <prsm/tests/framework/PRSMTestSamplerModel.h>
+
+#include <gtest/gtest.h>
+
+#include <climits>
+
+namespace {
+
+using Params = PRSMTestSamplerParams;
+using Model = PRSMTestSamplerModel;
+
+// Defaults: RATE 0.5, SCALE 2 x 0.5 = 1, lane loads 0.5, mode FAST (capacitances 2 and 3.5).
+// TOTAL = 0.5 x 2 x 1 + 0.5 x 3.5 x 1 + 0.25 = 3.
+TEST(Model, CalculateAppliesDefaultsAndComputesEveryOutput) {
+    Model const& model = Model::getGlobal();
+    Params p;
+    model.calculate(p);
+    EXPECT_EQ(p[Params::TOTAL], 3.0f);
+    EXPECT_EQ(p[Params::LABEL], "FAST:2");
+    EXPECT_EQ(p[Params::COUNT_OUT], 4);
+    EXPECT_EQ(p[Params::SCALE], 1.0f);
+    EXPECT_EQ(p[Params::LANE_B_LOAD], 0.5f);
+    EXPECT_EQ(p[Params::PLACEHOLDER], 0.25f);
+    EXPECT_EQ(p[Params::GET_MAX_RATE], FLT_MAX);  // bounds are evaluated on demand only
+    EXPECT_EQ(model.className(), "PRSMTestSamplerModel");
+}
+
+TEST(Model, CachedCellsStayUntilTheNextCalculate) {
+    Model const& model = Model::getGlobal();
+    auto const& data = PRSMTestSamplerData::getGlobal();
+    Params p;
+    model.calculate(p);
+    p[Params::MODE] = "SLOW";  // capacitances 0.5 and 1: 0.25 + 0.5 + 0.25 = 1
+    EXPECT_EQ(model.floatDispatchTable(p, data, "TOTAL"), 3.0f);
+    model.calculate(p);
+    EXPECT_EQ(model.floatDispatchTable(p, data, "TOTAL"), 1.0f);
+    EXPECT_EQ(model.calculateLanePower(p, data, Model::Lane::B), 0.5f);
+    EXPECT_EQ(Model::memberName(Model::Lane::B), "B");
+    EXPECT_EQ(model.intDispatchTable(p, data, "COUNT"), 2);
+    EXPECT_EQ(model.intDispatchTable(p, data, "TOTAL"), 0);
+    EXPECT_EQ(model.floatDispatchTable(p, data, "missing"), 0.0f);
+    EXPECT_EQ(model.stringDispatchTable(p, data, "COUNT"), "");
+}
+
+TEST(Model, ValidityIsReportedNeverEnforced) {
+    Model const& model = Model::getGlobal();
+    auto const& data = PRSMTestSamplerData::getGlobal();
+    Params p;
+    p[Params::COUNT] = -1;  // below the range: the unsigned test fails it
+    p[Params::RATE] = 1.0f;
+    p[Params::MODE] = "TURBO";
+    EXPECT_EQ(model.intDispatchTable(p, data, "IS_VALID_COUNT"), 0);
+    EXPECT_EQ(p[Params::IS_VALID_COUNT], 0);
+    EXPECT_EQ(model.intDispatchTable(p, data, "IS_VALID_RATE"), 1);
+    EXPECT_EQ(model.intDispatchTable(p, data, "calculateIsValidMODE"), 0);
+    EXPECT_EQ(model.calculateValidValuesMode(p, data), "FAST,SLOW");
+    EXPECT_EQ(model.floatDispatchTable(p, data, "GET_MIN_RATE"), 0.0f);
+    EXPECT_EQ(model.floatDispatchTable(p, data, "GET_MAX_RATE"), 1.0f);
+    p[Params::COUNT] = 10;
+    EXPECT_EQ(model.intDispatchTable(p, data, "IS_VALID_COUNT"), 1);
+    p[Params::COUNT] = 11;
+    EXPECT_EQ(model.intDispatchTable(p, data, "IS_VALID_COUNT"), 0);
+    // An unknown mode has no capacitance row: the lookup names the table and the key.
+    try {
+        model.calculate(p);
+        FAIL() << "expected a missing key";
+    } catch (PRSMException const& e) {
+        EXPECT_STREQ(e.what(),
+                     "PRS Exception: key \"TURBO.A\" not found in table \"LANE_CAP\" [ in function: "
+                     "PRSMTestSamplerData::getLaneCap ]");
+    }
+}
+
+TEST(Model, RegistryDrivesTheSheetByName) {
+    prsm::Sheet const* sheet = prsm::SheetRegistry::instance().find("TestSampler");
+    ASSERT_NE(sheet, nullptr);
+    prsm::CellInfo const* rate = sheet->findCell("RATE");
+    ASSERT_NE(rate, nullptr);
+    EXPECT_EQ(rate->declaredDefault, "0.5");
+    EXPECT_EQ(rate->validityKey, "IS_VALID_RATE");
+    EXPECT_EQ(sheet->findCell("MODE")->validityKey, "calculateIsValidMODE");
+    auto instance = sheet->create();
+    instance->set("MODE", "SLOW");
+    instance->set("COUNT", "3");
+    EXPECT_THROW(instance->set("COUNT", "3.5"), std::invalid_argument);
+    EXPECT_THROW(instance->set("RATE", "fast"), std::invalid_argument);
+    EXPECT_THROW(instance->set("NOPE", "1"), std::invalid_argument);
+    instance->calculate();
+    EXPECT_EQ(instance->get("TOTAL"), "1");
+    EXPECT_EQ(instance->get("LABEL"), "SLOW:3");
+    EXPECT_EQ(instance->evaluate("GET_MAX_RATE"), "1");
+    EXPECT_EQ(instance->isValid("COUNT"), 1);
+    EXPECT_EQ(instance->validValues("MODE"), "FAST,SLOW");
+}
+
+TEST(Exception, MessageNamesTheFunction) {
+    PRSMException const e("bad things", "f");
+    EXPECT_STREQ(e.what(), "PRS Exception: bad things [ in function: f ]");
+}
+
+}  // namespace
