@@ -10,7 +10,7 @@ foreach(dir framework sheetfunc)
     FILES_MATCHING PATTERN "*.h")
 endforeach()
 install(DIRECTORY ${PRSM_GENERATED_ROOT}/prsm/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/prsm
-  FILES_MATCHING PATTERN "*.h")
+  FILES_MATCHING PATTERN "*.h" PATTERN "tests" EXCLUDE)
 
 set(PRSM_INSTALL_DATADIR ${CMAKE_INSTALL_DATADIR}/prsm)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/data/ DESTINATION ${PRSM_INSTALL_DATADIR}
@@ -27,5 +27,8 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/prsmConfigVersion.cmake
 install(FILES ${CMAKE_BINARY_DIR}/prsmConfig.cmake ${CMAKE_BINARY_DIR}/prsmConfigVersion.cmake
   DESTINATION ${PRSM_CMAKE_DIR})
 
+# The pkg-config file finds its prefix relative to itself, so a staged install works as well.
+file(RELATIVE_PATH PRSM_PC_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+string(REGEX REPLACE "/$" "" PRSM_PC_PREFIX "${PRSM_PC_PREFIX}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/prsm.pc.in ${CMAKE_BINARY_DIR}/prsm.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/prsm.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
