@@ -246,13 +246,13 @@ def load(path: Path, source_root: Path) -> Sheet:
     for cell in by_name.values():
         if cell.is_input:
             inputs[cell.name] = Input(cell)
-    for pattern, spec in doc.get("inputs", {}).items():
+    for pattern, entry in doc.get("inputs", {}).items():
         names = [pattern.replace("{}", m) for f in families if pattern in f.patterns for m in f.members] \
             if "{}" in pattern else expand(pattern)
         for name in names:
             if name not in inputs:
                 raise SheetError(f"inputs.{pattern}: {name} is not an input cell")
-            _read_input(inputs[name], spec, tables)
+            _read_input(inputs[name], entry, tables)
             inputs[name].family_default = "{}" in pattern
 
     constants = {}
@@ -276,22 +276,22 @@ def load(path: Path, source_root: Path) -> Sheet:
                  cells, by_name, inputs, constants, families, tables, load_order, calculate)
 
 
-def _read_input(inp: Input, spec: dict, tables: list[Table]) -> None:
+def _read_input(inp: Input, entry: dict, tables: list[Table]) -> None:
     known = {"default", "computed_default", "above", "range", "list", "list_map", "rule"}
-    if unknown := set(spec) - known:
+    if unknown := set(entry) - known:
         raise SheetError(f"input {inp.cell.name}: unknown keys {sorted(unknown)}")
-    if "default" in spec:
-        inp.default = spec["default"]
+    if "default" in entry:
+        inp.default = entry["default"]
         cpp_literal(inp.default, inp.cell.type)
-    inp.computed_default = spec.get("computed_default")
-    inp.above = spec.get("above")
-    inp.range = spec.get("range")
-    inp.rule = spec.get("rule")
-    if "list" in spec:
-        inp.list_name = spec["list"]
+    inp.computed_default = entry.get("computed_default")
+    inp.above = entry.get("above")
+    inp.range = entry.get("range")
+    inp.rule = entry.get("rule")
+    if "list" in entry:
+        inp.list_name = entry["list"]
         if inp.list_name != "computed":
             lists = [t for t in tables if t.type == "list"]
-            wanted = spec.get("list_map")
+            wanted = entry.get("list_map")
             candidates = [t for t in lists if wanted in (None, t.map)]
             if len(candidates) != 1:
                 raise SheetError(f"input {inp.cell.name}: name the list table with list_map")
