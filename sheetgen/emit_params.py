@@ -1,6 +1,6 @@
 """Emits a sheet's parameter-set class: enumerations, storage, name tables, resets and reflect."""
 
-from sheet import CATEGORIES, MARKER, NOT_SET, TYPES, Sheet
+from sheet import CATEGORIES, MARKER, TYPES, Sheet
 
 TITLE = {"int": "Int", "float": "Float", "string": "String"}
 CATEGORY_WORD = {"inputs": "UserInput", "outputs": "ModelOutput", "intermediates": "IntermediateCalculation"}
