@@ -365,7 +365,7 @@ namespace {{
 std::string validValuesByName({cls} const& model, {cls}::Params& params, {cls}::Data const& data,
                               std::string const& input) {{
 {vv}
-    (void)model, (void)params, (void)data;
+    (void)model, (void)params, (void)data, (void)input;
     return std::string();
 }}
 
