@@ -1,0 +1,39 @@
+#pragma once
+// One calculation of a sheet: set the inputs, calculate, read back every input (defaults applied),
+// every output and every checked input's validity. Nothing is printed here.
+
+#include <prsm/framework/PRSMSheetRegistry.h>
+#include <prsm/host/Inputs.h>
+
+#include <string>
+#include <vector>
+
+namespace prsm::host {
+
+struct CellValue {
+    std::string name;
+    CellType type;
+    std::string text;  // the library's text of the value
+};
+
+struct InputCheck {
+    std::string name;
+    CellType type;
+    std::string value;    // the library's text of the value used
+    std::string rule;     // the rule in words
+    std::string choices;  // for an invalid input with a list: its valid values, comma-separated
+    bool valid;
+};
+
+struct CalcResult {
+    std::string model;
+    std::vector<CellValue> inputs;   // every user input, in the sheet's order
+    std::vector<CellValue> outputs;  // every model output, in the sheet's order
+    std::vector<InputCheck> checks;  // every input that has a validity rule
+    std::string dump;                // the parameter set's reflect() text after all of the above
+};
+
+// Throws HostError(kExitDataFailure) when the data cannot be loaded or the calculation throws.
+CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& inputs);
+
+}  // namespace prsm::host

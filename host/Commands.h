@@ -1,0 +1,20 @@
+#pragma once
+// The three commands, from a parsed request to text on the two streams and an exit status.
+
+#include <prsm/framework/PRSMSheetRegistry.h>
+#include <prsm/host/DataDir.h>
+#include <prsm/host/Request.h>
+
+#include <iosfwd>
+#include <string>
+
+namespace prsm::host {
+
+// The registered sheet of that name. Throws HostError(kExitBadInput) naming the closest names.
+Sheet const& findSheet(std::string const& name);
+
+// Runs the request. Results go to `out` only when complete; errors and warnings go to `err`, each line
+// prefixed with "prsm: ". `dataDir` only feeds hints on data failures.
+int runRequest(Request const& request, DataDirChoice const& dataDir, std::ostream& out, std::ostream& err);
+
+}  // namespace prsm::host

@@ -1,0 +1,30 @@
+#include <prsm/framework/PRSMException.h>
+#include <prsm/host/Failures.h>
+
+#include <libconfig.h++>
+
+#include <exception>
+
+namespace prsm::host {
+
+std::string describeCurrentException() {
+    try {
+        throw;
+    } catch (libconfig::ParseException const& e) {
+        std::string const file = e.getFile() != nullptr ? e.getFile() : "a data file";
+        return "data file " + file + " does not parse at line " + std::to_string(e.getLine()) + ": " +
+               e.getError();
+    } catch (libconfig::FileIOException const&) {
+        return "a data file could not be found or read";
+    } catch (libconfig::SettingException const& e) {
+        return std::string("data setting ") + e.getPath() + ": " + e.what();
+    } catch (PRSMException const& e) {
+        return e.what();
+    } catch (std::exception const& e) {
+        return e.what();
+    } catch (...) {
+        return "unknown failure";
+    }
+}
+
+}  // namespace prsm::host

@@ -1,0 +1,75 @@
+#include <prsm/host/Render.h>
+#include <prsm/host/TextTable.h>
+#include <prsm/host/Values.h>
+
+namespace prsm::host {
+
+namespace {
+
+std::string shown(CellType type, std::string const& text) {
+    if (type == CellType::String) return text.empty() ? "\"\"" : text;
+    return displayValue(type, text);
+}
+
+std::string validWhen(InputCheck const& check) {
+    if (check.choices.empty()) return check.rule;
+    std::string text = "one of ";
+    for (char c : check.choices) text += c == ',' ? std::string(", ") : std::string(1, c);
+    return text;
+}
+
+}  // namespace
+
+std::string renderModels(std::vector<Sheet const*> const& sheets) {
+    std::vector<TextRow> rows;
+    for (Sheet const* sheet : sheets) rows.push_back({sheet->name(), sheet->description()});
+    return formatTable({"model", "description"}, rows);
+}
+
+std::string renderCells(std::vector<CellRow> const& rows) {
+    std::vector<TextRow> table;
+    for (CellRow const& row : rows)
+        table.push_back({row.name, row.type, row.category, row.defaultValue, row.validValues});
+    return formatTable({"cell", "type", "category", "default", "valid values"}, table);
+}
+
+std::string renderCalcTable(CalcResult const& result) {
+    std::vector<TextRow> outputs;
+    for (CellValue const& output : result.outputs)
+        outputs.push_back({output.name, shown(output.type, output.text)});
+    std::string text = formatTable({"output", "value"}, outputs);
+
+    std::vector<TextRow> invalid;
+    for (InputCheck const& check : result.checks)
+        if (!check.valid) invalid.push_back({check.name, shown(check.type, check.value), validWhen(check)});
+    if (!invalid.empty()) {
+        text += "\nINVALID inputs (calculated anyway)\n";
+        text += formatTable({"input", "value", "valid when"}, invalid);
+    }
+    return text;
+}
+
+nlohmann::ordered_json calcJson(CalcResult const& result) {
+    nlohmann::ordered_json document = nlohmann::ordered_json::object();
+    document["model"] = result.model;
+    document["inputs"] = nlohmann::ordered_json::object();
+    for (CellValue const& input : result.inputs)
+        document["inputs"][input.name] = jsonValue(input.type, input.text);
+    document["outputs"] = nlohmann::ordered_json::object();
+    for (CellValue const& output : result.outputs)
+        document["outputs"][output.name] = jsonValue(output.type, output.text);
+    document["valid"] = nlohmann::ordered_json::object();
+    for (InputCheck const& check : result.checks) document["valid"][check.name] = check.valid;
+    return document;
+}
+
+std::vector<std::string> invalidInputWarnings(CalcResult const& result) {
+    std::vector<std::string> lines;
+    for (InputCheck const& check : result.checks)
+        if (!check.valid)
+            lines.push_back(check.name + " = " + shown(check.type, check.value) + " is invalid (valid when " +
+                            validWhen(check) + "); calculated anyway");
+    return lines;
+}
+
+}  // namespace prsm::host

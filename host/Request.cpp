@@ -1,0 +1,54 @@
+#include <prsm/host/HostError.h>
+#include <prsm/host/Request.h>
+
+#include <CLI/CLI.hpp>
+
+#include <ostream>
+
+namespace prsm::host {
+
+ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostream& out, std::ostream& err) {
+    Request request;
+    CLI::App app{"Power models of programmable-logic blocks, from the command line.", "prsm"};
+    app.set_version_flag("--version", PRSM_HOST_VERSION);
+    app.add_flag("-v,--verbose", request.verbose, "Say which data directory is used");
+    app.require_subcommand(1);
+    app.fallthrough();  // --verbose is accepted after the subcommand too
+    app.footer(
+        "Exit status: 0 success, 2 usage error or rejected input, 3 data or calculation failure.\n"
+        "Data: QDI_DATADIR (':'-separated directories holding powercfg/); the shipped data when unset.");
+
+    CLI::App* models = app.add_subcommand("models", "List every model with its description");
+
+    CLI::App* cells =
+        app.add_subcommand("cells", "List a model's cells: type, category, default, valid values");
+    cells->add_option("model", request.model, "Model name (see `prsm models`)")->required();
+    cells->add_option("--category", request.category, "Only the cells of one category")
+        ->check(CLI::IsMember({"input", "output", "intermediate"}));
+
+    CLI::App* calc = app.add_subcommand("calc", "Set a model's inputs, calculate it and print its outputs");
+    calc->add_option("model", request.model, "Model name (see `prsm models`)")->required();
+    calc->add_option("assignments", request.assignments, "Inputs as NAME=VALUE (override the input file)");
+    calc->add_option("-i,--input", request.inputFile, "JSON file holding an object of NAME: value");
+    CLI::Option* json = calc->add_flag("--json", "Print model, inputs, outputs and validity as JSON");
+    CLI::Option* reflect = calc->add_flag("--reflect", "Print the parameter set's full text dump");
+    json->excludes(reflect);
+
+    try {
+        app.parse(argc, argv);
+    } catch (CLI::ParseError const& e) {
+        int const code = app.exit(e, out, err);
+        return {std::nullopt, code == 0 ? kExitOk : kExitBadInput};
+    }
+
+    if (models->parsed()) request.command = Command::Models;
+    if (cells->parsed()) request.command = Command::Cells;
+    if (calc->parsed()) {
+        request.command = Command::Calc;
+        if (*json) request.format = OutputFormat::Json;
+        if (*reflect) request.format = OutputFormat::Reflect;
+    }
+    return {request, kExitOk};
+}
+
+}  // namespace prsm::host

@@ -1,0 +1,32 @@
+#pragma once
+// The command line turned into one request; nothing here touches a sheet or the data.
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace prsm::host {
+
+enum class Command { Models, Cells, Calc };
+enum class OutputFormat { Table, Json, Reflect };
+
+struct Request {
+    Command command = Command::Models;
+    std::string model;
+    std::vector<std::string> assignments;  // NAME=VALUE, in command-line order
+    std::string inputFile;                 // a JSON object of NAME: value; empty when none
+    OutputFormat format = OutputFormat::Table;
+    std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
+    bool verbose = false;
+};
+
+struct ParsedCommandLine {
+    std::optional<Request> request;  // empty when the program should end with `exitCode`
+    int exitCode = 0;
+};
+
+// Parses argv. Help and version text go to `out` (exit 0), usage errors to `err` (exit 2).
+ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostream& out, std::ostream& err);
+
+}  // namespace prsm::host

@@ -1,0 +1,14 @@
+#pragma once
+// Aligned plain-text tables: a header, a rule of dashes, then the rows, columns two spaces apart.
+
+#include <string>
+#include <vector>
+
+namespace prsm::host {
+
+using TextRow = std::vector<std::string>;
+
+// Every row has the header's number of columns; lines carry no trailing blanks.
+std::string formatTable(TextRow const& header, std::vector<TextRow> const& rows);
+
+}  // namespace prsm::host

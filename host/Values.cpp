@@ -1,0 +1,56 @@
+#include <prsm/host/Values.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+namespace prsm::host {
+
+std::string shortestFloatText(float value) {
+    double const wide = value;
+    char text[32];
+    int digits = 1;
+    while (digits < 9) {  // nine significant digits are exact for every float
+        std::snprintf(text, sizeof text, "%.*g", digits, wide);
+        if (std::strtof(text, nullptr) == value) break;
+        ++digits;
+    }
+    // Whole numbers below 1e9 are written out ("200", not "2e+02").
+    if (std::isfinite(wide) && wide != 0) {
+        int const exponent = static_cast<int>(std::floor(std::log10(std::fabs(wide))));
+        if (exponent >= digits && exponent < 9) digits = exponent + 1;
+    }
+    std::snprintf(text, sizeof text, "%.*g", digits, wide);
+    return text;
+}
+
+std::string displayValue(CellType type, std::string const& text) {
+    if (type != CellType::Float) return text;
+    char* end = nullptr;
+    float const value = std::strtof(text.c_str(), &end);
+    return end != text.c_str() && *end == '\0' ? shortestFloatText(value) : text;
+}
+
+nlohmann::ordered_json jsonValue(CellType type, std::string const& text) {
+    switch (type) {
+        case CellType::Int: {
+            char* end = nullptr;
+            long long const value = std::strtoll(text.c_str(), &end, 10);
+            if (end != text.c_str() && *end == '\0') return value;
+            break;
+        }
+        case CellType::Float: {
+            char* end = nullptr;
+            float const value = std::strtof(text.c_str(), &end);
+            if (end == text.c_str() || *end != '\0') break;
+            if (!std::isfinite(value)) return nullptr;
+            // Through the shortest text, so 0.1f becomes the double 0.1 rather than 0.100000001490116.
+            return std::strtod(shortestFloatText(value).c_str(), nullptr);
+        }
+        case CellType::String:
+            break;
+    }
+    return text;
+}
+
+}  // namespace prsm::host

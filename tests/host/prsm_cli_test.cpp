@@ -1,0 +1,175 @@
+// The `prsm` executable run as a subprocess: its error paths (message on standard error, nothing on
+// standard output, exit status 2 or 3) and one calculation read back as JSON. The process inherits the
+// test's QDI_DATADIR. The logic-element sheet is the one every case drives.
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace {
+
+struct HostRun {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string quoted(std::string const& word) {
+    std::string text = "'";
+    for (char c : word) text += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return text + "'";
+}
+
+class TempFile {
+public:
+    explicit TempFile(std::string const& content = std::string()) {
+        char name[] = "/tmp/prsm_cli_test_XXXXXX";
+        int const fd = ::mkstemp(name);
+        if (fd >= 0) ::close(fd);
+        m_path = name;
+        std::ofstream(m_path) << content;
+    }
+    TempFile(TempFile const&) = delete;
+    TempFile& operator=(TempFile const&) = delete;
+    ~TempFile() { std::remove(m_path.c_str()); }
+    std::string const& path() const { return m_path; }
+    std::string read() const {
+        std::ostringstream text;
+        text << std::ifstream(m_path).rdbuf();
+        return text.str();
+    }
+
+private:
+    std::string m_path;
+};
+
+// Runs prsm with the arguments; `environment` is prepended as shell assignments ("QDI_DATADIR=/x").
+HostRun prsm(std::vector<std::string> const& args, std::string const& environment = std::string()) {
+    TempFile errors;
+    std::string command = environment + " " + quoted(PRSM_HOST_BINARY);
+    for (std::string const& arg : args) command += " " + quoted(arg);
+    command += " 2>" + quoted(errors.path());
+    HostRun run;
+    FILE* pipe = ::popen(command.c_str(), "r");
+    if (pipe == nullptr) return run;
+    char buffer[4096];
+    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) run.out.append(buffer, n);
+    int const status = ::pclose(pipe);
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.err = errors.read();
+    return run;
+}
+
+bool has(std::string const& text, std::string const& part) {
+    return text.find(part) != std::string::npos;
+}
+
+class PrsmCli : public ::testing::Test {
+protected:
+    void SetUp() override {
+        HostRun const models = prsm({"models"});
+        ASSERT_EQ(models.status, 0) << models.err;
+        if (!has(models.out, "TalvexCleLogic\n") && !has(models.out, "TalvexCleLogic "))
+            GTEST_SKIP() << "the logic-element sheet is not registered";
+    }
+
+    // A rejected run: exit status, nothing on standard output, each part in the message.
+    static void expectRejected(HostRun const& run, int status, std::vector<std::string> const& parts) {
+        EXPECT_EQ(run.status, status) << run.err;
+        EXPECT_EQ(run.out, "");
+        for (std::string const& part : parts)
+            EXPECT_TRUE(has(run.err, part)) << "no \"" << part << "\" in " << run.err;
+    }
+};
+
+TEST_F(PrsmCli, RejectsUnknownNamesWithSuggestions) {
+    expectRejected(prsm({"calc", "TalvexCleLogik"}), 2, {"unknown model TalvexCleLogik", "TalvexCleLogic"});
+    expectRejected(prsm({"cells", "talvexclelogic"}), 2, {"did you mean TalvexCleLogic?"});
+    expectRejected(prsm({"calc", "TalvexCleLogic", "CLOCK_FRQ=100"}), 2, {"no cell CLOCK_FRQ", "CLOCK_FREQ"});
+    expectRejected(prsm({"calc", "TalvexCleLogic", "CLOCK_FREQ"}), 2, {"NAME=VALUE"});
+    expectRejected(prsm({"calc"}), 2, {"model"});
+}
+
+TEST_F(PrsmCli, RejectsValuesAndCellsThatCannotBeInputs) {
+    expectRejected(prsm({"calc", "TalvexCleLogic", "CLOCK_FREQ=fast"}), 2, {"CLOCK_FREQ", "fast"});
+    expectRejected(prsm({"calc", "TalvexCleLogic", "INSTANCE_COUNT=1.5"}), 2, {"INSTANCE_COUNT", "1.5"});
+    expectRejected(prsm({"calc", "TalvexCleLogic", "LOGIC_POWER=1", "--json"}), 2,
+                   {"LOGIC_POWER is an output cell"});
+    expectRejected(prsm({"calc", "TalvexCleLogic", "IS_VALID_CLOCK_FREQ=1"}), 2, {"intermediate"});
+}
+
+TEST_F(PrsmCli, RejectsMissingAndMalformedInputFiles) {
+    expectRejected(prsm({"calc", "TalvexCleLogic", "--input", "/nonexistent/inputs.json"}), 2,
+                   {"cannot open input file /nonexistent/inputs.json"});
+    TempFile const broken(R"({"CLOCK_FREQ": 100,)");
+    expectRejected(prsm({"calc", "TalvexCleLogic", "--input", broken.path()}), 2, {"not valid JSON"});
+    TempFile const list("[100]");
+    expectRejected(prsm({"calc", "TalvexCleLogic", "-i", list.path()}), 2, {"JSON object"});
+    TempFile const flag(R"({"INSTANCE_COUNT": true})");
+    expectRejected(prsm({"calc", "TalvexCleLogic", "-i", flag.path()}), 2,
+                   {"INSTANCE_COUNT must be a number"});
+    TempFile const unknown(R"({"CLOCK_FREQUENCY": 100})");
+    expectRejected(prsm({"calc", "TalvexCleLogic", "-i", unknown.path()}), 2,
+                   {"CLOCK_FREQUENCY", unknown.path()});
+}
+
+TEST_F(PrsmCli, ReportsDataThatCannotBeLoaded) {
+    expectRejected(prsm({"calc", "TalvexCleLogic", "--json"}, "QDI_DATADIR=/nonexistent"), 3,
+                   {"calculating TalvexCleLogic failed", "QDI_DATADIR: /nonexistent"});
+    // Listing cells falls back to the declared defaults.
+    HostRun const cells =
+        prsm({"cells", "TalvexCleLogic", "--category", "input"}, "QDI_DATADIR=/nonexistent");
+    EXPECT_EQ(cells.status, 0) << cells.err;
+    EXPECT_TRUE(has(cells.err, "declared defaults are shown")) << cells.err;
+    EXPECT_TRUE(has(cells.out, "CLOCK_FREQ")) << cells.out;
+}
+
+TEST_F(PrsmCli, CalculatesToJsonWithDefaultsApplied) {
+    auto calc = [](std::vector<std::string> args) {
+        args.insert(args.begin(), {"calc", "TalvexCleLogic", "--json"});
+        HostRun const run = prsm(args);
+        EXPECT_EQ(run.status, 0) << run.err;
+        return nlohmann::json::parse(run.out);
+    };
+    nlohmann::json const one = calc({"INSTANCE_COUNT=1", "CLOCK_FREQ=250"});
+    EXPECT_EQ(one["model"], "TalvexCleLogic");
+    EXPECT_TRUE(one["inputs"]["INSTANCE_COUNT"].is_number_integer());
+    EXPECT_TRUE(one["inputs"]["CLOCK_FREQ"].is_number_float());
+    EXPECT_EQ(one["inputs"]["CLOCK_FREQ"].get<double>(), 250.0);
+    EXPECT_EQ(one["inputs"]["TOGGLE_RATE"].get<double>(), 0.125);  // the declared default
+    EXPECT_EQ(one["inputs"]["INSTANCE_TYPE"].get<std::string>(), "LUT_LOGIC");
+    EXPECT_EQ(one["valid"]["CLOCK_FREQ"], true);
+    EXPECT_GT(one["outputs"]["LOGIC_POWER"].get<double>(), 0.0);
+
+    // The group's power is the instance count times one instance's power.
+    nlohmann::json const four = calc({"INSTANCE_COUNT=4", "CLOCK_FREQ=250"});
+    EXPECT_NEAR(four["outputs"]["LOGIC_POWER"].get<double>(), 4 * one["outputs"]["LOGIC_POWER"].get<double>(),
+                1e-6 * four["outputs"]["LOGIC_POWER"].get<double>());
+
+    // The command line overrides the file. A clock of 0 is invalid but calculated: every signal rate
+    // defaults to clock x toggle rate, so a logic look-up table draws nothing.
+    TempFile const inputs(R"({"CLOCK_FREQ": 300, "INSTANCE_COUNT": 8})");
+    HostRun const zero = prsm({"calc", "TalvexCleLogic", "--json", "-i", inputs.path(), "CLOCK_FREQ=0"});
+    EXPECT_EQ(zero.status, 0);
+    EXPECT_TRUE(has(zero.err, "CLOCK_FREQ = 0 is invalid")) << zero.err;
+    nlohmann::json const json = nlohmann::json::parse(zero.out);
+    EXPECT_EQ(json["inputs"]["CLOCK_FREQ"].get<double>(), 0.0);
+    EXPECT_EQ(json["inputs"]["INSTANCE_COUNT"].get<int>(), 8);
+    EXPECT_EQ(json["valid"]["CLOCK_FREQ"], false);
+    EXPECT_EQ(json["outputs"]["LOGIC_POWER"].get<double>(), 0.0);
+
+    HostRun const table = prsm({"calc", "TalvexCleLogic", "CLOCK_FREQ=0"});
+    EXPECT_EQ(table.status, 0);
+    EXPECT_TRUE(has(table.out, "LOGIC_POWER")) << table.out;
+    EXPECT_TRUE(has(table.out, "INVALID inputs")) << table.out;
+}
+
+}  // namespace
