@@ -21,6 +21,19 @@ float reachedShare(Model::Data const& data, float util) {
     return std::isfinite(share) ? static_cast<float>(share) : prsm::kFloatNotSet;
 }
 
+// The larger of each resource count and its _BASE count (the spreadsheet MAX, in float).
+struct Totals {
+    float ffs, brams, urams, dsps;
+};
+
+Totals largerTotals(Model const& model, Model::Params& params, Model::Data const& data) {
+    auto const larger = [](int a, int b) { return MAX(static_cast<float>(a), static_cast<float>(b)); };
+    return {larger(model.getNumFfs(params, data), model.getNumFfsBase(params, data)),
+            larger(model.getNumBrams(params, data), model.getNumBramsBase(params, data)),
+            larger(model.getNumUrams(params, data), model.getNumUramsBase(params, data)),
+            larger(model.getNumDsps(params, data), model.getNumDspsBase(params, data))};
+}
+
 }  // namespace
 
 // Each _BASE count starts from the count of the current device.
@@ -34,18 +47,12 @@ float Model::computeMaxHdist(Params& params, Data const& data) const {
 }
 
 float Model::computeMaxLeafs(Params& params, Data const& data) const {
-    float const maxFf = MAX(static_cast<float>(getNumFfs(params, data)), static_cast<float>(getNumFfsBase(params, data)));
-    float const maxBram =
-        MAX(static_cast<float>(getNumBrams(params, data)), static_cast<float>(getNumBramsBase(params, data)));
-    float const maxUram =
-        MAX(static_cast<float>(getNumUrams(params, data)), static_cast<float>(getNumUramsBase(params, data)));
-    float const maxDsp = MAX(static_cast<float>(getNumDsps(params, data)), static_cast<float>(getNumDspsBase(params, data)));
+    Totals const t = largerTotals(*this, params, data);
     // The per-region leaves are counted in 32-bit integers, wrapping on overflow like the hardware
     // counters they mirror (the unsigned product keeps the wrap well defined).
-    int const regionLeafBits =
-        static_cast<int>(static_cast<unsigned>(getNumFsr(params, data)) * 1536u);
+    int const regionLeafBits = static_cast<int>(static_cast<unsigned>(getNumFsr(params, data)) * 1536u);
     int const regionLeaves = regionLeafBits / 48;
-    return (maxFf * 16 / 3072 + maxBram * 16 / 12 + maxUram * 16 / 12 + maxDsp * 16 / 24 +
+    return (t.ffs * 16 / 3072 + t.brams * 16 / 12 + t.urams * 16 / 12 + t.dsps * 16 / 24 +
             static_cast<float>(regionLeaves)) *
            0.0625f;
 }
@@ -57,13 +64,8 @@ float Model::computeSites(Params& params, Data const& data) const {
 
 // Sixteen flip-flops make one site; every block RAM, UltraRAM and DSP is a site of its own.
 float Model::computeTotalSites(Params& params, Data const& data) const {
-    float const maxFf = MAX(static_cast<float>(getNumFfs(params, data)), static_cast<float>(getNumFfsBase(params, data)));
-    float const maxBram =
-        MAX(static_cast<float>(getNumBrams(params, data)), static_cast<float>(getNumBramsBase(params, data)));
-    float const maxUram =
-        MAX(static_cast<float>(getNumUrams(params, data)), static_cast<float>(getNumUramsBase(params, data)));
-    float const maxDsp = MAX(static_cast<float>(getNumDsps(params, data)), static_cast<float>(getNumDspsBase(params, data)));
-    return maxFf * 0.0625f + maxBram + maxUram + maxDsp;
+    Totals const t = largerTotals(*this, params, data);
+    return t.ffs * 0.0625f + t.brams + t.urams + t.dsps;
 }
 
 float Model::computeSiteUtil(Params& params, Data const& data) const {
