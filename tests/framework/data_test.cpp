@@ -128,16 +128,16 @@ TEST(Data, ProtectedAndBrokenFiles) {
 TEST(Data, CommonSettingsServeTheDeviceCatalogue) {
     auto const& common = PRSMCommonParamControlData::getGlobal();
     EXPECT_EQ(common.className(), "PRSMCommonParamControlData");
-    EXPECT_EQ(common.getDevice("TALVEX_AI_CORE", "ZQVC1902"), "ZQ10S80");
-    EXPECT_EQ(common.getDeviceAlias("XQVC1902"), "ZQVC1902");
+    EXPECT_EQ(common.getDevice("TALVEX_COMPUTE", "ZQVC1902"), "ZQ10S80");
+    EXPECT_EQ(common.getDeviceAlias("ZQVC1902A"), "ZQVC1902");
     EXPECT_EQ(common.getMasterKey("TALVEX", "DEFAULT_DEVICE"), "ZQVC1902");
     EXPECT_EQ(common.getParamVarsInt("THERMAL", "MAX_JUNCTION_TEMP"), 100);
     EXPECT_FLOAT_EQ(common.getParamVarsFloat("VOLTAGE", "VCCINT_NOMINAL"), 0.8f);
-    EXPECT_EQ(common.getFeature("ZQVE2302", "NOC"), "NOC2");
-    EXPECT_THROW(common.getDevice("TALVEX_AI_CORE", "NOPE"), PRSMException);
+    EXPECT_EQ(common.getFeature("ZQVE2210", "NOC"), "NOC2");
+    EXPECT_THROW(common.getDevice("TALVEX_COMPUTE", "NOPE"), PRSMException);
     std::vector<std::string> keys;
     common.getCfgKeys(keys, true);
-    EXPECT_NE(std::find(keys.begin(), keys.end(), "TALVEX_PRIME.ZQVM1802"), keys.end());
+    EXPECT_NE(std::find(keys.begin(), keys.end(), "TALVEX_CORE.ZQVM1606"), keys.end());
 }
 
 }  // namespace

@@ -13,6 +13,6 @@ int main() {
         auto instance = sheet->create();
         instance->calculate();
     }
-    std::cout << PRSMCommonParamControlData::getGlobal().getDevice("TALVEX_AI_CORE", "ZQVC1902") << "\n";
+    std::cout << PRSMCommonParamControlData::getGlobal().getDevice("TALVEX_COMPUTE", "ZQVC1902") << "\n";
     return watts > 0.0f ? 0 : 1;
 }

@@ -97,7 +97,7 @@ TEST_F(Aie, KernelWorkloadVoltageAndDeviceScale) {
     p[Params::VCCINT] = 0.72f;  // 0.9^2.3
     EXPECT_NEAR(calc(Params::VOLTAGE_SCALING), 0.784798f, 1e-5);
 
-    p[Params::DEVICE] = "ZQVC1502";  // no row of its own: DEFAULT
+    p[Params::DEVICE] = "ZQVC1204";  // no row of its own: DEFAULT
     p.resetIntermediateCalculations();
     EXPECT_EQ(model.calculateVccintScale(p, data), 2.0f);
     Data edited = data;

@@ -124,9 +124,9 @@ TEST_F(Noc, ClockBufferRules) {
     p[Params::NUM_PS2AIE_PATHS] = 0;
     EXPECT_EQ(usedBuffers(), 16);
 
-    // ZQVM1802 has no clock-buffer entries: 64 in all, 24 for DDR traffic.
+    // ZQVM1606 has no clock-buffer entries: 64 in all, 24 for DDR traffic.
     p.resetUserInputs();
-    p[Params::DEVICE] = "ZQVM1802";
+    p[Params::DEVICE] = "ZQVM1606";
     p[Params::NUM_CLOCK_BUFFERS] = 30;
     EXPECT_EQ(usedBuffers(), 24);
     p[Params::IS_CLOCK_GATING_DISABLED] = 1;
@@ -134,9 +134,9 @@ TEST_F(Noc, ClockBufferRules) {
 }
 
 TEST_F(Noc, DevicesAndChoices) {
-    // ZQVE2302's second-generation network, PS_TO_DDRC row 1, 1, 0, 0: (10 + 20 + 30 + 40) x 2.2 x
+    // ZQVE2210's second-generation network, PS_TO_DDRC row 1, 1, 0, 0: (10 + 20 + 30 + 40) x 2.2 x
     // 0.826446 = 181.818; the PL-to-PL row's 8 buffers at 0.02: 0.826446 x 8 x 0.95 x 0.02 = 0.125620.
-    p[Params::DEVICE] = "ZQVE2302";
+    p[Params::DEVICE] = "ZQVE2210";
     EXPECT_NEAR(calc(Params::TOTAL_PATH_PWR), 181.8182f, 1e-3);
     EXPECT_EQ(p[Params::INT_DEVICE_NAME], "ZQ10N60");
     EXPECT_EQ(p[Params::NOC2_DEVICE], 1);
@@ -155,7 +155,7 @@ TEST_F(Noc, DevicesAndChoices) {
     EXPECT_EQ(p[Params::DDR_ONLY_CLOCK_BUFFERS], 24);
     EXPECT_FALSE(model.calculateIsValidDevice(p, data));
 
-    EXPECT_EQ(model.calculateValidValuesDevice(p, data), "ZQVC1902,ZQVE2302,ZQVM1802");
+    EXPECT_EQ(model.calculateValidValuesDevice(p, data), "ZQVC1902,ZQVE2210,ZQVM1606");
     EXPECT_EQ(model.calculateValidValuesDataPath(p, data), "PS_TO_DDRC,PL_TO_PL");
     EXPECT_EQ(model.calculateValidValuesIsClockGatingDisabled(p, data), "0,1");
     p[Params::IS_CLOCK_GATING_DISABLED] = 2;
