@@ -3,7 +3,11 @@
 // multiplied by the rail voltage, giving watts.
 #include <prsm/models/talvex/PRSMTalvexDpllModel.h>
 
+#include "ClockManagerFormulas.h"
+
 using Model = PRSMTalvexDpllModel;
+
+namespace clocking = prsm::clocking;
 
 namespace {
 
@@ -12,21 +16,15 @@ constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Mode
 }  // namespace
 
 float Model::computePfdClock(Params& params, Data const& data) const {
-    int const d = getDCounter(params, data);
-    return d == 0 ? 0.0f : getInputFrequency(params, data) / static_cast<float>(d);
+    return clocking::pfdClock(*this, params, data);
 }
 
 float Model::computeFvco(Params& params, Data const& data) const {
-    int const d = getDCounter(params, data);
-    if (d == 0) return 0.0f;
-    return static_cast<float>(getMCounter(params, data)) * (getInputFrequency(params, data) / static_cast<float>(d));
+    return clocking::fvco(*this, params, data);
 }
 
-// A divide of 1 (or 0, or a negative one, which reads as a huge unsigned divide) drives no output clock.
 float Model::computeClockout(Params& params, Data const& data, Output member) const {
-    int const divide = getClkoutDivide(params, data, member);
-    if (static_cast<unsigned>(divide) <= 1u) return 0.0f;
-    return calculateFvco(params, data) / static_cast<float>(divide);
+    return clocking::clockout(*this, params, data, member);
 }
 
 // VCCAUX: regulator and bias, the oscillator, the phase-detector front end and the output drivers.
@@ -35,7 +33,7 @@ float Model::computeVccAuxBaseCurrent(Params&, Data const& data) const {
 }
 
 float Model::computeVccAuxVcoCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCAUX_VCO_pMHz") * calculateFvco(params, data);
+    return clocking::vcoCurrent(*this, params, data, "IVCCAUX_VCO_pMHz");
 }
 
 float Model::computeVccAuxPfdClockCurrent(Params& params, Data const& data) const {
@@ -48,10 +46,10 @@ float Model::computeVccAuxClkoutCurrent(Params& params, Data const& data, Output
 }
 
 float Model::computeVccauxIntCurrent(Params& params, Data const& data) const {
-    float sum = calculateVccAuxBaseCurrent(params, data) + calculateVccAuxVcoCurrent(params, data) +
-                calculateVccAuxPfdClockCurrent(params, data);
-    for (Output const output : kOutputs) sum += calculateVccAuxClkoutCurrent(params, data, output);
-    return data.getCommonData("FUDGE_FACTOR_AUX") * sum;
+    float const parts = calculateVccAuxBaseCurrent(params, data) + calculateVccAuxVcoCurrent(params, data) +
+                        calculateVccAuxPfdClockCurrent(params, data);
+    return clocking::railCurrent(*this, params, data, parts, kOutputs, &Model::calculateVccAuxClkoutCurrent,
+                                 "FUDGE_FACTOR_AUX");
 }
 
 // VCCINT: loop filter and control logic, the oscillator's control word and feedback divider (both at
@@ -61,7 +59,7 @@ float Model::computeVccintBaseCurrent(Params&, Data const& data) const {
 }
 
 float Model::computeVccintVcoCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCINT_VCO_pMHz") * calculateFvco(params, data);
+    return clocking::vcoCurrent(*this, params, data, "IVCCINT_VCO_pMHz");
 }
 
 // The loop and, when spread spectrum is "ON" (exactly), its modulator update at the phase-detector rate.
@@ -73,20 +71,16 @@ float Model::computeVccintPfdClockCurrent(Params& params, Data const& data) cons
            data.getCommonData("IVCCINT_INPUT_COUNTERS_pMHz") * getInputFrequency(params, data);
 }
 
-// The counter runs at the oscillator rate (divide times the output rate), the driver at the output rate.
 float Model::computeVccintClkoutCurrent(Params& params, Data const& data, Output member) const {
-    int const divide = getClkoutDivide(params, data, member);
-    if (divide == 1) return 0.0f;
-    return (data.getCommonData("IVCCINT_OUTPUT_COUNTERS_pMHz") * static_cast<float>(divide) +
-            data.getCommonData("IVCCINT_OUTPUT_DRIVER_pMHz")) *
-           calculateClockout(params, data, member);
+    return clocking::clkoutCurrent(*this, params, data, member, "IVCCINT_OUTPUT_COUNTERS_pMHz",
+                                   "IVCCINT_OUTPUT_DRIVER_pMHz");
 }
 
 float Model::computeVccintIntCurrent(Params& params, Data const& data) const {
-    float sum = calculateVccintBaseCurrent(params, data) + calculateVccintVcoCurrent(params, data) +
-                calculateVccintPfdClockCurrent(params, data);
-    for (Output const output : kOutputs) sum += calculateVccintClkoutCurrent(params, data, output);
-    return data.getCommonData("FUDGE_FACTOR_INT") * sum;
+    float const parts = calculateVccintBaseCurrent(params, data) + calculateVccintVcoCurrent(params, data) +
+                        calculateVccintPfdClockCurrent(params, data);
+    return clocking::railCurrent(*this, params, data, parts, kOutputs, &Model::calculateVccintClkoutCurrent,
+                                 "FUDGE_FACTOR_INT");
 }
 
 // VCCRAM: the configuration and calibration memory, independent of the clocks.

@@ -2,7 +2,11 @@
 // amperes per MHz for the "_pMHz" keys; powers come out in watts.
 #include <prsm/models/talvex/PRSMTalvexMmcmModel.h>
 
+#include "ClockManagerFormulas.h"
+
 using Model = PRSMTalvexMmcmModel;
+
+namespace clocking = prsm::clocking;
 
 namespace {
 
@@ -11,38 +15,29 @@ constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Mode
 
 }  // namespace
 
-// The phase-detector clock: the input clock after the input divider; no clock when the divider is 0.
 float Model::computePfdClock(Params& params, Data const& data) const {
-    int const d = getDCounter(params, data);
-    return d == 0 ? 0.0f : getInputFrequency(params, data) / static_cast<float>(d);
+    return clocking::pfdClock(*this, params, data);
 }
 
-// The feedback clock runs at the phase-detector rate once the loop is locked.
 float Model::computeClockfbout(Params& params, Data const& data) const {
-    int const d = getDCounter(params, data);
-    return d == 0 ? 0.0f : getInputFrequency(params, data) / static_cast<float>(d);
+    return clocking::pfdClock(*this, params, data);
 }
 
 float Model::computeFvco(Params& params, Data const& data) const {
-    int const d = getDCounter(params, data);
-    if (d == 0) return 0.0f;
-    return static_cast<float>(getMCounter(params, data)) * (getInputFrequency(params, data) / static_cast<float>(d));
+    return clocking::fvco(*this, params, data);
 }
 
-// A divide of 1 (or 0, or a negative one, which reads as a huge unsigned divide) drives no output clock.
 float Model::computeClockout(Params& params, Data const& data, Output member) const {
-    int const divide = getClkoutDivide(params, data, member);
-    if (static_cast<unsigned>(divide) <= 1u) return 0.0f;
-    return calculateFvco(params, data) / static_cast<float>(divide);
+    return clocking::clockout(*this, params, data, member);
 }
 
 float Model::computeVccauxVcoCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCAUX_VCO_RING_pMHz") * calculateFvco(params, data);
+    return clocking::vcoCurrent(*this, params, data, "IVCCAUX_VCO_RING_pMHz");
 }
 
 // The VCCRAM share of the VCO ring is four times its per-MHz coefficient; the factor belongs to the model.
 float Model::computeVccramVcoCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCINT_VCO_RING_pMHz") * calculateFvco(params, data) * 4;
+    return clocking::vcoCurrent(*this, params, data, "IVCCINT_VCO_RING_pMHz") * 4;
 }
 
 float Model::computeVccramBaseCurrent(Params&, Data const& data) const {
@@ -75,10 +70,11 @@ float Model::computeVccramClockfboutCurrent(Params& params, Data const& data) co
 }
 
 float Model::computeVccramIntCurrent(Params& params, Data const& data) const {
-    float sum = calculateVccramBaseCurrent(params, data) + calculateVccramVcoCurrent(params, data) +
-                calculateVccramPfdClockCurrent(params, data) + calculateVccramClockfboutCurrent(params, data);
-    for (Output const output : kOutputs) sum += calculateVccramClkoutCurrent(params, data, output);
-    return data.getCommonData("FUDGE_FACTOR_INT") * sum;
+    float const parts = calculateVccramBaseCurrent(params, data) + calculateVccramVcoCurrent(params, data) +
+                        calculateVccramPfdClockCurrent(params, data) +
+                        calculateVccramClockfboutCurrent(params, data);
+    return clocking::railCurrent(*this, params, data, parts, kOutputs, &Model::calculateVccramClkoutCurrent,
+                                 "FUDGE_FACTOR_INT");
 }
 
 float Model::computeVccauxBaseCurrent(Params&, Data const& data) const {

@@ -6,17 +6,18 @@
 #include <climits>
 #include <cmath>
 
+#include "ClockManagerFormulas.h"
+
 using Model = PRSMTalvexPspllModel;
 
+namespace clocking = prsm::clocking;
+
 float Model::computePfdClock(Params& params, Data const& data) const {
-    int const d = getDCounter(params, data);
-    return d == 0 ? 0.0f : getInputFrequency(params, data) / static_cast<float>(d);
+    return clocking::pfdClock(*this, params, data);
 }
 
 float Model::computeFvco(Params& params, Data const& data) const {
-    int const d = getDCounter(params, data);
-    if (d == 0) return 0.0f;
-    return static_cast<float>(getMCounter(params, data)) * (getInputFrequency(params, data) / static_cast<float>(d));
+    return clocking::fvco(*this, params, data);
 }
 
 // The output is the VCO divided by 2^CLKOUT_DIVIDE_EXP. An exponent outside 0..3 is reported invalid and
@@ -34,7 +35,7 @@ float Model::computeVccAuxBaseCurrent(Params&, Data const& data) const {
 }
 
 float Model::computeVccAuxVcoCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCAUX_VCO_pMHz") * calculateFvco(params, data);
+    return clocking::vcoCurrent(*this, params, data, "IVCCAUX_VCO_pMHz");
 }
 
 float Model::computeVccAuxCurrent(Params& params, Data const& data) const {
@@ -49,12 +50,11 @@ float Model::computeVccintBaseCurrent(Params&, Data const& data) const {
 }
 
 float Model::computeVccintVcoCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCINT_VCO_pMHz") * calculateFvco(params, data);
+    return clocking::vcoCurrent(*this, params, data, "IVCCINT_VCO_pMHz");
 }
 
 float Model::computeVccintPfdClockCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCINT_PFD_pMHz") * calculatePfdClock(params, data) +
-           data.getCommonData("IVCCINT_INPUT_COUNTERS_pMHz") * getInputFrequency(params, data);
+    return clocking::pfdClockCurrent(*this, params, data, "IVCCINT_PFD_pMHz", "IVCCINT_INPUT_COUNTERS_pMHz");
 }
 
 // The divider's first stage toggles at the VCO rate whatever the exponent; the driver at the output rate.

@@ -3,7 +3,11 @@
 // multiplied by the rail voltage, giving watts.
 #include <prsm/models/talvex/PRSMTalvexXpllModel.h>
 
+#include "ClockManagerFormulas.h"
+
 using Model = PRSMTalvexXpllModel;
+
+namespace clocking = prsm::clocking;
 
 namespace {
 
@@ -12,33 +16,23 @@ constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Mode
 }  // namespace
 
 float Model::computePfdClock(Params& params, Data const& data) const {
-    int const d = getDCounter(params, data);
-    return d == 0 ? 0.0f : getInputFrequency(params, data) / static_cast<float>(d);
+    return clocking::pfdClock(*this, params, data);
 }
 
-// The feedback clock runs at the phase-detector rate once the loop is locked.
 float Model::computeClockfbout(Params& params, Data const& data) const {
-    int const d = getDCounter(params, data);
-    return d == 0 ? 0.0f : getInputFrequency(params, data) / static_cast<float>(d);
+    return clocking::pfdClock(*this, params, data);
 }
 
 float Model::computeFvco(Params& params, Data const& data) const {
-    int const d = getDCounter(params, data);
-    if (d == 0) return 0.0f;
-    return static_cast<float>(getMCounter(params, data)) * (getInputFrequency(params, data) / static_cast<float>(d));
+    return clocking::fvco(*this, params, data);
 }
 
-// A divide of 1 (or 0, or a negative one, which reads as a huge unsigned divide) drives no output clock.
 float Model::computeClockout(Params& params, Data const& data, Output member) const {
-    int const divide = getClkoutDivide(params, data, member);
-    if (static_cast<unsigned>(divide) <= 1u) return 0.0f;
-    return calculateFvco(params, data) / static_cast<float>(divide);
+    return clocking::clockout(*this, params, data, member);
 }
 
-// The PHY clock is the VCO divided by one of the few ratios the PHY accepts; no clock without a divide.
 float Model::computeXiphyClock(Params& params, Data const& data) const {
-    int const divide = getXiphyDivide(params, data);
-    return divide < 1 ? 0.0f : calculateFvco(params, data) / static_cast<float>(divide);
+    return clocking::xiphyClock(*this, params, data);
 }
 
 // VCCAUX: regulator and charge pump, the VCO, and the buffer that drives the PHY clock.
@@ -47,11 +41,11 @@ float Model::computeVccAuxBaseCurrent(Params&, Data const& data) const {
 }
 
 float Model::computeVccAuxVcoCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCAUX_VCO_pMHz") * calculateFvco(params, data);
+    return clocking::vcoCurrent(*this, params, data, "IVCCAUX_VCO_pMHz");
 }
 
 float Model::computeVccAuxXiphyClockCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCAUX_XIPHY_CLOCK_pMHz") * calculateXiphyClock(params, data);
+    return clocking::xiphyClockCurrent(*this, params, data, "IVCCAUX_XIPHY_CLOCK_pMHz");
 }
 
 float Model::computeVccauxIntCurrent(Params& params, Data const& data) const {
@@ -67,39 +61,36 @@ float Model::computeVccintioBaseCurrent(Params&, Data const& data) const {
 }
 
 float Model::computeVccintioVcoCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCINTIO_VCO_pMHz") * calculateFvco(params, data);
+    return clocking::vcoCurrent(*this, params, data, "IVCCINTIO_VCO_pMHz");
 }
 
 float Model::computeVccintioPfdClockCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCINTIO_PFD_pMHz") * calculatePfdClock(params, data) +
-           data.getCommonData("IVCCINTIO_INPUT_COUNTERS_pMHz") * getInputFrequency(params, data);
+    return clocking::pfdClockCurrent(*this, params, data, "IVCCINTIO_PFD_pMHz",
+                                     "IVCCINTIO_INPUT_COUNTERS_pMHz");
 }
 
-// The counter runs at the VCO rate (divide times the output rate), the driver at the output rate.
 float Model::computeVccintioClkoutCurrent(Params& params, Data const& data, Output member) const {
-    int const divide = getClkoutDivide(params, data, member);
-    if (divide == 1) return 0.0f;
-    return (data.getCommonData("IVCCINTIO_OUTPUT_COUNTERS_pMHz") * static_cast<float>(divide) +
-            data.getCommonData("IVCCINTIO_OUTPUT_DRIVER_pMHz")) *
-           calculateClockout(params, data, member);
+    return clocking::clkoutCurrent(*this, params, data, member, "IVCCINTIO_OUTPUT_COUNTERS_pMHz",
+                                   "IVCCINTIO_OUTPUT_DRIVER_pMHz");
 }
 
 float Model::computeVccintioClockfboutCurrent(Params& params, Data const& data) const {
-    return (data.getCommonData("IVCCINTIO_OUTPUT_COUNTERS_pMHz") * static_cast<float>(getMCounter(params, data)) +
-            data.getCommonData("IVCCINTIO_OUTPUT_DRIVER_pMHz")) *
-           calculateClockfbout(params, data);
+    return clocking::clockfboutCurrent(*this, params, data, "IVCCINTIO_OUTPUT_COUNTERS_pMHz",
+                                       "IVCCINTIO_OUTPUT_DRIVER_pMHz");
 }
 
 float Model::computeVccintioXiphyClkCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCINTIO_XIPHY_CLK_pMHz") * calculateXiphyClock(params, data);
+    return clocking::xiphyClockCurrent(*this, params, data, "IVCCINTIO_XIPHY_CLK_pMHz");
 }
 
 float Model::computeVccintioIntCurrent(Params& params, Data const& data) const {
-    float sum = calculateVccintioBaseCurrent(params, data) + calculateVccintioVcoCurrent(params, data) +
-                calculateVccintioPfdClockCurrent(params, data) + calculateVccintioClockfboutCurrent(params, data) +
-                calculateVccintioXiphyClkCurrent(params, data);
-    for (Output const output : kOutputs) sum += calculateVccintioClkoutCurrent(params, data, output);
-    return data.getCommonData("FUDGE_FACTOR_INT") * sum;
+    float const parts = calculateVccintioBaseCurrent(params, data) +
+                        calculateVccintioVcoCurrent(params, data) +
+                        calculateVccintioPfdClockCurrent(params, data) +
+                        calculateVccintioClockfboutCurrent(params, data) +
+                        calculateVccintioXiphyClkCurrent(params, data);
+    return clocking::railCurrent(*this, params, data, parts, kOutputs, &Model::calculateVccintioClkoutCurrent,
+                                 "FUDGE_FACTOR_INT");
 }
 
 float Model::computeVccauxPwr(Params& params, Data const& data) const {
