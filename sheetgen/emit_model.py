@@ -75,9 +75,11 @@ def header(sheet: Sheet) -> str:
             inp = sheet.inputs[cell.name]
             if inp.computed_default is not None:
                 if cell.family is not None and inp.family_default:
+                    if cell.pattern in sheet.formulas:
+                        continue
                     private.append(f"    {cell.cpp_type} default{camel(cell.pattern)}(Params& params, Data const& data, "
                                    f"{cell.family.name} member) const;")
-                else:
+                elif cell.name not in sheet.formulas:
                     private.append(f"    {cell.cpp_type} default{cell.camel}{SIG};")
     public.append("")
     public.append("    // Cell functions: the cached value, or the formula's result, which is stored into the cell.")
@@ -86,7 +88,7 @@ def header(sheet: Sheet) -> str:
         if kind in ("input", "validity"):
             continue
         public.append(f"    {cell.cpp_type} {_fn(cell)}{SIG};")
-        if kind == "formula":
+        if kind == "formula" and cell.name not in sheet.formulas:
             private.append(f"    {cell.cpp_type} compute{cell.camel}{SIG};")
     seen = set()
     family_lines = []
@@ -96,7 +98,7 @@ def header(sheet: Sheet) -> str:
         seen.add((cell.family.name, cell.pattern))
         family_lines.append(f"    {cell.cpp_type} {_family_fn(cell)}(Params& params, Data const& data, "
                             f"{cell.family.name} member) const;")
-        if plan.kind(cell) == "family":
+        if plan.kind(cell) == "family" and cell.pattern not in sheet.formulas:
             private.append(f"    {cell.cpp_type} compute{camel(cell.pattern)}(Params& params, Data const& data, "
                            f"{cell.family.name} member) const;")
     if family_lines:
@@ -167,9 +169,12 @@ def _input(cls: str, sheet: Sheet, cell: Cell) -> str:
     if inp.computed_default is not None:
         if cell.family is not None and inp.family_default:
             fam = cell.family
-            expr = f"default{camel(cell.pattern)}(params, data, {fam.name}::{fam.enumerator(cell.member)})"
+            member = f"{fam.name}::{fam.enumerator(cell.member)}"
+            shared = sheet.formulas.get(cell.pattern)
+            expr = shared.call(member) if shared else f"default{camel(cell.pattern)}(params, data, {member})"
         else:
-            expr = f"default{cell.camel}(params, data)"
+            shared = sheet.formulas.get(cell.name)
+            expr = shared.call() if shared else f"default{cell.camel}(params, data)"
         return _memo(cls, cell, expr)
     if inp.default is None:
         raise SheetError(f"input {cell.name} has no default")
@@ -289,7 +294,7 @@ def source(sheet: Sheet) -> str:
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/framework/PRSMSheetAdapter.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
-
+{f"#include <prsm/{sheet.subdir}/{sheet.formula_header}>" + chr(10) if sheet.formula_header else ""}
 #include <unordered_map>
 """]
     for fam in sheet.families:
@@ -307,11 +312,14 @@ std::string_view {cls}::memberName({fam.name} member) {{
         if kind == "input":
             parts.append(_input(cls, sheet, cell))
         elif kind == "formula":
-            parts.append(_memo(cls, cell, f"compute{cell.camel}(params, data)"))
+            shared = sheet.formulas.get(cell.name)
+            parts.append(_memo(cls, cell, shared.call() if shared else f"compute{cell.camel}(params, data)"))
         elif kind == "family":
             fam = cell.family
-            parts.append(_memo(cls, cell, f"compute{camel(cell.pattern)}(params, data, "
-                                          f"{fam.name}::{fam.enumerator(cell.member)})"))
+            member = f"{fam.name}::{fam.enumerator(cell.member)}"
+            shared = sheet.formulas.get(cell.pattern)
+            parts.append(_memo(cls, cell, shared.call(member) if shared
+                               else f"compute{camel(cell.pattern)}(params, data, {member})"))
         elif kind == "constant":  # stored without looking at the cache
             parts.append(f"""
 {cell.cpp_type} {cls}::{_fn(cell)}{_args(True, False)} {{

@@ -107,6 +107,24 @@ class Input:
 
 
 @dataclass
+class Delegate:
+    """A formula written once for several sheets: fn(model, params, data[, member][, args...])."""
+    function: str
+    args: str
+
+    def call(self, member: str | None = None) -> str:
+        extra = ([member] if member else []) + ([self.args] if self.args else [])
+        return f"{self.function}(*this, params, data{''.join(', ' + e for e in extra)})"
+
+
+def _delegate(text: str) -> Delegate:
+    m = re.fullmatch(r"\s*([A-Za-z_][\w:]*)\s*(?:\((.*)\))?\s*", text)
+    if m is None:
+        raise SheetError(f"formulas: {text!r} is not a function name with optional (arguments)")
+    return Delegate(m[1], (m[2] or "").strip())
+
+
+@dataclass
 class Family:
     name: str
     members: list[str]
@@ -149,7 +167,8 @@ class Sheet:
     tables: list[Table]
     load_order: list[tuple[str, Table]]
     calculate: list[str]
-    includes: list[str] = field(default_factory=list)
+    formulas: dict[str, "Delegate"] = field(default_factory=dict)  # pattern or cell -> shared formula
+    formula_header: str | None = None
 
     @property
     def prefix(self) -> str:
@@ -263,6 +282,21 @@ def load(path: Path, source_root: Path) -> Sheet:
                 raise SheetError(f"constants: {name} is not a computed cell")
             constants[name] = value
 
+    formulas = {}
+    for pattern, text in doc.get("formulas", {}).items():
+        if "{}" in pattern:
+            if not any(pattern in f.patterns for f in families):
+                raise SheetError(f"formulas: {pattern} is not a family's pattern")
+            formulas[pattern] = _delegate(text)
+            continue
+        for name in expand(pattern):
+            cell = by_name.get(name)
+            if cell is None or (cell.is_input and inputs[name].computed_default is None):
+                raise SheetError(f"formulas: {name} is neither a computed cell nor an input with a computed default")
+            formulas[name] = _delegate(text)
+    if formulas and not meta.get("formula_header"):
+        raise SheetError("sheet.formula_header names the header of the shared formulas")
+
     calculate = [n for p in meta.get("calculate", []) for n in expand(p)]
     for name in calculate:
         if name not in by_name or by_name[name].is_input:
@@ -273,7 +307,8 @@ def load(path: Path, source_root: Path) -> Sheet:
         raise SheetError("sheet.data_file is required when the sheet has tables")
     subdir = path.parent.resolve().relative_to(source_root.resolve()).as_posix()
     return Sheet(path.stem, subdir, meta.get("description", ""), meta.get("data_file"), has_model,
-                 cells, by_name, inputs, constants, families, tables, load_order, calculate)
+                 cells, by_name, inputs, constants, families, tables, load_order, calculate, formulas,
+                 meta.get("formula_header"))
 
 
 def _read_input(inp: Input, entry: dict, tables: list[Table]) -> None:

@@ -9,10 +9,6 @@ namespace aie = prsm::aie;
 
 // ---- Inputs ----
 
-int Model::defaultAieTiles(Params& params, Data const& data) const {
-    return aie::defaultAieTiles(*this, params, data);
-}
-
 bool Model::isValidPlInterfaceStreams(Params& params, Data const& data) const {
     return aie::isValidPlInterfaceStreams(*this, params, data);
 }
@@ -21,49 +17,7 @@ bool Model::isValidNocAximmsInterfaceStreams(Params& params, Data const& data) c
     return aie::isValidNocAximmsInterfaceStreams(*this, params, data);
 }
 
-// ---- Device ----
-
-int Model::computeBColumnFactor(Params& params, Data const& data) const {
-    return aie::bColumnFactor(*this, params, data);
-}
-
-int Model::computePlStreams(Params& params, Data const& data) const {
-    return aie::plStreams(*this, params, data);
-}
-
-int Model::computeNocStreams(Params& params, Data const& data) const {
-    return aie::nocStreams(*this, params, data);
-}
-
-float Model::computeVoltageScaling(Params& params, Data const& data) const {
-    return aie::voltageScaling(*this, params, data);
-}
-
-float Model::computeVccintScale(Params& params, Data const& data) const {
-    return aie::vccintScale(*this, params, data);
-}
-
 // ---- Cores ----
-
-float Model::computeAieTileCplxBit(Params& params, Data const& data) const {
-    return aie::complexTiles(*this, params, data);
-}
-
-float Model::computeAieTile16Bit(Params& params, Data const& data) const {
-    return aie::int16Tiles(*this, params, data);
-}
-
-float Model::computeAieTile8Bit(Params& params, Data const& data) const {
-    return aie::int8Tiles(*this, params, data);
-}
-
-float Model::computeAieTileFloat(Params& params, Data const& data) const {
-    return aie::floatTiles(*this, params, data);
-}
-
-float Model::computeAieTileFft(Params& params, Data const& data) const {
-    return aie::fftTiles(*this, params, data);
-}
 
 float Model::computeAieTilePower(Params& params, Data const& data) const {
     float const kernels = calculateAieTileCplxBit(params, data) + calculateAieTile16Bit(params, data) +
@@ -72,49 +26,7 @@ float Model::computeAieTilePower(Params& params, Data const& data) const {
     return aie::tilePower(*this, params, data, kernels);
 }
 
-float Model::computeAieIdlePower(Params& params, Data const& data) const {
-    return aie::idlePower(*this, params, data);
-}
-
-float Model::computeAiePllVccintPower(Params& params, Data const& data) const {
-    return aie::pllVccintPower(*this, params, data);
-}
-
-float Model::computeAiePllVccauxPower(Params& params, Data const& data) const {
-    return aie::pllVccauxPower(*this, params, data);
-}
-
-// ---- Memory, interconnect and interface row ----
-
-float Model::computeAieMemoryPower(Params& params, Data const& data) const {
-    return aie::memoryPower(*this, params, data);
-}
-
-float Model::computeAieInterconnectStreamPower(Params& params, Data const& data) const {
-    return aie::interconnectStreamPower(*this, params, data);
-}
-
-float Model::computeAieShimPowerTop(Params& params, Data const& data) const {
-    return aie::shimPowerTop(*this, params, data);
-}
-
-float Model::computeAiePlShimPower(Params& params, Data const& data) const {
-    return aie::plShimPower(*this, params, data);
-}
-
-float Model::computeAieNocShimPower(Params& params, Data const& data) const {
-    return aie::nocShimPower(*this, params, data);
-}
-
-float Model::computeAieShimPower(Params& params, Data const& data) const {
-    return aie::shimPower(*this, params, data);
-}
-
 // ---- Groups and rails ----
-
-float Model::computeAieCorePower(Params& params, Data const& data) const {
-    return aie::corePower(*this, params, data);
-}
 
 // Data memory, interconnect, interface row and the PLL's VCCAUX part.
 float Model::computeAieMemPower(Params& params, Data const& data) const {
@@ -124,18 +36,3 @@ float Model::computeAieMemPower(Params& params, Data const& data) const {
     return aie::inUse(*this, params, data, power);
 }
 
-float Model::computeAieCoreMemPower(Params& params, Data const& data) const {
-    return aie::coreMemPower(*this, params, data);
-}
-
-float Model::computeTotalPower(Params& params, Data const& data) const {
-    return aie::totalPower(*this, params, data);
-}
-
-float Model::computeAieVccintPower(Params& params, Data const& data) const {
-    return aie::vccintPower(*this, params, data);
-}
-
-float Model::computeAieVccauxPower(Params& params, Data const& data) const {
-    return aie::vccauxPower(*this, params, data);
-}

@@ -15,25 +15,9 @@ constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Mode
 
 }  // namespace
 
-float Model::computePfdClock(Params& params, Data const& data) const {
-    return clocking::pfdClock(*this, params, data);
-}
-
-float Model::computeFvco(Params& params, Data const& data) const {
-    return clocking::fvco(*this, params, data);
-}
-
-float Model::computeClockout(Params& params, Data const& data, Output member) const {
-    return clocking::clockout(*this, params, data, member);
-}
-
 // VCCAUX: regulator and bias, the oscillator, the phase-detector front end and the output drivers.
 float Model::computeVccAuxBaseCurrent(Params&, Data const& data) const {
     return data.getCommonData("IVCCAUX_REGULATOR") + data.getCommonData("IVCCAUX_BIAS");
-}
-
-float Model::computeVccAuxVcoCurrent(Params& params, Data const& data) const {
-    return clocking::vcoCurrent(*this, params, data, "IVCCAUX_VCO_pMHz");
 }
 
 float Model::computeVccAuxPfdClockCurrent(Params& params, Data const& data) const {
@@ -58,10 +42,6 @@ float Model::computeVccintBaseCurrent(Params&, Data const& data) const {
     return data.getCommonData("IVCCINT_LOOP_FILTER") + data.getCommonData("IVCCINT_CTRL_LOGIC");
 }
 
-float Model::computeVccintVcoCurrent(Params& params, Data const& data) const {
-    return clocking::vcoCurrent(*this, params, data, "IVCCINT_VCO_pMHz");
-}
-
 // The loop and, when spread spectrum is "ON" (exactly), its modulator update at the phase-detector rate.
 float Model::computeVccintPfdClockCurrent(Params& params, Data const& data) const {
     float const perMhz = data.getCommonData("IVCCINT_PFD_pMHz") +
@@ -69,11 +49,6 @@ float Model::computeVccintPfdClockCurrent(Params& params, Data const& data) cons
                                                                   : 0.0f);
     return perMhz * calculatePfdClock(params, data) +
            data.getCommonData("IVCCINT_INPUT_COUNTERS_pMHz") * getInputFrequency(params, data);
-}
-
-float Model::computeVccintClkoutCurrent(Params& params, Data const& data, Output member) const {
-    return clocking::clkoutCurrent(*this, params, data, member, "IVCCINT_OUTPUT_COUNTERS_pMHz",
-                                   "IVCCINT_OUTPUT_DRIVER_pMHz");
 }
 
 float Model::computeVccintIntCurrent(Params& params, Data const& data) const {

@@ -15,26 +15,6 @@ constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Mode
 
 }  // namespace
 
-float Model::computePfdClock(Params& params, Data const& data) const {
-    return clocking::pfdClock(*this, params, data);
-}
-
-float Model::computeClockfbout(Params& params, Data const& data) const {
-    return clocking::pfdClock(*this, params, data);
-}
-
-float Model::computeFvco(Params& params, Data const& data) const {
-    return clocking::fvco(*this, params, data);
-}
-
-float Model::computeClockout(Params& params, Data const& data, Output member) const {
-    return clocking::clockout(*this, params, data, member);
-}
-
-float Model::computeVccauxVcoCurrent(Params& params, Data const& data) const {
-    return clocking::vcoCurrent(*this, params, data, "IVCCAUX_VCO_RING_pMHz");
-}
-
 // The VCCRAM share of the VCO ring is four times its per-MHz coefficient; the factor belongs to the model.
 float Model::computeVccramVcoCurrent(Params& params, Data const& data) const {
     return clocking::vcoCurrent(*this, params, data, "IVCCINT_VCO_RING_pMHz") * 4;

@@ -12,14 +12,6 @@ using Model = PRSMTalvexPspllModel;
 
 namespace clocking = prsm::clocking;
 
-float Model::computePfdClock(Params& params, Data const& data) const {
-    return clocking::pfdClock(*this, params, data);
-}
-
-float Model::computeFvco(Params& params, Data const& data) const {
-    return clocking::fvco(*this, params, data);
-}
-
 // The output is the VCO divided by 2^CLKOUT_DIVIDE_EXP. An exponent outside 0..3 is reported invalid and
 // still evaluated as a power of two (a negative one multiplies).
 float Model::computeClockout(Params& params, Data const& data) const {
@@ -34,10 +26,6 @@ float Model::computeVccAuxBaseCurrent(Params&, Data const& data) const {
     return data.getCommonData("IVCCAUX_REGULATOR") + data.getCommonData("IVCCAUX_CHARGE_PUMP");
 }
 
-float Model::computeVccAuxVcoCurrent(Params& params, Data const& data) const {
-    return clocking::vcoCurrent(*this, params, data, "IVCCAUX_VCO_pMHz");
-}
-
 float Model::computeVccAuxCurrent(Params& params, Data const& data) const {
     return data.getCommonData("FUDGE_FACTOR_AUX") *
            (calculateVccAuxBaseCurrent(params, data) + calculateVccAuxVcoCurrent(params, data));
@@ -47,14 +35,6 @@ float Model::computeVccAuxCurrent(Params& params, Data const& data) const {
 // detector and reference divider, and the output divider and driver.
 float Model::computeVccintBaseCurrent(Params&, Data const& data) const {
     return data.getCommonData("IVCCINT_CTRL_LOGIC");
-}
-
-float Model::computeVccintVcoCurrent(Params& params, Data const& data) const {
-    return clocking::vcoCurrent(*this, params, data, "IVCCINT_VCO_pMHz");
-}
-
-float Model::computeVccintPfdClockCurrent(Params& params, Data const& data) const {
-    return clocking::pfdClockCurrent(*this, params, data, "IVCCINT_PFD_pMHz", "IVCCINT_INPUT_COUNTERS_pMHz");
 }
 
 // The divider's first stage toggles at the VCO rate whatever the exponent; the driver at the output rate.

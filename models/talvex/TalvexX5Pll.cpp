@@ -15,37 +15,9 @@ constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Mode
 
 }  // namespace
 
-float Model::computePfdClock(Params& params, Data const& data) const {
-    return clocking::pfdClock(*this, params, data);
-}
-
-float Model::computeClockfbout(Params& params, Data const& data) const {
-    return clocking::pfdClock(*this, params, data);
-}
-
-float Model::computeFvco(Params& params, Data const& data) const {
-    return clocking::fvco(*this, params, data);
-}
-
-float Model::computeClockout(Params& params, Data const& data, Output member) const {
-    return clocking::clockout(*this, params, data, member);
-}
-
-float Model::computeXiphyClock(Params& params, Data const& data) const {
-    return clocking::xiphyClock(*this, params, data);
-}
-
 // VCCAUX: regulator and charge pump, the VCO, and the buffer that drives the PHY clock.
 float Model::computeVccAuxBaseCurrent(Params&, Data const& data) const {
     return data.getCommonData("IVCCAUX_REGULATOR") + data.getCommonData("IVCCAUX_CHARGE_PUMP");
-}
-
-float Model::computeVccAuxVcoCurrent(Params& params, Data const& data) const {
-    return clocking::vcoCurrent(*this, params, data, "IVCCAUX_VCO_pMHz");
-}
-
-float Model::computeVccAuxXiphyClockCurrent(Params& params, Data const& data) const {
-    return clocking::xiphyClockCurrent(*this, params, data, "IVCCAUX_XIPHY_CLOCK_pMHz");
 }
 
 float Model::computeVccauxIntCurrent(Params& params, Data const& data) const {
@@ -59,37 +31,6 @@ float Model::computeVccauxIntCurrent(Params& params, Data const& data) const {
 // clock network, both at the PHY clock rate.
 float Model::computeVccintioBaseCurrent(Params&, Data const& data) const {
     return data.getCommonData("IVCCINTIO_CTRL_LOGIC");
-}
-
-float Model::computeVccintioVcoCurrent(Params& params, Data const& data) const {
-    return clocking::vcoCurrent(*this, params, data, "IVCCINTIO_VCO_pMHz");
-}
-
-float Model::computeVccintioPfdClockCurrent(Params& params, Data const& data) const {
-    return clocking::pfdClockCurrent(*this, params, data, "IVCCINTIO_PFD_pMHz",
-                                     "IVCCINTIO_INPUT_COUNTERS_pMHz");
-}
-
-float Model::computeVccintioClkoutCurrent(Params& params, Data const& data, Output member) const {
-    return clocking::clkoutCurrent(*this, params, data, member, "IVCCINTIO_OUTPUT_COUNTERS_pMHz",
-                                   "IVCCINTIO_OUTPUT_DRIVER_pMHz");
-}
-
-float Model::computeVccintioClockfboutCurrent(Params& params, Data const& data) const {
-    return clocking::clockfboutCurrent(*this, params, data, "IVCCINTIO_OUTPUT_COUNTERS_pMHz",
-                                       "IVCCINTIO_OUTPUT_DRIVER_pMHz");
-}
-
-float Model::computeVccintioXiphyClkCurrent(Params& params, Data const& data) const {
-    return clocking::xiphyClockCurrent(*this, params, data, "IVCCINTIO_XIPHY_CLK_pMHz");
-}
-
-float Model::computeVccintioClk0Clk90PathCurrent(Params& params, Data const& data) const {
-    return clocking::xiphyClockCurrent(*this, params, data, "IVCCINTIO_CLK0_CLK90_PATH_pMHz");
-}
-
-float Model::computeVccintioClkNetworkX5phioCurrent(Params& params, Data const& data) const {
-    return clocking::xiphyClockCurrent(*this, params, data, "IVCCINTIO_CLK_NETWORK_X5PHIO_pMHz");
 }
 
 float Model::computeVccintioIntCurrent(Params& params, Data const& data) const {
