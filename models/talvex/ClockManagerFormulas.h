@@ -95,4 +95,34 @@ float railCurrent(Model const& model, typename Model::Params& params, typename M
     return data.getCommonData(factorKey) * parts;
 }
 
+// The I/O-bank PLLs' VCCAUX: regulator and charge pump, the VCO, and the buffer that drives the PHY
+// clock, calibrated by the auxiliary factor.
+template <typename Model>
+float ioPllAuxBaseCurrent(Model const&, typename Model::Params&, typename Model::Data const& data) {
+    return data.getCommonData("IVCCAUX_REGULATOR") + data.getCommonData("IVCCAUX_CHARGE_PUMP");
+}
+
+template <typename Model>
+float ioPllAuxIntCurrent(Model const& model, typename Model::Params& params, typename Model::Data const& data) {
+    return data.getCommonData("FUDGE_FACTOR_AUX") *
+           (model.calculateVccAuxBaseCurrent(params, data) + model.calculateVccAuxVcoCurrent(params, data) +
+            model.calculateVccAuxXiphyClockCurrent(params, data));
+}
+
+// The I/O-bank PLLs' VCCINTIO control logic.
+template <typename Model>
+float ioPllIntioBaseCurrent(Model const&, typename Model::Params&, typename Model::Data const& data) {
+    return data.getCommonData("IVCCINTIO_CTRL_LOGIC");
+}
+
+template <typename Model>
+float ioPllAuxPower(Model const& model, typename Model::Params& params, typename Model::Data const& data) {
+    return model.calculateVccauxIntCurrent(params, data) * model.getVccaux(params, data);
+}
+
+template <typename Model>
+float ioPllIntioPower(Model const& model, typename Model::Params& params, typename Model::Data const& data) {
+    return model.calculateVccintioIntCurrent(params, data) * model.getVccintio(params, data);
+}
+
 }  // namespace prsm::clocking

@@ -15,23 +15,8 @@ constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Mode
 
 }  // namespace
 
-// VCCAUX: regulator and charge pump, the VCO, and the buffer that drives the PHY clock.
-float Model::computeVccAuxBaseCurrent(Params&, Data const& data) const {
-    return data.getCommonData("IVCCAUX_REGULATOR") + data.getCommonData("IVCCAUX_CHARGE_PUMP");
-}
-
-float Model::computeVccauxIntCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("FUDGE_FACTOR_AUX") *
-           (calculateVccAuxBaseCurrent(params, data) + calculateVccAuxVcoCurrent(params, data) +
-            calculateVccAuxXiphyClockCurrent(params, data));
-}
-
 // VCCINTIO: control logic, the VCO's digital share, phase detector and input divider, the output and
-// feedback counters and drivers, and the PHY clock path.
-float Model::computeVccintioBaseCurrent(Params&, Data const& data) const {
-    return data.getCommonData("IVCCINTIO_CTRL_LOGIC");
-}
-
+// feedback counters and drivers, the PHY clock path.
 float Model::computeVccintioIntCurrent(Params& params, Data const& data) const {
     float const parts = calculateVccintioBaseCurrent(params, data) +
                         calculateVccintioVcoCurrent(params, data) +
@@ -40,12 +25,4 @@ float Model::computeVccintioIntCurrent(Params& params, Data const& data) const {
                         calculateVccintioXiphyClkCurrent(params, data);
     return clocking::railCurrent(*this, params, data, parts, kOutputs, &Model::calculateVccintioClkoutCurrent,
                                  "FUDGE_FACTOR_INT");
-}
-
-float Model::computeVccauxPwr(Params& params, Data const& data) const {
-    return calculateVccauxIntCurrent(params, data) * getVccaux(params, data);
-}
-
-float Model::computeVccintioPwr(Params& params, Data const& data) const {
-    return calculateVccintioIntCurrent(params, data) * getVccintio(params, data);
 }
