@@ -7,6 +7,7 @@ The table's folder below the source root names the include folder (<prsm/models/
 
 import argparse
 import sys
+import tomllib
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent))
@@ -33,7 +34,7 @@ def main() -> int:
     args = parser.parse_args()
     try:
         sheet = load(args.table, args.source_root)
-    except (SheetError, KeyError) as error:
+    except (SheetError, KeyError, tomllib.TOMLDecodeError) as error:
         print(f"{args.table}: {error}", file=sys.stderr)
         return 1
     args.out.mkdir(parents=True, exist_ok=True)
