@@ -27,8 +27,10 @@ unsigned int indexOf(std::unordered_map<std::string, unsigned int> const& map, s
 void appendNames(std::vector<std::string> const& table, std::size_t firstMarker, std::size_t lastMarker,
                  std::vector<std::string>& out);
 
-template <typename T, std::size_t N>
-void fill(std::array<T, N>& cells, std::size_t from, std::size_t to, T const& value) {
+// Assigns `value` to the cells [from, to). A string cell keeps its buffer, so resetting a cell that has
+// held the sentinel before does not allocate.
+template <typename T, std::size_t N, typename V>
+void fill(std::array<T, N>& cells, std::size_t from, std::size_t to, V const& value) {
     for (std::size_t i = from; i < to; ++i) cells[i] = value;
 }
 

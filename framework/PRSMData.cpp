@@ -3,8 +3,10 @@
 #include <prsm/framework/PRSMException.h>
 
 #include <boost/filesystem.hpp>
+#include <boost/iostreams/device/array.hpp>
 #include <boost/iostreams/filter/gzip.hpp>
 #include <boost/iostreams/filtering_stream.hpp>
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -16,27 +18,27 @@ namespace fs = boost::filesystem;
 
 namespace {
 
-enum class FileKind { Text, Gzip, Binary };
-
-// gzip is recognised by its magic bytes; any other file with a NUL byte near its start is not text.
-FileKind classify(fs::path const& path) {
+// The whole file, read once: its first bytes tell its kind, and the text is parsed from memory.
+std::string readAll(fs::path const& path) {
     std::ifstream in(path.string(), std::ios::binary);
-    char head[512];
-    in.read(head, sizeof head);
-    std::streamsize const n = in.gcount();
-    if (n >= 2 && static_cast<unsigned char>(head[0]) == 0x1f && static_cast<unsigned char>(head[1]) == 0x8b)
-        return FileKind::Gzip;
-    for (std::streamsize i = 0; i < n; ++i)
-        if (head[i] == '\0') return FileKind::Binary;
-    return FileKind::Text;
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
-std::string decompressGzip(fs::path const& path) {
+bool isGzip(std::string const& content) {
+    return content.size() >= 2 && static_cast<unsigned char>(content[0]) == 0x1f &&
+           static_cast<unsigned char>(content[1]) == 0x8b;
+}
+
+// Any other file with a NUL byte near its start is not text.
+bool isBinary(std::string const& content) {
+    return content.find('\0') < std::min<std::size_t>(content.size(), 512);
+}
+
+std::string decompressGzip(fs::path const& path, std::string const& content) {
     try {
-        std::ifstream file(path.string(), std::ios::binary);
         boost::iostreams::filtering_istream in;
         in.push(boost::iostreams::gzip_decompressor());
-        in.push(file);
+        in.push(boost::iostreams::array_source(content.data(), content.size()));
         return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
     } catch (std::exception const& e) {
         throw PRSMException(("cannot decompress data file " + path.string() + ": " + e.what()).c_str(),
@@ -71,21 +73,17 @@ void PRSMData::readFile(libconfig::Config* cfg, std::string relative) {
     try {
         boost::system::error_code ignored;
         if (path.empty() || !fs::is_regular_file(path, ignored)) throw libconfig::FileIOException();
-        switch (classify(path)) {
-            case FileKind::Gzip:
-                cfg->readString(decompressGzip(path));
-                break;
-            case FileKind::Binary:
-                throw PRSMException(("data file " + path.string() + " is neither text nor gzip").c_str(),
-                                    "PRSMData::readFile");
-            case FileKind::Text:
-                cfg->readFile(path.string().c_str());
-                break;
-        }
+        std::string const content = readAll(path);
+        if (isGzip(content))
+            cfg->readString(decompressGzip(path, content));
+        else if (isBinary(content))
+            throw PRSMException(("data file " + path.string() + " is neither text nor gzip").c_str(),
+                                "PRSMData::readFile");
+        else
+            cfg->readString(content);
     } catch (libconfig::ParseException const& e) {
-        char const* file = e.getFile();  // null when the text came from a decompressed buffer
-        std::cerr << "Parse error at " << (file != nullptr ? file : path.string().c_str()) << ":" << e.getLine() << " - " << e.getError()
-                  << std::endl;
+        // The text is parsed from memory, so the parser knows no file name: name the file here.
+        std::cerr << "Parse error at " << path.string() << ":" << e.getLine() << " - " << e.getError() << std::endl;
         throw;
     } catch (libconfig::FileIOException const&) {
         std::cerr << "I/O error while reading file." << std::endl;

@@ -152,7 +152,7 @@ std::unordered_map<std::string, unsigned int> const& {t}Indices() {{
 void {cls}::reset() {{
     m_intCells.fill(prsm::kIntNotSet);
     m_floatCells.fill(prsm::kFloatNotSet);
-    m_stringCells.fill(prsm::kStringNotSet);
+    prsm::cells::fill(m_stringCells, 0, LastString, prsm::kStringNotSet);
 }}
 """)
     for cat in CATEGORIES:
@@ -162,7 +162,7 @@ void {cls}::reset() {{
 void {cls}::{RESET[cat]}() {{
     prsm::cells::fill(m_intCells, First{m}Int, Last{m}Int + 1, prsm::kIntNotSet);
     prsm::cells::fill(m_floatCells, First{m}Float, Last{m}Float, prsm::kFloatNotSet);
-    prsm::cells::fill(m_stringCells, First{m}String, Last{m}String, std::string(prsm::kStringNotSet));
+    prsm::cells::fill(m_stringCells, First{m}String, Last{m}String, prsm::kStringNotSet);
 }}
 """)
     for t in TYPES:
