@@ -56,14 +56,24 @@ bool readScalar(libconfig::Setting const& s, std::string& value) {
     return true;
 }
 
+// Descends into `child`: its key below the table is `key` + "." + its name. Returns the length to
+// cut `key` back to afterwards.
+std::size_t enter(std::string& key, libconfig::Setting const& child) {
+    std::size_t const length = key.size();
+    if (length != 0) key += '.';
+    key += child.getName();
+    return length;
+}
+
+// `key` is the setting's path below the table, kept in one buffer as the walk goes down and up.
 template <typename T>
-bool loadTree(libconfig::Setting const& setting, std::vector<std::string>& path, std::unordered_map<std::string, T>& out) {
+bool loadTree(libconfig::Setting const& setting, std::string& key, std::unordered_map<std::string, T>& out) {
     if (setting.isGroup()) {
         for (int i = 0; i < setting.getLength(); ++i) {
             libconfig::Setting const& child = setting[i];
-            path.emplace_back(child.getName());
-            bool const ok = loadTree(child, path, out);
-            path.pop_back();
+            std::size_t const length = enter(key, child);
+            bool const ok = loadTree(child, key, out);
+            key.resize(length);
             if (!ok) return false;
         }
         return true;
@@ -76,22 +86,21 @@ bool loadTree(libconfig::Setting const& setting, std::vector<std::string>& path,
     }
     T value{};
     if (!readScalar(setting, value)) {
-        std::cerr << "Unsupported value type in configuration setting " << joinPath(path, 0) << "; skipped."
+        std::cerr << "Unsupported value type in configuration setting " << setting.getPath() << "; skipped."
                   << std::endl;
         return true;
     }
-    out[joinPath(path, 2)] = std::move(value);
+    out.insert_or_assign(key, std::move(value));
     return true;
 }
 
-void loadListTree(libconfig::Setting const& setting, std::vector<std::string>& path,
-                  std::unordered_map<std::string, CfgList>& out) {
+void loadListTree(libconfig::Setting const& setting, std::string& key, std::unordered_map<std::string, CfgList>& out) {
     if (setting.isGroup()) {
         for (int i = 0; i < setting.getLength(); ++i) {
             libconfig::Setting const& child = setting[i];
-            path.emplace_back(child.getName());
-            loadListTree(child, path, out);
-            path.pop_back();
+            std::size_t const length = enter(key, child);
+            loadListTree(child, key, out);
+            key.resize(length);
         }
         return;
     }
@@ -106,9 +115,9 @@ void loadListTree(libconfig::Setting const& setting, std::vector<std::string>& p
         std::string text;
         if (readScalar(setting, text)) values.push_back(std::move(text));
     }
-    std::string key = joinPath(path, 2);
-    if (key.empty()) key = path.back();
-    out[key] = std::move(values);
+    // A list that is the table itself is known by the table's name.
+    char const* name = setting.getName();  // null only for the file's root
+    out.insert_or_assign(key.empty() ? std::string(name != nullptr ? name : "") : key, std::move(values));
 }
 
 // Switches automatic conversion on for the duration of a top-level load.
@@ -138,14 +147,16 @@ bool loadCfgDataToVar(libconfig::Config* cfg, std::vector<std::string>& path, st
     std::string const key = joinPath(path, 0);
     if (!cfg->exists(key)) return false;
     AutoConvertScope const autoConvert(cfg, top);
-    return loadTree(cfg->lookup(key), path, out);
+    std::string below = joinPath(path, 2);
+    return loadTree(cfg->lookup(key), below, out);
 }
 
 bool loadCfgDataToList(libconfig::Config* cfg, std::vector<std::string>& path,
                        std::unordered_map<std::string, CfgList>& out, bool /*top*/) {
     std::string const key = joinPath(path, 0);
     if (path.empty() || !cfg->exists(key)) return false;
-    loadListTree(cfg->lookup(key), path, out);
+    std::string below = joinPath(path, 2);
+    loadListTree(cfg->lookup(key), below, out);
     return true;
 }
 
