@@ -2,13 +2,13 @@
 
 #include <prsm/framework/PRSMSheetRegistry.h>
 
+#include <execinfo.h>
+#include <unistd.h>
 #include <atomic>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <execinfo.h>
 #include <new>
-#include <unistd.h>
 
 namespace {
 
@@ -50,8 +50,8 @@ void* allocate(std::size_t size) {
 void* allocateAligned(std::size_t size, std::align_val_t align) {
     countAllocation();
     traceAllocation(size);
-    std::size_t const alignment = static_cast<std::size_t>(align) < sizeof(void*) ? sizeof(void*)
-                                                                                   : static_cast<std::size_t>(align);
+    std::size_t const alignment =
+        static_cast<std::size_t>(align) < sizeof(void*) ? sizeof(void*) : static_cast<std::size_t>(align);
     void* memory = nullptr;
     if (::posix_memalign(&memory, alignment, size == 0 ? 1 : size) != 0) return nullptr;
     return memory;
@@ -67,8 +67,12 @@ void* operator new[](std::size_t size) {
     if (void* memory = allocate(size)) return memory;
     throw std::bad_alloc();
 }
-void* operator new(std::size_t size, std::nothrow_t const&) noexcept { return allocate(size); }
-void* operator new[](std::size_t size, std::nothrow_t const&) noexcept { return allocate(size); }
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
+    return allocate(size);
+}
+void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
+    return allocate(size);
+}
 void* operator new(std::size_t size, std::align_val_t align) {
     if (void* memory = allocateAligned(size, align)) return memory;
     throw std::bad_alloc();
@@ -84,18 +88,42 @@ void* operator new[](std::size_t size, std::align_val_t align, std::nothrow_t co
     return allocateAligned(size, align);
 }
 
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::nothrow_t const&) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::nothrow_t const&) noexcept { std::free(memory); }
-void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::align_val_t, std::nothrow_t const&) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::align_val_t, std::nothrow_t const&) noexcept { std::free(memory); }
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::nothrow_t const&) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::nothrow_t const&) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::align_val_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::align_val_t) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::align_val_t, std::nothrow_t const&) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::align_val_t, std::nothrow_t const&) noexcept {
+    std::free(memory);
+}
 
 namespace prsm::bench {
 

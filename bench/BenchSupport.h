@@ -42,8 +42,8 @@ class AllocMeter {
 public:
     AllocMeter() : m_start(allocationCount()) {}
     void report(benchmark::State& state) const {
-        state.counters["allocs"] =
-            benchmark::Counter(static_cast<double>(allocationCount() - m_start), benchmark::Counter::kAvgIterations);
+        state.counters["allocs"] = benchmark::Counter(static_cast<double>(allocationCount() - m_start),
+                                                      benchmark::Counter::kAvgIterations);
     }
 
 private:

@@ -35,7 +35,7 @@ CleLogicInputs cleLogicInputsOf(Params const& p) {
 }
 
 CleLogicTables lookUpCleLogicTables(PRSMTalvexCleLogicData const& data, std::string const& device,
-                                   std::string const& instanceType) {
+                                    std::string const& instanceType) {
     CleLogicTables t;
     char const* const pins[6] = {"A1", "A2", "A3", "A4", "A5", "A6"};
     char const* const internal[5] = {"A1INT", "A2INT", "A3INT", "A4INT", "A5INT"};
@@ -58,7 +58,9 @@ CleLogicTables lookUpCleLogicTables(PRSMTalvexCleLogicData const& data, std::str
 
 namespace {
 
-bool startsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
+bool startsWith(std::string_view text, std::string_view prefix) {
+    return text.substr(0, prefix.size()) == prefix;
+}
 
 }  // namespace
 
@@ -125,11 +127,16 @@ void cleLogicStraightLine(CleLogicInputs const& in, CleLogicTables const& t, Cle
     out.lookaheadPower = out.lookaheadComponent + out.lookaheadOfmuxComponent;
 
     float perInstance = 0.0f;
-    if (isReg) perInstance = out.regInstancePower;
-    else if (isLut) perInstance = out.lutInstancePower;
-    else if (isOfmux) perInstance = out.ofmuxInstancePower;
-    else if (isByp) perInstance = out.bypInstancePower;
-    else if (isLookahead) perInstance = out.lookaheadInstancePower;
+    if (isReg)
+        perInstance = out.regInstancePower;
+    else if (isLut)
+        perInstance = out.lutInstancePower;
+    else if (isOfmux)
+        perInstance = out.ofmuxInstancePower;
+    else if (isByp)
+        perInstance = out.bypInstancePower;
+    else if (isLookahead)
+        perInstance = out.lookaheadInstancePower;
     out.logicPower = static_cast<float>(in.instanceCount * perInstance * 0.001);
 
     // The legacy estimator's figure.
@@ -142,9 +149,12 @@ void cleLogicStraightLine(CleLogicInputs const& in, CleLogicTables const& t, Cle
     float const switched = in.vccint * in.vccint * kpeCap * in.toggleRate;
     float const lutKpe = static_cast<float>(in.clockFreq * switched * 0.5 * 0.001 * scale);
     float kpe = 0.0f;
-    if (type == "REG_FF") kpe = out.regInstancePower;
-    else if (type == "LUT_LOGIC") kpe = lutKpe;
-    else if (type == "LUT_DRAM" || type == "LUT_SRL") kpe = lutKpe + out.memoryWriteComponent;
+    if (type == "REG_FF")
+        kpe = out.regInstancePower;
+    else if (type == "LUT_LOGIC")
+        kpe = lutKpe;
+    else if (type == "LUT_DRAM" || type == "LUT_SRL")
+        kpe = lutKpe + out.memoryWriteComponent;
     out.kpeLogicPower = static_cast<float>(in.instanceCount * kpe * 0.001);
 }
 
@@ -194,8 +204,8 @@ bool checkCleLogicLimit(std::string& message) {
             for (auto const& pair : pairs) {
                 if (pair.limit != params[pair.cell]) {
                     char text[256];
-                    std::snprintf(text, sizeof text, "%s for %s on %s: straight line %.9g, model %.9g", pair.name,
-                                  type.c_str(), device, static_cast<double>(pair.limit),
+                    std::snprintf(text, sizeof text, "%s for %s on %s: straight line %.9g, model %.9g",
+                                  pair.name, type.c_str(), device, static_cast<double>(pair.limit),
                                   static_cast<double>(params[pair.cell]));
                     message = text;
                     return false;

@@ -34,7 +34,7 @@ struct CleLogicOutputs {
 // The inputs of a parameter set whose defaults have been applied (by a calculate).
 CleLogicInputs cleLogicInputsOf(PRSMTalvexCleLogicParams const& params);
 CleLogicTables lookUpCleLogicTables(PRSMTalvexCleLogicData const& data, std::string const& device,
-                                   std::string const& instanceType);
+                                    std::string const& instanceType);
 
 void cleLogicStraightLine(CleLogicInputs const& in, CleLogicTables const& t, CleLogicOutputs& out);
 

@@ -65,7 +65,8 @@ SheetPlan planFor(Sheet const& sheet) {
             plan.toggleInput = cell.name;
             plan.toggleType = cell.type;
         }
-        if (!plan.hasFloatOutput && cell.category == CellCategory::ModelOutput && cell.type == CellType::Float) {
+        if (!plan.hasFloatOutput && cell.category == CellCategory::ModelOutput &&
+            cell.type == CellType::Float) {
             plan.hasFloatOutput = true;
             plan.floatOutput = cell.name;
         }
@@ -75,8 +76,8 @@ SheetPlan planFor(Sheet const& sheet) {
             chooseToggle(plan, *sheet.findCell(plan.toggleInput));
         } catch (std::exception const& e) {
             plan.hasToggle = false;
-            std::fprintf(stderr, "%s: no second value for %s: %s\n", plan.name.c_str(), plan.toggleInput.c_str(),
-                         e.what());
+            std::fprintf(stderr, "%s: no second value for %s: %s\n", plan.name.c_str(),
+                         plan.toggleInput.c_str(), e.what());
         }
     }
     return plan;

@@ -3,11 +3,11 @@
 // against libconfig's own parse, and two threads against one. With repetitions the median is used.
 #include "BenchSupport.h"
 
+#include <unistd.h>
 #include <cstdio>
 #include <map>
 #include <ostream>
 #include <set>
-#include <unistd.h>
 
 namespace prsm::bench {
 namespace {
@@ -22,10 +22,14 @@ struct Result {
 
 double toNanoseconds(double value, benchmark::TimeUnit unit) {
     switch (unit) {
-        case benchmark::kNanosecond: return value;
-        case benchmark::kMicrosecond: return value * 1e3;
-        case benchmark::kMillisecond: return value * 1e6;
-        case benchmark::kSecond: return value * 1e9;
+        case benchmark::kNanosecond:
+            return value;
+        case benchmark::kMicrosecond:
+            return value * 1e3;
+        case benchmark::kMillisecond:
+            return value * 1e6;
+        case benchmark::kSecond:
+            return value * 1e9;
     }
     return value;
 }
@@ -97,8 +101,9 @@ private:
             std::string const setCalc = allocs("set_calculate/" + plan.name);
             char const* verdict = "-";
             if (calc != "-") verdict = calc == "0" && (write == "-" || write == "0") ? "met" : "MISSED";
-            std::snprintf(line, sizeof line, "%-24s %10s %14s %16s %12s %12s %8s\n", plan.name.c_str(), calc.c_str(),
-                          setCalc.c_str(), write.c_str(), allocs("evaluate_by_name/" + plan.name).c_str(),
+            std::snprintf(line, sizeof line, "%-24s %10s %14s %16s %12s %12s %8s\n", plan.name.c_str(),
+                          calc.c_str(), setCalc.c_str(), write.c_str(),
+                          allocs("evaluate_by_name/" + plan.name).c_str(),
                           allocs("set_by_name/" + plan.name).c_str(), verdict);
             out << line;
         }
@@ -109,7 +114,8 @@ private:
         Result const* bound = find("limit/straight_line/TalvexCleLogic");
         if (real == nullptr || bound == nullptr || bound->cpuNanoseconds <= 0) return;
         double const ratio = real->cpuNanoseconds / bound->cpuNanoseconds;
-        out << "\nLogic-element calculate against its straight-line limit, CPU time (target: at most 10 times)\n"
+        out << "\nLogic-element calculate against its straight-line limit, CPU time (target: at most 10 "
+               "times)\n"
             << "  calculate " << format("%.1f", real->cpuNanoseconds) << " ns, straight line "
             << format("%.1f", bound->cpuNanoseconds) << " ns: " << format("%.1f", ratio) << " times, "
             << (ratio <= 10 ? "met" : "MISSED") << "\n";
@@ -121,10 +127,11 @@ private:
         for (auto const& [name, result] : m_results)
             if (name.compare(0, prefix.size(), prefix) == 0) files.insert(name.substr(prefix.size()));
         if (files.empty()) return;
-        out << "\nLoading a data file, CPU microseconds (target: data object at most 1.5 times libconfig's parse)\n";
+        out << "\nLoading a data file, CPU microseconds (target: data object at most 1.5 times libconfig's "
+               "parse)\n";
         char line[256];
-        std::snprintf(line, sizeof line, "%-40s %10s %7s %7s %9s %12s %6s %8s\n", "file", "libconfig", "locate",
-                      "head", "readFile", "data object", "ratio", "target");
+        std::snprintf(line, sizeof line, "%-40s %10s %7s %7s %9s %12s %6s %8s\n", "file", "libconfig",
+                      "locate", "head", "readFile", "data object", "ratio", "target");
         out << line;
         for (std::string const& file : files) {
             Result const* parse = find(prefix + file);
@@ -139,9 +146,10 @@ private:
                 ratio = format("%.2f", value);
                 verdict = value <= 1.5 ? "met" : "MISSED";
             }
-            std::snprintf(line, sizeof line, "%-40s %10s %7s %7s %9s %12s %6s %8s\n", file.c_str(), us(parse).c_str(),
-                          us(find("load/data_locate/" + file)).c_str(), us(find("load/head_read/" + file)).c_str(),
-                          us(read).c_str(), us(object).c_str(), ratio.c_str(), verdict.c_str());
+            std::snprintf(line, sizeof line, "%-40s %10s %7s %7s %9s %12s %6s %8s\n", file.c_str(),
+                          us(parse).c_str(), us(find("load/data_locate/" + file)).c_str(),
+                          us(find("load/head_read/" + file)).c_str(), us(read).c_str(), us(object).c_str(),
+                          ratio.c_str(), verdict.c_str());
             out << line;
         }
     }
@@ -159,14 +167,18 @@ private:
             Result const* one = find("throughput/" + plan.name + "/real_time/threads:1");
             Result const* two = find("throughput/" + plan.name + "/real_time/threads:2");
             if (one == nullptr || two == nullptr) continue;
-            double const rate1 = one->counters.count("items_per_second") ? one->counters.at("items_per_second") : 0;
-            double const rate2 = two->counters.count("items_per_second") ? two->counters.at("items_per_second") : 0;
+            double const rate1 =
+                one->counters.count("items_per_second") ? one->counters.at("items_per_second") : 0;
+            double const rate2 =
+                two->counters.count("items_per_second") ? two->counters.at("items_per_second") : 0;
             if (rate1 <= 0) continue;
             double const ratio = rate2 / rate1;
-            auto const cores = [](Result const* r) { return r->nanoseconds > 0 ? r->cpuNanoseconds / r->nanoseconds : 0; };
+            auto const cores = [](Result const* r) {
+                return r->nanoseconds > 0 ? r->cpuNanoseconds / r->nanoseconds : 0;
+            };
             std::snprintf(line, sizeof line, "%-24s %12.4g %12.4g %7.2f %8s %14.1f %14.1f %8.2f %8.2f\n",
-                          plan.name.c_str(), rate1, rate2, ratio, ratio >= 1.8 ? "met" : "MISSED", one->cpuNanoseconds,
-                          two->cpuNanoseconds, cores(one), cores(two));
+                          plan.name.c_str(), rate1, rate2, ratio, ratio >= 1.8 ? "met" : "MISSED",
+                          one->cpuNanoseconds, two->cpuNanoseconds, cores(one), cores(two));
             out << line;
         }
     }

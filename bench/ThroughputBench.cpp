@@ -15,7 +15,8 @@ void throughput(benchmark::State& state, SheetPlan const* plan) {
     for (std::size_t i = 0; i < sets.size(); ++i) {
         sets[i] = plan->sheet->create();
         if (plan->hasToggle)
-            sets[i]->set(plan->toggleInput, plan->toggleText[(i + static_cast<std::size_t>(state.thread_index())) & 1u]);
+            sets[i]->set(plan->toggleInput,
+                         plan->toggleText[(i + static_cast<std::size_t>(state.thread_index())) & 1u]);
         sets[i]->calculate();
     }
     std::size_t next = 0;

@@ -23,31 +23,29 @@ void registerDataLoad(char const* className, char const* dataFile) {
     else if (!std::filesystem::is_regular_file(dataRoot() + "/powercfg/" + file))
         problem = "data file not found under " + dataRoot() + "/powercfg";
     std::string const label = className;
-    benchmark::RegisterBenchmark(name.c_str(),
-                                 [problem, label](benchmark::State& state) {
-                                     std::string error = problem;
-                                     if (error.empty()) {
-                                         try {
-                                             Data const probe;
-                                         } catch (std::exception const& e) {
-                                             error = std::string("loading throws: ") + e.what();
-                                         }
-                                     }
-                                     if (!error.empty()) {
-                                         state.SkipWithError(error.c_str());
-                                         for (auto _ : state) {
-                                         }
-                                         return;
-                                     }
-                                     AllocMeter const meter;
-                                     for (auto _ : state) {
-                                         Data data;
-                                         benchmark::DoNotOptimize(&data);
-                                     }
-                                     meter.report(state);
-                                     state.SetLabel(label);
-                                 })
-        ->Unit(benchmark::kMicrosecond);
+    benchmark::RegisterBenchmark(name.c_str(), [problem, label](benchmark::State& state) {
+        std::string error = problem;
+        if (error.empty()) {
+            try {
+                Data const probe;
+            } catch (std::exception const& e) {
+                error = std::string("loading throws: ") + e.what();
+            }
+        }
+        if (!error.empty()) {
+            state.SkipWithError(error.c_str());
+            for (auto _ : state) {
+            }
+            return;
+        }
+        AllocMeter const meter;
+        for (auto _ : state) {
+            Data data;
+            benchmark::DoNotOptimize(&data);
+        }
+        meter.report(state);
+        state.SetLabel(label);
+    })->Unit(benchmark::kMicrosecond);
 }
 
 namespace detail {
@@ -94,18 +92,19 @@ void registerTypedModel(char const* stem) {
     if (static_cast<int>(Params::FirstMOFloat) + 1 < static_cast<int>(Params::LastMOFloat)) {
         std::string const output =
             Params::enum_to_string(static_cast<typename Params::FloatEnum>(Params::FirstMOFloat + 1));
-        benchmark::RegisterBenchmark(("typed/float_dispatch" + suffix).c_str(), [output](benchmark::State& state) {
-            Params params;
-            Model const& model = Model::getGlobal();
-            Data const& data = Data::getGlobal();
-            model.calculate(params);
-            AllocMeter const meter;
-            for (auto _ : state) {
-                float value = model.floatDispatchTable(params, data, output);
-                benchmark::DoNotOptimize(value);
-            }
-            meter.report(state);
-        });
+        benchmark::RegisterBenchmark(("typed/float_dispatch" + suffix).c_str(),
+                                     [output](benchmark::State& state) {
+                                         Params params;
+                                         Model const& model = Model::getGlobal();
+                                         Data const& data = Data::getGlobal();
+                                         model.calculate(params);
+                                         AllocMeter const meter;
+                                         for (auto _ : state) {
+                                             float value = model.floatDispatchTable(params, data, output);
+                                             benchmark::DoNotOptimize(value);
+                                         }
+                                         meter.report(state);
+                                     });
     }
 
     if (plan->hasToggle) {
@@ -115,12 +114,14 @@ void registerTypedModel(char const* stem) {
         if (intCell < Params::LastInt) {
             int const first = std::stoi(plan->toggleText[0]);
             int const second = std::stoi(plan->toggleText[1]);
-            benchmark::RegisterBenchmark(name.c_str(), detail::writeAndCalculate<Model, typename Params::IntEnum, int>,
+            benchmark::RegisterBenchmark(name.c_str(),
+                                         detail::writeAndCalculate<Model, typename Params::IntEnum, int>,
                                          intCell, first, second);
         } else if (floatCell < Params::LastFloat) {
             float const first = std::stof(plan->toggleText[0]);
             float const second = std::stof(plan->toggleText[1]);
-            benchmark::RegisterBenchmark(name.c_str(), detail::writeAndCalculate<Model, typename Params::FloatEnum, float>,
+            benchmark::RegisterBenchmark(name.c_str(),
+                                         detail::writeAndCalculate<Model, typename Params::FloatEnum, float>,
                                          floatCell, first, second);
         }
     }

@@ -21,11 +21,13 @@ void describePlans() {
         }
         std::fprintf(stderr, "sheet %s: ", plan.name.c_str());
         if (plan.hasToggle)
-            std::fprintf(stderr, "input %s toggles %s <-> %s%s", plan.toggleInput.c_str(), plan.toggleText[0].c_str(),
-                         plan.toggleText[1].c_str(), plan.toggleChecked ? "" : " (no candidate passed its rule)");
+            std::fprintf(stderr, "input %s toggles %s <-> %s%s", plan.toggleInput.c_str(),
+                         plan.toggleText[0].c_str(), plan.toggleText[1].c_str(),
+                         plan.toggleChecked ? "" : " (no candidate passed its rule)");
         else
             std::fprintf(stderr, "no numeric input");
-        std::fprintf(stderr, "; reads %s\n", plan.hasFloatOutput ? plan.floatOutput.c_str() : "no float output");
+        std::fprintf(stderr, "; reads %s\n",
+                     plan.hasFloatOutput ? plan.floatOutput.c_str() : "no float output");
     }
 }
 

@@ -2,7 +2,11 @@
 #include <prsm/framework/PRSMParams.h>
 
 PRSMParams::~PRSMParams() = default;
-std::string PRSMParams::className() const { return "PRSMParams"; }
+std::string PRSMParams::className() const {
+    return "PRSMParams";
+}
 
 PRSMData::~PRSMData() = default;
-std::string PRSMData::className() const { return "PRSMData"; }
+std::string PRSMData::className() const {
+    return "PRSMData";
+}

@@ -34,7 +34,8 @@ void populateNameTable(std::vector<std::string>& table, std::string list, std::m
     table.shrink_to_fit();
 }
 
-void populateNameMap(std::unordered_map<std::string, unsigned int>& map, std::string list, std::mutex& mutex) {
+void populateNameMap(std::unordered_map<std::string, unsigned int>& map, std::string list,
+                     std::mutex& mutex) {
     std::lock_guard<std::mutex> const lock(mutex);
     if (!map.empty()) return;
     unsigned int index = 0;
@@ -56,7 +57,9 @@ void appendNames(std::vector<std::string> const& table, std::size_t firstMarker,
     for (std::size_t i = firstMarker + 1; i < lastMarker; ++i) out.push_back(nameAt(table, i));
 }
 
-void appendLine(std::string& out, std::string const& name, int value) { appendValue(out, name, value); }
+void appendLine(std::string& out, std::string const& name, int value) {
+    appendValue(out, name, value);
+}
 void appendLine(std::string& out, std::string const& name, float value) {
     appendValue(out, name, static_cast<double>(value));
 }

@@ -21,16 +21,27 @@ std::string joinPath(std::vector<std::string> const& path, std::size_t from) {
 std::string numberText(libconfig::Setting const& s) {
     std::ostringstream text;
     switch (s.getType()) {
-        case libconfig::Setting::TypeInt: text << static_cast<int>(s); break;
-        case libconfig::Setting::TypeInt64: text << static_cast<long long>(s); break;
-        case libconfig::Setting::TypeFloat: text << static_cast<double>(s); break;
-        case libconfig::Setting::TypeBoolean: text << std::boolalpha << static_cast<bool>(s); break;
-        default: break;
+        case libconfig::Setting::TypeInt:
+            text << static_cast<int>(s);
+            break;
+        case libconfig::Setting::TypeInt64:
+            text << static_cast<long long>(s);
+            break;
+        case libconfig::Setting::TypeFloat:
+            text << static_cast<double>(s);
+            break;
+        case libconfig::Setting::TypeBoolean:
+            text << std::boolalpha << static_cast<bool>(s);
+            break;
+        default:
+            break;
     }
     return text.str();
 }
 
-bool isNumber(libconfig::Setting const& s) { return s.isNumber() || s.getType() == libconfig::Setting::TypeBoolean; }
+bool isNumber(libconfig::Setting const& s) {
+    return s.isNumber() || s.getType() == libconfig::Setting::TypeBoolean;
+}
 
 // Reads a scalar leaf as T; false when its type cannot be read as T.
 bool readScalar(libconfig::Setting const& s, float& value) {
@@ -44,15 +55,21 @@ bool readScalar(libconfig::Setting const& s, int& value) {
     return true;
 }
 bool readScalar(libconfig::Setting const& s, bool& value) {
-    if (s.getType() == libconfig::Setting::TypeBoolean) value = s;
-    else if (s.isNumber()) value = static_cast<long long>(s) != 0;
-    else return false;
+    if (s.getType() == libconfig::Setting::TypeBoolean)
+        value = s;
+    else if (s.isNumber())
+        value = static_cast<long long>(s) != 0;
+    else
+        return false;
     return true;
 }
 bool readScalar(libconfig::Setting const& s, std::string& value) {
-    if (s.getType() == libconfig::Setting::TypeString) value = static_cast<char const*>(s);
-    else if (isNumber(s)) value = numberText(s);
-    else return false;
+    if (s.getType() == libconfig::Setting::TypeString)
+        value = static_cast<char const*>(s);
+    else if (isNumber(s))
+        value = numberText(s);
+    else
+        return false;
     return true;
 }
 
@@ -79,9 +96,10 @@ bool loadTree(libconfig::Setting const& setting, std::string& key, std::unordere
         return true;
     }
     if (setting.isAggregate()) {
-        std::cerr << "Unsupported cfg file format error: to use loadCfgDataToVar function, cfg has to be a nested "
-                     "dictionary that does not contain any array or list."
-                  << std::endl;
+        std::cerr
+            << "Unsupported cfg file format error: to use loadCfgDataToVar function, cfg has to be a nested "
+               "dictionary that does not contain any array or list."
+            << std::endl;
         return false;
     }
     T value{};
@@ -94,7 +112,8 @@ bool loadTree(libconfig::Setting const& setting, std::string& key, std::unordere
     return true;
 }
 
-void loadListTree(libconfig::Setting const& setting, std::string& key, std::unordered_map<std::string, CfgList>& out) {
+void loadListTree(libconfig::Setting const& setting, std::string& key,
+                  std::unordered_map<std::string, CfgList>& out) {
     if (setting.isGroup()) {
         for (int i = 0; i < setting.getLength(); ++i) {
             libconfig::Setting const& child = setting[i];
@@ -142,8 +161,8 @@ private:
 }  // namespace
 
 template <typename T>
-bool loadCfgDataToVar(libconfig::Config* cfg, std::vector<std::string>& path, std::unordered_map<std::string, T>& out,
-                      bool top) {
+bool loadCfgDataToVar(libconfig::Config* cfg, std::vector<std::string>& path,
+                      std::unordered_map<std::string, T>& out, bool top) {
     std::string const key = joinPath(path, 0);
     if (!cfg->exists(key)) return false;
     AutoConvertScope const autoConvert(cfg, top);
@@ -173,12 +192,12 @@ void throwMissingKey(std::string const& key, char const* table, char const* func
     throw PRSMException(message.c_str(), function);
 }
 
-template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&, std::unordered_map<std::string, float>&,
-                               bool);
-template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&, std::unordered_map<std::string, int>&,
-                               bool);
-template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&, std::unordered_map<std::string, bool>&,
-                               bool);
+template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&,
+                               std::unordered_map<std::string, float>&, bool);
+template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&,
+                               std::unordered_map<std::string, int>&, bool);
+template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&,
+                               std::unordered_map<std::string, bool>&, bool);
 template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&,
                                std::unordered_map<std::string, std::string>&, bool);
 

@@ -19,8 +19,8 @@ using CfgList = std::vector<std::string>;
 // float tables (automatic conversion is on while loading). Returns false when the setting does not
 // exist, or after reporting an array or list found inside the tree.
 template <typename T>
-bool loadCfgDataToVar(libconfig::Config* cfg, std::vector<std::string>& path, std::unordered_map<std::string, T>& out,
-                      bool top = true);
+bool loadCfgDataToVar(libconfig::Config* cfg, std::vector<std::string>& path,
+                      std::unordered_map<std::string, T>& out, bool top = true);
 
 // Loads the lists (or arrays) at `path` into `out`. A list found below the table is keyed by its path
 // below the table; a list that is the table itself is keyed by the table's name. Elements that are
@@ -44,7 +44,8 @@ std::vector<std::string> getCfgKeyVectorFromList(std::unordered_map<std::string,
 [[noreturn]] void throwMissingKey(std::string const& key, char const* table, char const* function);
 
 template <typename T>
-T getCfgDataFromVar(std::unordered_map<std::string, T> const& map, std::string const& key, char const* table) {
+T getCfgDataFromVar(std::unordered_map<std::string, T> const& map, std::string const& key,
+                    char const* table) {
     auto const it = map.find(key);
     if (it == map.end()) throwMissingKey(key, table, "getCfgDataFromVar");
     return it->second;

@@ -2,11 +2,11 @@
 
 #include <prsm/framework/PRSMException.h>
 
+#include <algorithm>
 #include <boost/filesystem.hpp>
 #include <boost/iostreams/device/array.hpp>
 #include <boost/iostreams/filter/gzip.hpp>
 #include <boost/iostreams/filtering_stream.hpp>
-#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -83,7 +83,8 @@ void PRSMData::readFile(libconfig::Config* cfg, std::string relative) {
             cfg->readString(content);
     } catch (libconfig::ParseException const& e) {
         // The text is parsed from memory, so the parser knows no file name: name the file here.
-        std::cerr << "Parse error at " << path.string() << ":" << e.getLine() << " - " << e.getError() << std::endl;
+        std::cerr << "Parse error at " << path.string() << ":" << e.getLine() << " - " << e.getError()
+                  << std::endl;
         throw;
     } catch (libconfig::FileIOException const&) {
         std::cerr << "I/O error while reading file." << std::endl;

@@ -3,4 +3,6 @@
 PRSMException::PRSMException(char const* message, char const* function)
     : m_message(std::string("PRS Exception: ") + message + " [ in function: " + function + " ]") {}
 
-char const* PRSMException::what() const { return m_message.c_str(); }
+char const* PRSMException::what() const {
+    return m_message.c_str();
+}

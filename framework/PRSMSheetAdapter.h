@@ -26,7 +26,8 @@ public:
     using Data = typename Model::Data;
     using ValidValues = std::string (*)(Model const&, Params&, Data const&, std::string const&);
 
-    GeneratedSheet(std::string name, std::string description, std::vector<CellInfo> cells, ValidValues validValues)
+    GeneratedSheet(std::string name, std::string description, std::vector<CellInfo> cells,
+                   ValidValues validValues)
         : m_name(std::move(name)),
           m_description(std::move(description)),
           m_cells(std::move(cells)),
@@ -60,7 +61,8 @@ private:
                 return std::to_string(m_params[i]);
             if (auto const f = Params::string_to_float_enum(name); f < Params::LastFloat)
                 return formatFloatCell(m_params[f]);
-            if (auto const s = Params::string_to_string_enum(name); s < Params::LastString) return m_params[s];
+            if (auto const s = Params::string_to_string_enum(name); s < Params::LastString)
+                return m_params[s];
             throwUnknownCell(m_sheet.name(), name);
         }
 

@@ -6,18 +6,24 @@ namespace prsm {
 
 char const* toString(CellType type) {
     switch (type) {
-        case CellType::Int: return "int";
-        case CellType::Float: return "float";
-        case CellType::String: return "string";
+        case CellType::Int:
+            return "int";
+        case CellType::Float:
+            return "float";
+        case CellType::String:
+            return "string";
     }
     return "";
 }
 
 char const* toString(CellCategory category) {
     switch (category) {
-        case CellCategory::UserInput: return "input";
-        case CellCategory::ModelOutput: return "output";
-        case CellCategory::IntermediateCalculation: return "intermediate";
+        case CellCategory::UserInput:
+            return "input";
+        case CellCategory::ModelOutput:
+            return "output";
+        case CellCategory::IntermediateCalculation:
+            return "intermediate";
     }
     return "";
 }
@@ -33,7 +39,9 @@ SheetRegistry& SheetRegistry::instance() {
     return registry;
 }
 
-void SheetRegistry::add(Sheet const& sheet) { m_sheets.push_back(&sheet); }
+void SheetRegistry::add(Sheet const& sheet) {
+    m_sheets.push_back(&sheet);
+}
 
 Sheet const* SheetRegistry::find(std::string const& name) const {
     for (Sheet const* sheet : m_sheets)
@@ -43,7 +51,8 @@ Sheet const* SheetRegistry::find(std::string const& name) const {
 
 std::vector<Sheet const*> SheetRegistry::sheets() const {
     std::vector<Sheet const*> sorted = m_sheets;
-    std::sort(sorted.begin(), sorted.end(), [](Sheet const* a, Sheet const* b) { return a->name() < b->name(); });
+    std::sort(sorted.begin(), sorted.end(),
+              [](Sheet const* a, Sheet const* b) { return a->name() < b->name(); });
     return sorted;
 }
 

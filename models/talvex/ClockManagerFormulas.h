@@ -103,7 +103,8 @@ float ioPllAuxBaseCurrent(Model const&, typename Model::Params&, typename Model:
 }
 
 template <typename Model>
-float ioPllAuxIntCurrent(Model const& model, typename Model::Params& params, typename Model::Data const& data) {
+float ioPllAuxIntCurrent(Model const& model, typename Model::Params& params,
+                         typename Model::Data const& data) {
     return data.getCommonData("FUDGE_FACTOR_AUX") *
            (model.calculateVccAuxBaseCurrent(params, data) + model.calculateVccAuxVcoCurrent(params, data) +
             model.calculateVccAuxXiphyClockCurrent(params, data));

@@ -50,4 +50,3 @@ float Model::computeAieMemPower(Params& params, Data const& data) const {
                         calculateAiePllVccauxPower(params, data) + calculateAieShimPowerTop(params, data);
     return aie::inUse(*this, params, data, power);
 }
-

@@ -14,11 +14,17 @@ using Model = PRSMTalvexCleLogicModel;
 
 namespace {
 
-bool startsWith(std::string const& text, char const* prefix, int length) { return LEFT(text, length) == prefix; }
+bool startsWith(std::string const& text, char const* prefix, int length) {
+    return LEFT(text, length) == prefix;
+}
 
-bool isMemoryLut(std::string const& type) { return type == "LUT_DRAM" || type == "LUT_SRL"; }
+bool isMemoryLut(std::string const& type) {
+    return type == "LUT_DRAM" || type == "LUT_SRL";
+}
 
-char const* a5ListName(std::string const& type) { return isMemoryLut(type) ? "A5_PIN_TYPE_LUTMEM" : "A5_PIN_TYPE_LUT"; }
+char const* a5ListName(std::string const& type) {
+    return isMemoryLut(type) ? "A5_PIN_TYPE_LUTMEM" : "A5_PIN_TYPE_LUT";
+}
 
 constexpr Model::Pin kAddressPins[] = {Model::Pin::A1, Model::Pin::A2, Model::Pin::A3,
                                        Model::Pin::A4, Model::Pin::A5, Model::Pin::A6};
@@ -64,12 +70,18 @@ float Model::computePinComponent(Params& params, Data const& data, Pin pin) cons
     float capacitance = 0.0f;
     switch (pin) {
         case Pin::BYP:
-        case Pin::OFMUX: capacitance = data.getMiscCap(name); break;
+        case Pin::OFMUX:
+            capacitance = data.getMiscCap(name);
+            break;
         case Pin::COUTB:
         case Pin::COUTD:
         case Pin::COUTF:
-        case Pin::COUTH: capacitance = data.getLookaheadCap(name); break;
-        default: capacitance = data.getLutCap(name); break;
+        case Pin::COUTH:
+            capacitance = data.getLookaheadCap(name);
+            break;
+        default:
+            capacitance = data.getLutCap(name);
+            break;
     }
     return calculateFreq(params, data, pin) * capacitance;
 }
@@ -99,7 +111,8 @@ float Model::computeLutCapFreq(Params& params, Data const& data) const {
 }
 
 float Model::computeBypCapFreq(Params& params, Data const& data) const {
-    return startsWith(getInstanceType(params, data), "BYP", 3) ? calculateBypPinComponent(params, data) : 0.0f;
+    return startsWith(getInstanceType(params, data), "BYP", 3) ? calculateBypPinComponent(params, data)
+                                                               : 0.0f;
 }
 
 float Model::computeLookaheadCapFreq(Params& params, Data const& data) const {
@@ -123,7 +136,8 @@ float Model::computeMemoryWriteCapFreq(Params& params, Data const& data) const {
     std::string const type = getInstanceType(params, data);
     if (type == "LUT_DRAM")
         return data.getLutCap("C_LRAM") * getClockFreq(params, data) * getLutWeProb(params, data);
-    if (type == "LUT_SRL") return getOpSigRate(params, data) * data.getLutCap("CLSRL") * getLutWeProb(params, data);
+    if (type == "LUT_SRL")
+        return getOpSigRate(params, data) * data.getLutCap("CLSRL") * getLutWeProb(params, data);
     return 0.0f;
 }
 
@@ -163,13 +177,16 @@ float Model::computeLookaheadComponent(Params& params, Data const& data) const {
     return component(*this, params, data, calculateLookaheadCapFreq(params, data));
 }
 float Model::computeOfmuxComponent(Params& params, Data const& data) const {
-    return component(*this, params, data, getLutOfmuxInstanceCount(params, data) * calculateOfmuxCapFreq(params, data));
+    return component(*this, params, data,
+                     getLutOfmuxInstanceCount(params, data) * calculateOfmuxCapFreq(params, data));
 }
 float Model::computeBypOfmuxComponent(Params& params, Data const& data) const {
-    return component(*this, params, data, getBypOfmuxInstanceCount(params, data) * calculateOfmuxCapFreq(params, data));
+    return component(*this, params, data,
+                     getBypOfmuxInstanceCount(params, data) * calculateOfmuxCapFreq(params, data));
 }
 float Model::computeLookaheadOfmuxComponent(Params& params, Data const& data) const {
-    return component(*this, params, data, getLookaheadOfmuxInstanceCount(params, data) * calculateOfmuxCapFreq(params, data));
+    return component(*this, params, data,
+                     getLookaheadOfmuxInstanceCount(params, data) * calculateOfmuxCapFreq(params, data));
 }
 float Model::computeOfmuxInstancePower(Params& params, Data const& data) const {
     int const muxes = getBypOfmuxInstanceCount(params, data) + getLookaheadOfmuxInstanceCount(params, data) +
@@ -201,15 +218,21 @@ float Model::computeLogicPower(Params& params, Data const& data) const {
     float const lookahead = calculateLookaheadInstancePower(params, data);
     std::string const type = getInstanceType(params, data);
     float perInstance = 0.0f;
-    if (startsWith(type, "REG", 3)) perInstance = reg;
-    else if (startsWith(type, "LUT", 3)) perInstance = lut;
-    else if (startsWith(type, "OFMUX", 5)) perInstance = ofmux;
-    else if (startsWith(type, "BYP", 3)) perInstance = byp;
-    else if (startsWith(type, "LOOKAHEAD", 9)) perInstance = lookahead;
+    if (startsWith(type, "REG", 3))
+        perInstance = reg;
+    else if (startsWith(type, "LUT", 3))
+        perInstance = lut;
+    else if (startsWith(type, "OFMUX", 5))
+        perInstance = ofmux;
+    else if (startsWith(type, "BYP", 3))
+        perInstance = byp;
+    else if (startsWith(type, "LOOKAHEAD", 9))
+        perInstance = lookahead;
     return static_cast<float>(getInstanceCount(params, data) * perInstance * 0.001);
 }
 
-// ---- The legacy estimator's figure -------------------------------------------------------------------------
+// ---- The legacy estimator's figure
+// -------------------------------------------------------------------------
 
 // The legacy estimator charges every pin of the table and every internal node at once.
 float Model::computeKpeLutPinCap(Params&, Data const& data) const {
@@ -243,8 +266,11 @@ float Model::computeKpeLogicPower(Params& params, Data const& data) const {
     float const write = calculateMemoryWriteComponent(params, data);
     std::string const type = getInstanceType(params, data);
     float perInstance = 0.0f;
-    if (type == "REG_FF") perInstance = reg;
-    else if (type == "LUT_LOGIC") perInstance = lut;
-    else if (type == "LUT_DRAM" || type == "LUT_SRL") perInstance = lut + write;
+    if (type == "REG_FF")
+        perInstance = reg;
+    else if (type == "LUT_LOGIC")
+        perInstance = lut;
+    else if (type == "LUT_DRAM" || type == "LUT_SRL")
+        perInstance = lut + write;
     return static_cast<float>(getInstanceCount(params, data) * perInstance * 0.001);
 }

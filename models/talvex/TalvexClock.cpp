@@ -37,10 +37,18 @@ Totals largerTotals(Model const& model, Model::Params& params, Model::Data const
 }  // namespace
 
 // Each _BASE count starts from the count of the current device.
-int Model::defaultNumFfsBase(Params& params, Data const& data) const { return getNumFfs(params, data); }
-int Model::defaultNumBramsBase(Params& params, Data const& data) const { return getNumBrams(params, data); }
-int Model::defaultNumUramsBase(Params& params, Data const& data) const { return getNumUrams(params, data); }
-int Model::defaultNumDspsBase(Params& params, Data const& data) const { return getNumDsps(params, data); }
+int Model::defaultNumFfsBase(Params& params, Data const& data) const {
+    return getNumFfs(params, data);
+}
+int Model::defaultNumBramsBase(Params& params, Data const& data) const {
+    return getNumBrams(params, data);
+}
+int Model::defaultNumUramsBase(Params& params, Data const& data) const {
+    return getNumUrams(params, data);
+}
+int Model::defaultNumDspsBase(Params& params, Data const& data) const {
+    return getNumDsps(params, data);
+}
 
 float Model::computeMaxHdist(Params& params, Data const& data) const {
     return static_cast<float>(getNumFsr(params, data));
@@ -75,8 +83,8 @@ float Model::computeSiteUtil(Params& params, Data const& data) const {
 
 // The sites that remain once the clocked block-RAM, UltraRAM and DSP sites are taken off; never negative.
 float Model::computeSlices(Params& params, Data const& data) const {
-    double const blocks = static_cast<double>(getBramsUsingClk(params, data)) + getUramsUsingClk(params, data) +
-                          getDspsUsingClk(params, data);
+    double const blocks = static_cast<double>(getBramsUsingClk(params, data)) +
+                          getUramsUsingClk(params, data) + getDspsUsingClk(params, data);
     double const slices = static_cast<double>(calculateSites(params, data)) - blocks;
     return slices >= 0.0 ? static_cast<float>(slices) : 0.0f;
 }
@@ -149,4 +157,6 @@ float Model::computeAvgCeFfGroupsPerSlice(Params& params, Data const& data) cons
     return static_cast<float>(share * 4);
 }
 
-std::string Model::computeBufType(Params&, Data const&) const { return "NO_BUFFER"; }
+std::string Model::computeBufType(Params&, Data const&) const {
+    return "NO_BUFFER";
+}

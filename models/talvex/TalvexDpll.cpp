@@ -11,7 +11,8 @@ namespace clocking = prsm::clocking;
 
 namespace {
 
-constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Model::Output::N2, Model::Output::N3};
+constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Model::Output::N2,
+                                      Model::Output::N3};
 
 }  // namespace
 
@@ -44,9 +45,9 @@ float Model::computeVccintBaseCurrent(Params&, Data const& data) const {
 
 // The loop and, when spread spectrum is "ON" (exactly), its modulator update at the phase-detector rate.
 float Model::computeVccintPfdClockCurrent(Params& params, Data const& data) const {
-    float const perMhz = data.getCommonData("IVCCINT_PFD_pMHz") +
-                         (getSpreadSpectrum(params, data) == "ON" ? data.getCommonData("IVCCINT_SPREAD_SPECTRUM_pMHz")
-                                                                  : 0.0f);
+    float const perMhz =
+        data.getCommonData("IVCCINT_PFD_pMHz") +
+        (getSpreadSpectrum(params, data) == "ON" ? data.getCommonData("IVCCINT_SPREAD_SPECTRUM_pMHz") : 0.0f);
     return perMhz * calculatePfdClock(params, data) +
            data.getCommonData("IVCCINT_INPUT_COUNTERS_pMHz") * getInputFrequency(params, data);
 }

@@ -10,8 +10,9 @@ namespace clocking = prsm::clocking;
 
 namespace {
 
-constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Model::Output::N2, Model::Output::N3,
-                                      Model::Output::N4, Model::Output::N5, Model::Output::N6};
+constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Model::Output::N2,
+                                      Model::Output::N3, Model::Output::N4, Model::Output::N5,
+                                      Model::Output::N6};
 
 }  // namespace
 
@@ -36,16 +37,19 @@ float Model::computeVccramClkoutCurrent(Params& params, Data const& data, Output
     int const divide = getClkoutDivide(params, data, member);
     if (divide == 1) return 0.0f;
     float const div = static_cast<float>(divide);
-    return (data.getCommonData("IVCCINT_INTERPOLATOR") * div + data.getCommonData("IVCCINT_OUTPUT_COUNTERS") * div +
+    return (data.getCommonData("IVCCINT_INTERPOLATOR") * div +
+            data.getCommonData("IVCCINT_OUTPUT_COUNTERS") * div +
             data.getCommonData("IVCCINT_OUTPUT_DRIVER")) *
            calculateClockout(params, data, member);
 }
 
 float Model::computeVccramClockfboutCurrent(Params& params, Data const& data) const {
     float const m = static_cast<float>(getMCounter(params, data));
-    float const spread = getSpreadSpectrum(params, data) == "ON" ? data.getCommonData("IVCCINT_SPREAD_SPECTRUM") : 0.0f;
-    return (data.getCommonData("IVCCINT_INTERPOLATOR") * m + data.getCommonData("IVCCINT_OUTPUT_COUNTERS") * m +
-            data.getCommonData("IVCCINT_OUTPUT_DRIVER") + spread) *
+    float const spread =
+        getSpreadSpectrum(params, data) == "ON" ? data.getCommonData("IVCCINT_SPREAD_SPECTRUM") : 0.0f;
+    return (data.getCommonData("IVCCINT_INTERPOLATOR") * m +
+            data.getCommonData("IVCCINT_OUTPUT_COUNTERS") * m + data.getCommonData("IVCCINT_OUTPUT_DRIVER") +
+            spread) *
            calculateClockfbout(params, data);
 }
 
@@ -71,7 +75,8 @@ float Model::computeVccauxIntCurrent(Params& params, Data const& data) const {
 }
 
 float Model::computeVccauxPwr(Params& params, Data const& data) const {
-    return data.getCommonData("FUDGE_FACTOR") * calculateVccauxIntCurrent(params, data) * getVccaux(params, data);
+    return data.getCommonData("FUDGE_FACTOR") * calculateVccauxIntCurrent(params, data) *
+           getVccaux(params, data);
 }
 
 // The VCCRAM power scales with the square of the rail voltage relative to the characterisation voltage.
@@ -79,5 +84,6 @@ float Model::computeVccramPwr(Params& params, Data const& data) const {
     float const simulated = data.getCommonData("VCCRAM_SIM");
     if (simulated == 0.0f) return 0.0f;
     float const vccram = getVccram(params, data);
-    return data.getCommonData("FUDGE_FACTOR") * calculateVccramIntCurrent(params, data) * vccram * (vccram / simulated);
+    return data.getCommonData("FUDGE_FACTOR") * calculateVccramIntCurrent(params, data) * vccram *
+           (vccram / simulated);
 }

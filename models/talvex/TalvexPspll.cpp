@@ -19,7 +19,9 @@ float Model::computeClockout(Params& params, Data const& data) const {
     return std::ldexp(calculateFvco(params, data), exponent == INT_MIN ? INT_MAX : -exponent);
 }
 
-std::vector<std::string> Model::validListClkoutDivideExp(Params&, Data const&) const { return {"0", "1", "2", "3"}; }
+std::vector<std::string> Model::validListClkoutDivideExp(Params&, Data const&) const {
+    return {"0", "1", "2", "3"};
+}
 
 // VCC_AUX: regulator and charge pump, and the VCO.
 float Model::computeVccAuxBaseCurrent(Params&, Data const& data) const {

@@ -11,18 +11,18 @@ namespace clocking = prsm::clocking;
 
 namespace {
 
-constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Model::Output::N2, Model::Output::N3};
+constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1, Model::Output::N2,
+                                      Model::Output::N3};
 
 }  // namespace
 
 // VCCINTIO: control logic, the VCO's digital share, phase detector and input divider, the output and
 // feedback counters and drivers, the PHY clock path.
 float Model::computeVccintioIntCurrent(Params& params, Data const& data) const {
-    float const parts = calculateVccintioBaseCurrent(params, data) +
-                        calculateVccintioVcoCurrent(params, data) +
-                        calculateVccintioPfdClockCurrent(params, data) +
-                        calculateVccintioClockfboutCurrent(params, data) +
-                        calculateVccintioXiphyClkCurrent(params, data);
+    float const parts =
+        calculateVccintioBaseCurrent(params, data) + calculateVccintioVcoCurrent(params, data) +
+        calculateVccintioPfdClockCurrent(params, data) + calculateVccintioClockfboutCurrent(params, data) +
+        calculateVccintioXiphyClkCurrent(params, data);
     return clocking::railCurrent(*this, params, data, parts, kOutputs, &Model::calculateVccintioClkoutCurrent,
                                  "FUDGE_FACTOR_INT");
 }

@@ -3,9 +3,13 @@
 
 using Model = PRSMTestSamplerModel;
 
-float Model::defaultScale(Params& params, Data const& data) const { return 2.0f * getRate(params, data); }
+float Model::defaultScale(Params& params, Data const& data) const {
+    return 2.0f * getRate(params, data);
+}
 
-float Model::defaultLaneLoad(Params& params, Data const& data, Lane) const { return getRate(params, data); }
+float Model::defaultLaneLoad(Params& params, Data const& data, Lane) const {
+    return getRate(params, data);
+}
 
 float Model::computeLanePower(Params& params, Data const& data, Lane lane) const {
     return getLaneLoad(params, data, lane) * data.getLaneCap(getMode(params, data), memberName(lane)) *
@@ -21,4 +25,6 @@ std::string Model::computeLabel(Params& params, Data const& data) const {
     return getMode(params, data) + ":" + std::to_string(getCount(params, data));
 }
 
-int Model::computeCountOut(Params& params, Data const& data) const { return 2 * getCount(params, data); }
+int Model::computeCountOut(Params& params, Data const& data) const {
+    return 2 * getCount(params, data);
+}

@@ -6,10 +6,10 @@
 
 #include "TestData.h"
 
+#include <gtest/gtest.h>
 #include <boost/filesystem.hpp>
 #include <boost/iostreams/filter/gzip.hpp>
 #include <boost/iostreams/filtering_stream.hpp>
-#include <gtest/gtest.h>
 
 #include <fstream>
 #include <libconfig.h++>
@@ -52,7 +52,7 @@ TEST(Data, SearchPathTakesTheFirstDirectoryHoldingTheFile) {
     PRSMTestSamplerData const data;
     EXPECT_EQ(data.getLaneCap("ONLY", "A"), 7.0f);  // an integer leaf loads into a float table
     EXPECT_EQ(data.getDropdownLists("MODES"), std::vector<std::string>{"ONLY"});
-    EXPECT_TRUE(data.m_AbsentTable.empty());        // a table the file lacks stays empty
+    EXPECT_TRUE(data.m_AbsentTable.empty());  // a table the file lacks stays empty
     EXPECT_THROW(data.getAbsentTable("x"), PRSMException);
     EXPECT_EQ(data.getLaneCapOrError("ONLY", "B"), FLT_MAX);
     std::vector<std::string> keys{"old"};
@@ -72,7 +72,8 @@ TEST(Data, UnsetDataDirectoryIsALogicError) {
 
 TEST(Data, FlattenedKeysJoinTheGroupsBelowTheTable) {
     libconfig::Config cfg;
-    cfg.readString("TOP = { TABLE = { a = { b = { c = 3; d = 1.5; }; }; e = 2; }; LIST = { x = (1, \"y\"); }; };");
+    cfg.readString(
+        "TOP = { TABLE = { a = { b = { c = 3; d = 1.5; }; }; e = 2; }; LIST = { x = (1, \"y\"); }; };");
     std::vector<std::string> path{"TOP", "TABLE"};
     std::unordered_map<std::string, float> values;
     EXPECT_TRUE(PRSMHelperUtils::loadCfgDataToVar(&cfg, path, values, true));
@@ -103,7 +104,10 @@ TEST(Data, ProtectedAndBrokenFiles) {
     dir.writeGzip(kSmall);
     EXPECT_EQ(PRSMTestSamplerData().getLaneCap("ONLY", "A"), 7.0f);
 
-    dir.write(std::string("\x7f" "ELF\0\0binary", 12));
+    dir.write(
+        std::string("\x7f"
+                    "ELF\0\0binary",
+                    12));
     testing::internal::CaptureStderr();
     EXPECT_THROW(PRSMTestSamplerData(), PRSMException);
     std::string const refused = testing::internal::GetCapturedStderr();

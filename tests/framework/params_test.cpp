@@ -17,9 +17,10 @@ TEST(Params, EnumerationsAndListsAgree) {
     EXPECT_EQ(Params::COUNT, 1);
     EXPECT_EQ(Params::COUNT_OUT, 4);
     EXPECT_EQ(Params::LastInt, 10);
-    EXPECT_STREQ(Params::StringEnumList,
-                 "FirstUIString, MODE,LastUIString, FirstMOString, LABEL,LastMOString, FirstICString, LastICString, "
-                 "LastString");
+    EXPECT_STREQ(
+        Params::StringEnumList,
+        "FirstUIString, MODE,LastUIString, FirstMOString, LABEL,LastMOString, FirstICString, LastICString, "
+        "LastString");
     EXPECT_EQ(Params::LastString, 8);  // the empty intermediate category still owns its two markers
     EXPECT_EQ(Params::enum_to_string(Params::FirstICString), "FirstICString");
     EXPECT_EQ(Params::enum_to_string(Params::LastString), "StringError");
@@ -57,10 +58,10 @@ TEST(Params, SentinelsAndResetRanges) {
     for (int i = 0; i < Params::LastString; ++i) p[static_cast<Params::StringEnum>(i)] = "x";
     p.resetUserInputs();
     EXPECT_EQ(p[Params::FirstUIInt], INT_MAX);
-    EXPECT_EQ(p[Params::LastUIInt], INT_MAX);      // ints: both markers included
+    EXPECT_EQ(p[Params::LastUIInt], INT_MAX);  // ints: both markers included
     EXPECT_EQ(p[Params::FirstMOInt], 1);
     EXPECT_EQ(p[Params::FirstUIFloat], FLT_MAX);
-    EXPECT_EQ(p[Params::LastUIFloat], 1.0f);       // floats and strings stop before the closing marker
+    EXPECT_EQ(p[Params::LastUIFloat], 1.0f);  // floats and strings stop before the closing marker
     EXPECT_EQ(p[Params::LastUIString], "x");
     p.resetModelOutputs();
     EXPECT_EQ(p[Params::COUNT_OUT], INT_MAX);

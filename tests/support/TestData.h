@@ -8,8 +8,12 @@
 
 namespace prsm::test {
 
-inline std::string testDataDir() { return PRSM_TEST_DATADIR; }
-inline std::string shippedDataDir() { return PRSM_SHIPPED_DATADIR; }
+inline std::string testDataDir() {
+    return PRSM_TEST_DATADIR;
+}
+inline std::string shippedDataDir() {
+    return PRSM_SHIPPED_DATADIR;
+}
 
 // Points QDI_DATADIR elsewhere for one scope. Data singletons keep what they loaded first, so a test
 // that needs other data builds its own data object inside the scope.
@@ -24,8 +28,10 @@ public:
     ScopedDataDir(ScopedDataDir const&) = delete;
     ScopedDataDir& operator=(ScopedDataDir const&) = delete;
     ~ScopedDataDir() {
-        if (m_wasSet) ::setenv("QDI_DATADIR", m_previous.c_str(), 1);
-        else ::unsetenv("QDI_DATADIR");
+        if (m_wasSet)
+            ::setenv("QDI_DATADIR", m_previous.c_str(), 1);
+        else
+            ::unsetenv("QDI_DATADIR");
     }
 
 private:

@@ -37,7 +37,7 @@ TEST_F(CleLogic, LayoutMatchesTheDeclaredCells) {
     p[Params::LastICInt] = 7;
     p.resetUserInputs();
     p.resetIntermediateCalculations();
-    EXPECT_EQ(p[Params::LastUIFloat], 1.0f);  // float ranges stop before the closing marker
+    EXPECT_EQ(p[Params::LastUIFloat], 1.0f);   // float ranges stop before the closing marker
     EXPECT_EQ(p[Params::LastICInt], INT_MAX);  // int ranges include it
     EXPECT_EQ(Params::enum_to_string(Params::A6_PIN_COMPONENT), "A6_PIN_COMPONENT");
     EXPECT_EQ(Params::string_to_string_enum("INSTANCE_TYPE"), Params::INSTANCE_TYPE);
@@ -99,7 +99,7 @@ TEST_F(CleLogic, EachInstanceTypeChoosesItsOwnFigure) {
     model.calculate(q);
     EXPECT_NEAR(q[Params::LOOKAHEAD_INSTANCE_POWER], 0.05f, 1e-6);  // 10 x (1+2+3+4) x 0.0005
     EXPECT_NEAR(q[Params::LOOKAHEAD_POWER], 0.057f, 1e-6);          // plus 2 x 10 x 0.7 x 0.0005
-    EXPECT_NEAR(q[Params::OFMUX_INSTANCE_POWER], 0.014f, 1e-6);      // (1+2+1) muxes
+    EXPECT_NEAR(q[Params::OFMUX_INSTANCE_POWER], 0.014f, 1e-6);     // (1+2+1) muxes
     EXPECT_NEAR(q[Params::LOGIC_POWER], 0.05e-3f, 1e-9);
     q[Params::INSTANCE_TYPE] = "BYP";
     model.calculate(q);

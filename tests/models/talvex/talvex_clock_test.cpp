@@ -41,7 +41,8 @@ TEST(TalvexClock, DefaultDevice) {
     EXPECT_EQ(p[Params::LEAF_1_COUNT], 20);
     EXPECT_EQ(p[Params::NUM_CLOCKED_SLICES], 1000);
     EXPECT_EQ(p[Params::NON_CLE_SITE_FANOUT], 0);
-    EXPECT_EQ(Model::getGlobal().calculateValidValuesDesignState(p, Data::getGlobal()), "SYNTHESIZED,PLACED,ROUTED");
+    EXPECT_EQ(Model::getGlobal().calculateValidValuesDesignState(p, Data::getGlobal()),
+              "SYNTHESIZED,PLACED,ROUTED");
 }
 
 TEST(TalvexClock, NetworkReachFollowsSiteUtilisation) {
@@ -63,8 +64,8 @@ TEST(TalvexClock, NetworkReachFollowsSiteUtilisation) {
     EXPECT_FLOAT_EQ(p[Params::TOTAL_SITES], 2000.0f);
     EXPECT_FLOAT_EQ(p[Params::MAX_LEAFS], 66.875f);
     EXPECT_NEAR(p[Params::HDIST_UTIL], 0.292893f, 1e-6);  // 1 - 0.5^0.5
-    EXPECT_EQ(p[Params::HD_COUNT], 2);                   // 2.93
-    EXPECT_EQ(p[Params::LEAF_1_COUNT], 19);              // 19.59
+    EXPECT_EQ(p[Params::HD_COUNT], 2);                    // 2.93
+    EXPECT_EQ(p[Params::LEAF_1_COUNT], 19);               // 19.59
 }
 
 TEST(TalvexClock, GuardsAndSliceShares) {

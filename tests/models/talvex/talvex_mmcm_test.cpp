@@ -25,7 +25,9 @@ using Data = PRSMTalvexMmcmData;
 
 constexpr double kTol = 1e-5;  // relative
 
-void expectRel(double actual, double expected) { EXPECT_NEAR(actual, expected, std::abs(expected) * kTol); }
+void expectRel(double actual, double expected) {
+    EXPECT_NEAR(actual, expected, std::abs(expected) * kTol);
+}
 
 TEST(TalvexMmcm, DefaultsAgainstHandDerivation) {
     Params p;
@@ -98,15 +100,19 @@ TEST(TalvexMmcm, RangeBoundsOfEveryValidityCell) {
     for (int n = 0; n < 7; ++n) ranges.push_back({"CLKOUT" + std::to_string(n) + "_DIVIDE", 2, 432});
     for (Range const& r : ranges) {
         auto const cell = Params::string_to_int_enum(r.input);
-        for (auto [value, valid] : {std::pair{r.lo, 1}, {r.hi, 1}, {r.lo - 1, 0}, {r.hi + 1, 0}, {-r.hi, 0}}) {
+        for (auto [value, valid] :
+             {std::pair{r.lo, 1}, {r.hi, 1}, {r.lo - 1, 0}, {r.hi + 1, 0}, {-r.hi, 0}}) {
             Params p;
             p[cell] = value;
-            EXPECT_EQ(model.intDispatchTable(p, data, "IS_VALID_" + r.input), valid) << r.input << " = " << value;
+            EXPECT_EQ(model.intDispatchTable(p, data, "IS_VALID_" + r.input), valid)
+                << r.input << " = " << value;
             EXPECT_EQ(p[cell], value) << "never clamped";
         }
         Params p;
-        EXPECT_EQ(model.floatDispatchTable(p, data, "GET_MIN_" + r.input), static_cast<float>(r.lo)) << r.input;
-        EXPECT_EQ(model.floatDispatchTable(p, data, "GET_MAX_" + r.input), static_cast<float>(r.hi)) << r.input;
+        EXPECT_EQ(model.floatDispatchTable(p, data, "GET_MIN_" + r.input), static_cast<float>(r.lo))
+            << r.input;
+        EXPECT_EQ(model.floatDispatchTable(p, data, "GET_MAX_" + r.input), static_cast<float>(r.hi))
+            << r.input;
     }
     for (auto [value, valid] : {std::pair{10.0f, 1}, {500.0f, 1}, {9.99f, 0}, {500.01f, 0}}) {
         Params p;

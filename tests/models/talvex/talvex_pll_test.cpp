@@ -30,8 +30,10 @@ void expectLimits(std::vector<Limit> const& limits, float step = 1.0f) {
         EXPECT_EQ(model.floatDispatchTable(p, data, "GET_MAX_" + name), l.hi) << name;
         for (auto [value, valid] : {std::pair{l.lo, 1}, {l.hi, 1}, {l.lo - step, 0}, {l.hi + step, 0}}) {
             Params q;
-            if (name == "INPUT_FREQUENCY") q[Params::INPUT_FREQUENCY] = value;
-            else q[Params::string_to_int_enum(name)] = static_cast<int>(value);
+            if (name == "INPUT_FREQUENCY")
+                q[Params::INPUT_FREQUENCY] = value;
+            else
+                q[Params::string_to_int_enum(name)] = static_cast<int>(value);
             EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_" + name), valid) << name << " = " << value;
         }
     }
@@ -54,8 +56,11 @@ TEST(TalvexPll, DpllDefaultsLimitsAndMagnitudes) {
     EXPECT_LT(p[Params::VCCINT_PWR], 30e-3f);
     EXPECT_GT(p[Params::VCCRAM_PWR], 0.0f);
     EXPECT_LT(p[Params::VCCRAM_PWR], p[Params::VCCINT_PWR]);
-    expectLimits<PRSMTalvexDpllModel>({{"INPUT_FREQUENCY", 10, 1150}, {"D_COUNTER", 1, 115}, {"M_COUNTER", 10, 400},
-                                       {"CLKOUT0_DIVIDE", 2, 400}, {"CLKOUT3_DIVIDE", 2, 400}});
+    expectLimits<PRSMTalvexDpllModel>({{"INPUT_FREQUENCY", 10, 1150},
+                                       {"D_COUNTER", 1, 115},
+                                       {"M_COUNTER", 10, 400},
+                                       {"CLKOUT0_DIVIDE", 2, 400},
+                                       {"CLKOUT3_DIVIDE", 2, 400}});
     // Spread spectrum adds to the VCCINT current; a divide of 1 removes an output's currents.
     Params q;
     q[Params::SPREAD_SPECTRUM] = "ON";
@@ -93,7 +98,9 @@ void expectIoPll() {
     expectLimits<Model>({{"INPUT_FREQUENCY", 100, 667.5f}}, 0.5f);
 }
 
-TEST(TalvexPll, XpllDefaultsLimitsAndMagnitudes) { expectIoPll<PRSMTalvexXpllModel>(); }
+TEST(TalvexPll, XpllDefaultsLimitsAndMagnitudes) {
+    expectIoPll<PRSMTalvexXpllModel>();
+}
 
 TEST(TalvexPll, X5PllDefaultsLimitsAndMagnitudes) {
     expectIoPll<PRSMTalvexX5PllModel>();
@@ -118,8 +125,11 @@ TEST(TalvexPll, PspllDefaultsLimitsAndMagnitudes) {
     EXPECT_LT(p[Params::VCC_AUX_CURRENT], 20e-3f);
     EXPECT_GT(p[Params::VCCINT_CURRENT], 0.5e-3f);
     EXPECT_LT(p[Params::VCCINT_CURRENT], 20e-3f);
-    EXPECT_EQ(model.calculateValidValuesClkoutDivideExp(p, PRSMTalvexPspllModel::Data::getGlobal()), "0,1,2,3");
-    expectLimits<PRSMTalvexPspllModel>({{"INPUT_FREQUENCY", 10, 500}, {"D_COUNTER", 1, 12}, {"M_COUNTER", 36, 180},
+    EXPECT_EQ(model.calculateValidValuesClkoutDivideExp(p, PRSMTalvexPspllModel::Data::getGlobal()),
+              "0,1,2,3");
+    expectLimits<PRSMTalvexPspllModel>({{"INPUT_FREQUENCY", 10, 500},
+                                        {"D_COUNTER", 1, 12},
+                                        {"M_COUNTER", 36, 180},
                                         {"CLKOUT_DIVIDE_EXP", 0, 3}});
     // An exponent of 4 is reported invalid and still divides by 16.
     p[Params::CLKOUT_DIVIDE_EXP] = 4;
