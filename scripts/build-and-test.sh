@@ -24,4 +24,4 @@ cmake -S tests/install -B build/consumer -DCMAKE_PREFIX_PATH="$PWD/build/stage" 
 cmake --build build/consumer -j"$jobs" >/dev/null
 QDI_DATADIR="$PWD/build/stage/share/prsm" build/consumer/prsm_consumer
 PKG_CONFIG_PATH="$PWD/build/stage/lib/pkgconfig" pkg-config --exists prsm
-echo "1 passed, 0 failed: installed package"
+echo "installed: 1 passed, 0 failed"
