@@ -7,6 +7,7 @@
 // against the characterisation voltage of 0.88 V.
 #include <prsm/models/talvex/PRSMTalvexNocModel.h>
 
+#include <prsm/framework/PRSMCellSupport.h>
 #include <prsm/framework/PRSMConfigHelpers.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
@@ -32,12 +33,6 @@ constexpr double kFlitsPerByte = 0.0625;
 int deviceCount(Model::Data const& data, std::string const& device, std::string const& path,
                 char const* column) {
     return IFERROR(data.getDeviceDataOrError(device, path, column), 0);
-}
-
-// The coefficient of one unit: the NOC2_ key on the second-generation network, else the plain one. A
-// coefficient the file lacks is an error of the data, reported as a missing key.
-float coefficient(Model::Data const& data, int noc2, char const* noc2Key, char const* key) {
-    return data.getCommonData(noc2 == 1 ? noc2Key : key);
 }
 
 // Gb/s of one direction: MB/s times 8/1000, plus `overhead` flits for every `size`-byte transaction.
@@ -94,31 +89,18 @@ int Model::defaultNumClkBuffersPerPath(Params& params, Data const& data) const {
 // ---- Coefficients ----
 
 float Model::computeClkData(Params& params, Data const& data) const {
-    return coefficient(data, calculateNoc2Device(params, data), "NOC2_CLK_DYANMIC", "NOC_CLK_DYANMIC");
+    // The clock keys are spelled with the letters transposed. A coefficient the file lacks is an error of
+    // the data, reported as a missing key.
+    return data.getCommonData(calculateNoc2Device(params, data) == 1 ? "NOC2_CLK_DYANMIC"
+                                                                     : "NOC_CLK_DYANMIC");
 }
 
-float Model::computeNmuData(Params& params, Data const& data) const {
-    return coefficient(data, calculateNoc2Device(params, data), "NOC2_NMU_DYNAMIC", "NMU_DYNAMIC");
-}
-
-float Model::computeNsuData(Params& params, Data const& data) const {
-    return coefficient(data, calculateNoc2Device(params, data), "NOC2_NSU_DYNAMIC", "NSU_DYNAMIC");
-}
-
-float Model::computeNpsData(Params& params, Data const& data) const {
-    return coefficient(data, calculateNoc2Device(params, data), "NOC2_NPS_DYNAMIC", "NPS_DYNAMIC");
-}
-
-float Model::computeNps6Data(Params& params, Data const& data) const {
-    return coefficient(data, calculateNoc2Device(params, data), "NOC2_NPS6_DYNAMIC", "NPS6_DYNAMIC");
-}
-
-float Model::computeNcrbData(Params& params, Data const& data) const {
-    return coefficient(data, calculateNoc2Device(params, data), "NOC2_NCRB_DYNAMIC", "NCRB_DYNAMIC");
-}
-
-float Model::computeNidbData(Params& params, Data const& data) const {
-    return coefficient(data, calculateNoc2Device(params, data), "NOC2_NIDB_DYNAMIC", "NIDB_DYNAMIC");
+// A unit's coefficient: NOC2_<UNIT>_DYNAMIC on the second-generation network, else <UNIT>_DYNAMIC.
+float Model::computeData(Params& params, Data const& data, Unit unit) const {
+    std::string_view const name = memberName(unit);
+    return calculateNoc2Device(params, data) == 1
+               ? data.getCommonData(prsm::concatKey("NOC2_", name, "_DYNAMIC"))
+               : data.getCommonData(prsm::concatKey(name, "_DYNAMIC"));
 }
 
 // ---- Path power ----
@@ -137,28 +119,23 @@ float Model::computeRawBw(Params& params, Data const& data) const {
     return static_cast<float>(read + write);
 }
 
-float Model::computeNmuPwr(Params& params, Data const& data) const {
-    return calculateNmuData(params, data) * calculateRawBw(params, data);
-}
-
-float Model::computeNsuPwr(Params& params, Data const& data) const {
-    return calculateNsuData(params, data) * calculateRawBw(params, data);
-}
-
-float Model::computeNpsPwr(Params& params, Data const& data) const {
-    return calculateNpsData(params, data) * (getNumSwitches(params, data) * calculateRawBw(params, data));
-}
-
-float Model::computeNps6Pwr(Params& params, Data const& data) const {
-    return calculateNps6Data(params, data) * (getNumNps6(params, data) * calculateRawBw(params, data));
-}
-
-float Model::computeNidbPwr(Params& params, Data const& data) const {
-    return calculateNidbData(params, data) * (getNumNidb(params, data) * calculateRawBw(params, data));
-}
-
-float Model::computeNcrbPwr(Params& params, Data const& data) const {
-    return calculateNcrbData(params, data) * (getNumNcrb(params, data) * calculateRawBw(params, data));
+// The master and slave units are crossed once per path; switches and bridges as many times as the
+// path crosses them.
+float Model::computePwr(Params& params, Data const& data, Unit unit) const {
+    float const coefficientOfUnit = calculateData(params, data, unit);
+    float const bandwidth = calculateRawBw(params, data);
+    switch (unit) {
+        case Unit::NPS:
+            return coefficientOfUnit * (getNumSwitches(params, data) * bandwidth);
+        case Unit::NPS6:
+            return coefficientOfUnit * (getNumNps6(params, data) * bandwidth);
+        case Unit::NIDB:
+            return coefficientOfUnit * (getNumNidb(params, data) * bandwidth);
+        case Unit::NCRB:
+            return coefficientOfUnit * (getNumNcrb(params, data) * bandwidth);
+        default:
+            return coefficientOfUnit * bandwidth;
+    }
 }
 
 float Model::computeTotalPathPwr(Params& params, Data const& data) const {
