@@ -103,6 +103,9 @@ def header(sheet: Sheet) -> str:
                            f"{cell.family.name} member) const;")
     if family_lines:
         public += ["", "    // Families: the cell of one member."] + family_lines
+    if sheet.methods:
+        public += ["", "    // Written by hand beside the sheet's table."]
+        public += [f"    {m}{SIG};" for m in sheet.methods]
     public += ["", "    // Validity of the inputs that have a rule, and the choices of those with a list."]
     for name, inp in plan.validated.items():
         public.append(f"    bool calculateIsValid{inp.cell.camel}{SIG};")

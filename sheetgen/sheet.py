@@ -169,6 +169,7 @@ class Sheet:
     calculate: list[str]
     formulas: dict[str, "Delegate"] = field(default_factory=dict)  # pattern or cell -> shared formula
     formula_header: str | None = None
+    methods: list[str] = field(default_factory=list)  # "type name": hand-written public members
 
     @property
     def prefix(self) -> str:
@@ -199,7 +200,8 @@ def _cells(doc: dict) -> tuple[dict, dict]:
             members = []
             for pattern in section.get(cat, []):
                 for name in expand(pattern):
-                    if not re.fullmatch(r"[A-Z][A-Z0-9_]*", name):
+                    # Upper case, except for unit suffixes such as the capacitor values of 0p1uF.
+                    if not re.fullmatch(r"[A-Z][A-Za-z0-9_]*", name):
                         raise SheetError(f"cell name {name!r} is not UPPER_SNAKE_CASE")
                     if name in by_name:
                         raise SheetError(f"cell {name} declared twice")
@@ -305,10 +307,14 @@ def load(path: Path, source_root: Path) -> Sheet:
     has_model = meta.get("model", True)
     if tables and not meta.get("data_file"):
         raise SheetError("sheet.data_file is required when the sheet has tables")
+    methods = meta.get("methods", [])
+    for method in methods:
+        if not re.fullmatch(r"(int|float|std::string|bool) [a-z]\w*", method):
+            raise SheetError(f"sheet.methods: {method!r} is not 'type name'")
     subdir = path.parent.resolve().relative_to(source_root.resolve()).as_posix()
     return Sheet(path.stem, subdir, meta.get("description", ""), meta.get("data_file"), has_model,
                  cells, by_name, inputs, constants, families, tables, load_order, calculate, formulas,
-                 meta.get("formula_header"))
+                 meta.get("formula_header"), methods)
 
 
 def _read_input(inp: Input, entry: dict, tables: list[Table]) -> None:
