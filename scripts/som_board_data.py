@@ -7,8 +7,8 @@
 Run from anywhere: python3 scripts/som_board_data.py [--out DIR]. Standard library only.
 
 Efficiency tables. Every switching regulator output gets a row for every key its load can round to
-(the sheets round a buck's load to 10 mA below 200 mA, 25 mA below 1000 mA and 100 mA above; the power
-module's outputs to 10 mA below 50 mA and 50 mA above; the single and dual regulators to 50 mA), from 0
+(the sheets round a buck's load to 10 mA below 200 mA, 25 mA below 1000 mA and 100 mA above; the MPS3805A
+outputs to 10 mA below 50 mA and 50 mA above; the DA9130 and DA9131 to 50 mA), from 0
 to well beyond the output's rating. The figures follow a converter loss model
 
     efficiency(I) = V I / (V I + P0 + k I + R I^2)

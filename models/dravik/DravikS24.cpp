@@ -2,7 +2,7 @@
 // part, at what voltage and rating. The rules themselves are those of the larger board
 // (SomFormulas.h).
 //
-// Regulators: the multi-output regulator's four bucks and four linear outputs, and the dual regulator
+// Regulators: the DA9062's four bucks and four LDOs, and the DA9131's two channels
 // for the processor core (with the logic's 0.85 V supplies and the processor-side transceiver core on
 // the same output) and the device's core. The LPDDR4 memory has no termination rail.
 #include <prsm/models/dravik/PRSMDravikS24Model.h>

@@ -2,10 +2,10 @@
 // part, at what voltage and rating. The rules themselves (load keys, efficiency fallback, losses,
 // over-limit power, the linear outputs' draw, memory and storage loads) are in SomFormulas.h.
 //
-// Regulators: the multi-output regulator's four bucks and four linear outputs, the single-output
-// regulator for the device's core, the dual regulator for the processor core and the video codec, the
-// power module's two outputs for the processor-side transceiver core and the transceiver termination,
-// and the memory termination regulator.
+// Regulators: the DA9062's four bucks and four LDOs, the DA9130 for the device's core, the
+// DA9131's two channels for the processor core and the video codec, the MPS3805A's two outputs for
+// the processor-side transceiver core and the transceiver termination, and the TPS51200 for the
+// memory termination.
 #include <prsm/models/dravik/PRSMDravikS26Model.h>
 
 #include <prsm/models/dravik/SomFormulas.h>
@@ -153,7 +153,7 @@ float Model::computeRegLoadCalc(Params& params, Data const& data, Rail rail) con
         case Rail::VCC_PS_0V85:
             return getFpgaVccPsintfpCurrent(params, data) + getFpgaVccPsintlpCurrent(params, data) +
                    getFpgaVccPsintfpDdrCurrent(params, data);
-        case Rail::VCC_PS_1V20:  // also the termination regulator's input
+        case Rail::VCC_PS_1V20:  // also the input of the termination output
             return getFpgaVccoPsddr504Current(params, data) + getFpgaVccPspllCurrent(params, data) +
                    getFpgaVccPsbattCurrent(params, data) + getFpgaVcco12Current(params, data) +
                    calculateLoad(params, data, Part::DDR4_VDD) +
@@ -265,7 +265,7 @@ float Model::computePowerCalc(Params& params, Data const& data, Total total) con
             return loss(*this, params, data, Converter::MPM_A);
         case Total::MPS3805A_B:
             return loss(*this, params, data, Converter::MPM_B);
-        case Total::TPS51200DRCT:  // a linear regulator from the 1.2 V rail
+        case Total::TPS51200DRCT:  // the termination current's drop from the 1.2 V rail
             return calculateRegLoad(params, data, Rail::DDR4VTT_0V60) * (kDdrVddVolts - kDdrVttVolts);
         case Total::TOTAL_SOM:
             return calculatePower(params, data, Total::FPGA) + calculatePower(params, data, Total::DDR4) +

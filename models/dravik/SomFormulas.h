@@ -47,7 +47,7 @@ float takeOver(Model const& model, ParamsOf<Model>& params, DataOf<Model> const&
 // How a regulator's load is rounded to the rows of its efficiency table.
 enum class LoadSteps {
     Buck,    // 10 mA below 200 mA, 25 mA below 1000 mA, 100 mA from 1000 mA on
-    Module,  // the power module's outputs: 10 mA below 50 mA, 50 mA from 50 mA on
+    Module,  // the MPS3805A outputs: 10 mA below 50 mA, 50 mA from 50 mA on
     Fifty,   // 50 mA at any load
 };
 
@@ -100,7 +100,7 @@ inline float overLimit(float amperes, float ratingAmperes, float volts) {
     return PRSMHelperUtils::MAX(amperes - ratingAmperes, 0.0f) * volts * 1000.0f;
 }
 
-// ---- The multi-output regulator's linear outputs and its 3.3 V buck ----
+// ---- The DA9062's LDOs and its 3.3 V buck ----
 
 // What the 1.8 V transceiver-termination output draws, in W: its output power times 1.7777777 (the
 // float nearest 16/9).
@@ -142,7 +142,7 @@ float buck3Load(Model const& model, ParamsOf<Model>& params, DataOf<Model> const
     return model.calculateDa9062Buck3LoadPower(params, data) / kBuck3Volts;
 }
 
-// The multi-output regulator's dissipation: the four bucks' losses, DA9062_LDO1_POWER (which takes over
+// The DA9062's dissipation: the four bucks' losses, DA9062_LDO1_POWER (which takes over
 // the first linear output's input draw) and the drop of the other three linear outputs, their input
 // draw less their output power.
 template <typename Model>

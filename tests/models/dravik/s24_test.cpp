@@ -31,8 +31,8 @@ protected:
 
 TEST_F(S24, CellsDifferFromTheLargerBoardOnlyWhereTheBoardsDiffer) {
     using Large = PRSMDravikS26Params;
-    // What the smaller board lacks: the single-output core regulator, the power module, the memory
-    // termination, the video codec supply, and the DDR4 total.
+    // What the smaller board lacks: the DA9130, the MPS3805A, the TPS51200, the video codec supply, and the
+    // DDR4 total.
     for (char const* name :
          {"DA9130_OVERLIMIT", "DA9130_POWER", "DA9130_EFFICIENCY", "MPS3805A_A_OVERLIMIT", "MPS3805A_B_POWER",
           "MPM_A_EFFICIENCY", "TPS51200DRCT_OVERLIMIT", "TPS51200DRCT_POWER", "FPGA_VCCINT_VCU_CURRENT",

@@ -59,7 +59,7 @@ TEST_F(S26, LoadKeysFollowEachRegulatorsSteps) {
     model.calculate(q);
     EXPECT_EQ(q[Params::DA9062_BUCK2_LOAD_KEY_STRING], "KEY_LOAD_190");
 
-    // Power module: 10 mA below 50 mA, 50 mA from there on.
+    // MPS3805A: 10 mA below 50 mA, 50 mA from there on.
     auto const mpmA = [this](float amperes) {
         return keyWith(Params::FPGA_VPS_MGTRAFPGA_VCC_CURRENT, amperes, Params::MPM_A_LOAD_KEY);
     };
@@ -69,7 +69,7 @@ TEST_F(S26, LoadKeysFollowEachRegulatorsSteps) {
     EXPECT_EQ(mpmA(0.076f), "LOAD_100");
     EXPECT_EQ(keyWith(Params::FPGA_MGTAVTT_CURRENT, 0.012f, Params::MPM_B_LOAD_KEY), "LOAD_10");
 
-    // Single and dual regulator: 50 mA at any load.
+    // DA9130 and DA9131: 50 mA at any load.
     auto const da9130 = [this](float amperes) {
         return keyWith(Params::FPGA_VCCINT_CURRENT, amperes, Params::DA9130_LOAD_KEY);
     };
@@ -100,7 +100,7 @@ TEST_F(S26, EfficiencyFromTheTableOrHalfAndTheLossItGives) {
     EXPECT_FLOAT_EQ(with(Params::FPGA_VCCINT_CURRENT, 7.0f, Params::DA9130_EFFICIENCY), 0.5f);
     EXPECT_NEAR(with(Params::FPGA_VCCINT_CURRENT, 7.0f, Params::DA9130_POWER), 5.04f, 1e-5);
 
-    // Dual regulator, 2 A on each channel: 1.7 W at 0.85 is 0.3 W lost, 1.8 W at 0.9 is 0.2 W.
+    // DA9131, 2 A on each channel: 1.7 W at 0.85 is 0.3 W lost, 1.8 W at 0.9 is 0.2 W.
     p[Params::FPGA_VCC_PSINTFP_CURRENT] = 2.0f;
     p[Params::FPGA_VCCINT_VCU_CURRENT] = 2.0f;
     model.calculate(p);
@@ -108,7 +108,7 @@ TEST_F(S26, EfficiencyFromTheTableOrHalfAndTheLossItGives) {
     EXPECT_FLOAT_EQ(p[Params::DA9131_CH1_EFFICIENCY], 0.85f);
     EXPECT_FLOAT_EQ(p[Params::DA9131_CH2_EFFICIENCY], 0.9f);
 
-    // Power module at 0.3 A: 0.255 W at 0.75 loses 0.085 W; 0.36 W at 0.6 loses 0.24 W.
+    // MPS3805A outputs at 0.3 A: 0.255 W at 0.75 loses 0.085 W; 0.36 W at 0.6 loses 0.24 W.
     EXPECT_NEAR(with(Params::FPGA_VPS_MGTRAFPGA_VCC_CURRENT, 0.3f, Params::MPS3805A_A_POWER), 0.085f, 1e-6);
     EXPECT_NEAR(with(Params::FPGA_MGTAVTT_CURRENT, 0.3f, Params::MPS3805A_B_POWER), 0.24f, 1e-6);
 
@@ -236,7 +236,7 @@ TEST_F(S26, MemoryStorageAndTotals) {
     p[Params::FPGA_VCCO15_CURRENT] = 0.2f;
     model.calculate(p);
     EXPECT_NEAR(p[Params::FPGA_POWER], 1.02f, 1e-6);
-    // The memory termination: none in this file, so no power in its linear regulator.
+    // The memory termination: none in this file, so no TPS51200 power.
     EXPECT_EQ(p[Params::TPS51200DRCT_POWER], 0.0f);
 }
 
