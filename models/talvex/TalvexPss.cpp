@@ -310,10 +310,16 @@ float Model::computeDynamicMioPower(Params& params, Data const& data, Mio member
 
 namespace {
 // The bank-side power of an interface when its bank runs at `voltage`, else 0. The Ethernet pins' bias
-// is kept in GEM<n>_BIAS; the low-speed peripherals' is added here.
+// is kept in GEM<n>_BIAS (evaluated either way, so that the cell shows its figure); the low-speed
+// peripherals' is added here.
 float bankPart(Model const& model, Model::Params& params, Model::Data const& data, Model::MioPart member,
                BankVoltage voltage) {
     MioWiring const& mio = mioOf(member);
+    bool const lowSpeed = member == Model::MioPart::LPD_LOW_PER_IO_DYNAMIC_MIO;
+    float const ethernetBias = member == Model::MioPart::LPD_GEM0_MIO ? model.calculateGem0Bias(params, data)
+                               : member == Model::MioPart::LPD_GEM1_MIO
+                                   ? model.calculateGem1Bias(params, data)
+                                   : 0.0f;
     if (bankVoltage((model.*mio.voltage)(params, data)) != voltage) return 0.0f;
     prsm::ps::Pins const pins = pinsOf(model, params, data, mio.pins);
     if (pins.total() == 0) return 0.0f;
@@ -321,18 +327,9 @@ float bankPart(Model const& model, Model::Params& params, Model::Data const& dat
         return static_cast<double>(data.getPssData(key));
     };
     prsm::ps::BankSideCoefficients const k = prsm::ps::bankSideCoefficients(voltage, coefficient);
-    double power = prsm::ps::bankSidePower(pins, k, (model.*mio.frequency)(params, data),
-                                           (model.*mio.load)(params, data));
-    switch (member) {
-        case Model::MioPart::LPD_GEM0_MIO:
-            return static_cast<float>(power) + model.calculateGem0Bias(params, data);
-        case Model::MioPart::LPD_GEM1_MIO:
-            return static_cast<float>(power) + model.calculateGem1Bias(params, data);
-        case Model::MioPart::LPD_LOW_PER_IO_DYNAMIC_MIO:
-            power += prsm::ps::biasPower(pins, k);
-            break;
-    }
-    return static_cast<float>(power);
+    double const power = prsm::ps::bankSidePower(pins, k, (model.*mio.frequency)(params, data),
+                                                 (model.*mio.load)(params, data));
+    return static_cast<float>(power + (lowSpeed ? prsm::ps::biasPower(pins, k) : ethernetBias));
 }
 
 float ethernetBias(Model const& model, Model::Params& params, Model::Data const& data,
