@@ -4,8 +4,9 @@
 // and the multiplexed-I/O terms of an interface's pins. Plain functions of numbers: each sheet reads
 // its own inputs and coefficients and passes them in.
 
+#include <prsm/framework/PRSMCellSupport.h>
+
 #include <cmath>
-#include <string>
 #include <string_view>
 
 namespace prsm::ps {
@@ -130,17 +131,17 @@ inline double biasPower(Pins const& pins, BankSideCoefficients const& k) {
 }
 
 // The bank-side coefficients at one voltage, read through `coefficient(key)` (which throws for a key the
-// table lacks).
+// table lacks). Keys are composed in a per-thread buffer: no allocation.
 template <typename Lookup>
 BankSideCoefficients bankSideCoefficients(BankVoltage voltage, Lookup const& coefficient) {
     BankVoltageInfo const v = bankVoltageInfo(voltage);
-    std::string const tag(v.tag);
-    std::string const drive(v.drive);
-    return {coefficient("MIO_IOB_VCCO_PMIO_" + tag + "_RX_DYNAMIC"),
-            coefficient("MIO_IOB_VCCO_PMIO_" + tag + "_TX_" + drive + "_F_DYNAMIC"),
-            coefficient("MIO_IOB_" + tag + "_TX_" + drive + "_CLOAD_SCALE_FACTOR"),
-            coefficient("MIO_IOB_VCCO_PMIO_" + tag + "_STATIC"),
-            coefficient("MIO_BIAS_VCCO_PMIO_" + tag + "_STATIC")};
+    BankSideCoefficients k{};
+    k.rxDynamic = coefficient(prsm::concatKey("MIO_IOB_VCCO_PMIO_", v.tag, "_RX_DYNAMIC"));
+    k.txDynamic = coefficient(prsm::concatKey("MIO_IOB_VCCO_PMIO_", v.tag, "_TX_", v.drive, "_F_DYNAMIC"));
+    k.loadScale = coefficient(prsm::concatKey("MIO_IOB_", v.tag, "_TX_", v.drive, "_CLOAD_SCALE_FACTOR"));
+    k.staticPerPin = coefficient(prsm::concatKey("MIO_IOB_VCCO_PMIO_", v.tag, "_STATIC"));
+    k.biasPerPin = coefficient(prsm::concatKey("MIO_BIAS_VCCO_PMIO_", v.tag, "_STATIC"));
+    return k;
 }
 
 template <typename Lookup>

@@ -12,6 +12,7 @@
 #include "ProcessingSystemFormulas.h"
 
 #include <string>
+#include <string_view>
 
 using Model = PRSMTalvexPmcModel;
 using prsm::ps::BankVoltage;
@@ -25,7 +26,7 @@ bool isEnabled(std::string const& usage) {
     return usage == kEnabled;
 }
 
-double coefficient(Model::Data const& data, std::string const& key) {
+double coefficient(Model::Data const& data, std::string_view key) {
     return data.getPmcData(key);
 }
 
@@ -61,7 +62,7 @@ BankVoltage bankVoltageOf(Model const& model, Model::Params& params, Model::Data
 float coreSide(Model const& model, Model::Params& params, Model::Data const& data, Model::Port port) {
     prsm::ps::Pins const pins = pinsOf(model, params, data, port);
     if (pins.total() == 0) return 0.0f;
-    auto const lookup = [&data](std::string const& key) { return coefficient(data, key); };
+    auto const lookup = [&data](std::string_view key) { return coefficient(data, key); };
     double const power =
         prsm::ps::coreSidePower(pins, prsm::ps::coreSideCoefficients(lookup),
                                 model.getFreq(params, data, port), model.getLoad(params, data, port));
@@ -88,7 +89,7 @@ float bankPart(Model const& model, Model::Params& params, Model::Data const& dat
     if (bankVoltageOf(model, params, data, port) != voltage) return 0.0f;
     prsm::ps::Pins const pins = pinsOf(model, params, data, port);
     if (pins.total() == 0) return 0.0f;
-    auto const lookup = [&data](std::string const& key) { return coefficient(data, key); };
+    auto const lookup = [&data](std::string_view key) { return coefficient(data, key); };
     prsm::ps::BankSideCoefficients const k = prsm::ps::bankSideCoefficients(voltage, lookup);
     return static_cast<float>(prsm::ps::bankSidePower(pins, k, model.getFreq(params, data, port),
                                                       model.getLoad(params, data, port)) +

@@ -9,13 +9,13 @@
 // the bank's supply at the voltage selected.
 #include <prsm/models/talvex/PRSMTalvexPssModel.h>
 
-#include <prsm/framework/PRSMConfigHelpers.h>
-#include <prsm/sheetfunc/PRSMHelperUtils.h>
+#include <prsm/framework/PRSMCellSupport.h>
 
 #include "ProcessingSystemFormulas.h"
 
 #include <array>
 #include <string>
+#include <string_view>
 
 using Model = PRSMTalvexPssModel;
 using prsm::ps::BankVoltage;
@@ -113,15 +113,15 @@ float Model::computeDynamicPower(Params& params, Data const& data, Block member)
     double const scaling = block.domain == Domain::FullPower ? calculateVccpsfpVoltageScaling(params, data)
                                                              : calculateVccpslpVoltageScaling(params, data);
 
-    std::string const key = block.key;
-    double power = count * prsm::ps::clockedPower(block.kind, data.getPssData(key + "_CLOCK"),
-                                                  data.getPssData(key + "_DYNAMIC"), frequency, load,
-                                                  clockGated, powerGated);
+    double const clock = data.getPssData(prsm::concatKey(block.key, "_CLOCK"));
+    double const dynamic = data.getPssData(prsm::concatKey(block.key, "_DYNAMIC"));
+    double power =
+        count * prsm::ps::clockedPower(block.kind, clock, dynamic, frequency, load, clockGated, powerGated);
     if (block.companionKey != nullptr) {
-        std::string const companion = block.companionKey;
-        power += prsm::ps::clockedPower(BlockKind::Peripheral, data.getPssData(companion + "_CLOCK"),
-                                        data.getPssData(companion + "_DYNAMIC"), frequency, load, clockGated,
-                                        powerGated);
+        double const companionClock = data.getPssData(prsm::concatKey(block.companionKey, "_CLOCK"));
+        double const companionDynamic = data.getPssData(prsm::concatKey(block.companionKey, "_DYNAMIC"));
+        power += prsm::ps::clockedPower(BlockKind::Peripheral, companionClock, companionDynamic, frequency,
+                                        load, clockGated, powerGated);
     }
     return static_cast<float>(power * scaling);
 }
@@ -293,7 +293,7 @@ float Model::computeDynamicVccintPower(Params& params, Data const& data, Mio mem
     MioWiring const& mio = mioOf(member);
     prsm::ps::Pins const pins = pinsOf(*this, params, data, mio.pins);
     if (pins.total() == 0) return 0.0f;
-    auto const coefficient = [&data](std::string const& key) {
+    auto const coefficient = [&data](std::string_view key) {
         return static_cast<double>(data.getPssData(key));
     };
     double const power =
@@ -323,7 +323,7 @@ float bankPart(Model const& model, Model::Params& params, Model::Data const& dat
     if (bankVoltage((model.*mio.voltage)(params, data)) != voltage) return 0.0f;
     prsm::ps::Pins const pins = pinsOf(model, params, data, mio.pins);
     if (pins.total() == 0) return 0.0f;
-    auto const coefficient = [&data](std::string const& key) {
+    auto const coefficient = [&data](std::string_view key) {
         return static_cast<double>(data.getPssData(key));
     };
     prsm::ps::BankSideCoefficients const k = prsm::ps::bankSideCoefficients(voltage, coefficient);
@@ -338,8 +338,8 @@ float ethernetBias(Model const& model, Model::Params& params, Model::Data const&
     BankVoltage const voltage = bankVoltage((model.*mio.voltage)(params, data));
     prsm::ps::Pins const pins = pinsOf(model, params, data, mio.pins);
     if (voltage == BankVoltage::None || pins.total() == 0) return 0.0f;
-    std::string const key =
-        "MIO_BIAS_VCCO_PMIO_" + std::string(prsm::ps::bankVoltageInfo(voltage).tag) + "_STATIC";
+    std::string_view const key =
+        prsm::concatKey("MIO_BIAS_VCCO_PMIO_", prsm::ps::bankVoltageInfo(voltage).tag, "_STATIC");
     return static_cast<float>(data.getPssData(key) * pins.total());
 }
 }  // namespace
