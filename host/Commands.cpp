@@ -3,6 +3,7 @@
 #include <prsm/host/Commands.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Inputs.h>
+#include <prsm/host/Presets.h>
 #include <prsm/host/Render.h>
 #include <prsm/host/Suggest.h>
 
@@ -30,10 +31,17 @@ int runCells(Request const& request, std::ostream& out, std::ostream& err) {
     return kExitOk;
 }
 
+int runPresets(Sheet const& sheet, std::ostream& out) {
+    out << renderPresets(listPresets(sheet));
+    return kExitOk;
+}
+
 int runCalc(Request const& request, std::ostream& out, std::ostream& err) {
     Sheet const& sheet = findSheet(request.model);
+    if (request.preset == "list") return runPresets(sheet, out);
     std::vector<Assignment> fromFile;
-    if (!request.inputFile.empty()) fromFile = readInputFile(request.inputFile);
+    if (!request.preset.empty()) fromFile = presetAssignments(sheet, request.preset);
+    if (!request.inputFile.empty()) fromFile = mergeAssignments(fromFile, readInputFile(request.inputFile));
     std::vector<Assignment> fromCommandLine;
     for (std::string const& argument : request.assignments)
         fromCommandLine.push_back(parseAssignment(argument));
@@ -77,6 +85,8 @@ int runRequest(Request const& request, DataDirChoice const& dataDir, std::ostrea
                 return runCells(request, out, err);
             case Command::Calc:
                 return runCalc(request, out, err);
+            case Command::Presets:
+                return runPresets(findSheet(request.model), out);
         }
     } catch (HostError const& e) {
         printLines(err, "error: ", e.what());

@@ -30,9 +30,15 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
     calc->add_option("model", request.model, "Model name (see `prsm models`)")->required();
     calc->add_option("assignments", request.assignments, "Inputs as NAME=VALUE (override the input file)");
     calc->add_option("-i,--input", request.inputFile, "JSON file holding an object of NAME: value");
+    calc->add_option(
+        "--preset", request.preset,
+        "Start from a ready-made input set (the file and NAME=VALUE override it); `list` lists them");
     CLI::Option* json = calc->add_flag("--json", "Print model, inputs, outputs and validity as JSON");
     CLI::Option* reflect = calc->add_flag("--reflect", "Print the parameter set's full text dump");
     json->excludes(reflect);
+
+    CLI::App* presets = app.add_subcommand("presets", "List a model's ready-made input sets");
+    presets->add_option("model", request.model, "Model name (see `prsm models`)")->required();
 
     try {
         app.parse(argc, argv);
@@ -43,6 +49,7 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
 
     if (models->parsed()) request.command = Command::Models;
     if (cells->parsed()) request.command = Command::Cells;
+    if (presets->parsed()) request.command = Command::Presets;
     if (calc->parsed()) {
         request.command = Command::Calc;
         if (*json) request.format = OutputFormat::Json;

@@ -8,7 +8,7 @@
 
 namespace prsm::host {
 
-enum class Command { Models, Cells, Calc };
+enum class Command { Models, Cells, Calc, Presets };
 enum class OutputFormat { Table, Json, Reflect };
 
 struct Request {
@@ -16,6 +16,7 @@ struct Request {
     std::string model;
     std::vector<std::string> assignments;  // NAME=VALUE, in command-line order
     std::string inputFile;                 // a JSON object of NAME: value; empty when none
+    std::string preset;  // `calc --preset`: a preset of the model, or "list"; empty when none
     OutputFormat format = OutputFormat::Table;
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
     bool verbose = false;

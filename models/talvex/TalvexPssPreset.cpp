@@ -1,0 +1,39 @@
+// Formulas of the processor-subsystem preset sheet: every output is the selected preset's entry of the
+// same name in PSS_PRESETS, read as the output's type. A preset that lacks an entry is an incomplete
+// file: the lookup throws PRSMException naming the key.
+#include <prsm/models/talvex/PRSMTalvexPssPresetModel.h>
+
+#include <prsm/sheetfunc/PRSMHelperUtils.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+using Model = PRSMTalvexPssPresetModel;
+
+// The presets of the table: the first part of every key, each once, sorted.
+std::vector<std::string> Model::validListPreset(Params&, Data const& data) const {
+    std::vector<std::string> names;
+    for (auto const& entry : data.m_PssPresets) {
+        std::string name = entry.first.substr(0, entry.first.find('.'));
+        if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(std::move(name));
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string Model::computeDescription(Params& params, Data const& data) const {
+    return data.getPssPresets(getPreset(params, data), "DESCRIPTION");
+}
+
+int Model::compute(Params& params, Data const& data, IntSetting member) const {
+    return PRSMHelperUtils::s2i(data.getPssPresets(getPreset(params, data), memberName(member)));
+}
+
+float Model::compute(Params& params, Data const& data, FloatSetting member) const {
+    return PRSMHelperUtils::s2f(data.getPssPresets(getPreset(params, data), memberName(member)));
+}
+
+std::string Model::compute(Params& params, Data const& data, StringSetting member) const {
+    return data.getPssPresets(getPreset(params, data), memberName(member));
+}
