@@ -159,7 +159,7 @@ TEST_F(PrsmCli, CalculatesToJsonWithDefaultsApplied) {
     TempFile const inputs(R"({"CLOCK_FREQ": 300, "INSTANCE_COUNT": 8})");
     HostRun const zero = prsm({"calc", "TalvexCleLogic", "--json", "-i", inputs.path(), "CLOCK_FREQ=0"});
     EXPECT_EQ(zero.status, 0);
-    EXPECT_TRUE(has(zero.err, "CLOCK_FREQ = 0 is invalid")) << zero.err;
+    EXPECT_TRUE(has(zero.err, "CLOCK_FREQ = 0 MHz is invalid")) << zero.err;
     nlohmann::json const json = nlohmann::json::parse(zero.out);
     EXPECT_EQ(json["inputs"]["CLOCK_FREQ"].get<double>(), 0.0);
     EXPECT_EQ(json["inputs"]["INSTANCE_COUNT"].get<int>(), 8);
