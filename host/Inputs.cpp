@@ -170,10 +170,16 @@ std::vector<Assignment> parseInputJson(std::string const& content, std::string c
 }
 
 std::vector<Assignment> readInputStream(std::istream& in, std::string const& origin) {
-    std::ostringstream content;
-    content << in.rdbuf();
+    std::string content;
+    char buffer[65536];
+    while (in.read(buffer, sizeof buffer) || in.gcount() > 0) {
+        content.append(buffer, static_cast<std::size_t>(in.gcount()));
+        if (content.size() > kInputFileLimit)
+            throw HostError(kExitBadInput, "input file " + origin + " is larger than " +
+                                               std::to_string(kInputFileLimit >> 20) + " MiB");
+    }
     if (in.bad()) throw HostError(kExitBadInput, "cannot read input file " + origin);
-    return parseInputJson(content.str(), origin);
+    return parseInputJson(content, origin);
 }
 
 std::vector<Assignment> readInputFile(std::string const& path) {

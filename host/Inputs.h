@@ -4,6 +4,7 @@
 
 #include <prsm/framework/PRSMSheetRegistry.h>
 
+#include <cstddef>
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -32,6 +33,9 @@ Assignment parseAssignment(std::string const& argument);
 // HostError(kExitBadInput) when the file is missing or a directory, is not valid JSON, repeats a name or
 // holds anything else. A number beyond the double range ends the reading: it is returned as written,
 // last, for the cell to refuse. The path "-" reads standard input.
+// An input file holds one object of inputs; anything larger than this is refused unread.
+inline constexpr std::size_t kInputFileLimit = std::size_t{16} << 20;
+
 std::vector<Assignment> parseInputJson(std::string const& content, std::string const& origin);
 std::vector<Assignment> readInputStream(std::istream& in, std::string const& origin);
 std::vector<Assignment> readInputFile(std::string const& path);

@@ -212,6 +212,7 @@ TEST_F(PrsmCli, RefusesValuesThatUsedToCrashOrPassSilently) {
                    {"VCCINT is given more than once"});
     expectRejected(prsm({"calc", "TalvexCleLogic", "CLOCK_FREQ=1e39"}), 2, {"out of the float range"});
     expectRejected(prsm({"calc", "TalvexCleLogic", "-i", "/tmp"}), 2, {"input file /tmp is a directory"});
+    expectRejected(prsm({"calc", "TalvexCleLogic", "-i", "/dev/zero"}), 2, {"larger than 16 MiB"});
 }
 
 TEST_F(PrsmCli, ReportsAFailedWriteAndReadsStandardInput) {
