@@ -29,8 +29,9 @@ std::string missingRowWarning(std::string const& input, std::string const& value
         for (std::string const& name : row.values)
             if (std::find(known.begin(), known.end(), name) == known.end()) known.push_back(name);
     }
-    return input + " = " + value + " has no row of its own in " + joinedNames(tables) +
-           didYouMean(suggestNames(value, known)) + "; the sheet falls back to a default row or value";
+    return input + " = " + (value.empty() ? "\"\"" : value) + " has no row of its own in " +
+           joinedNames(tables) + didYouMean(suggestNames(value, known)) +
+           "; the sheet falls back to a default row or value";
 }
 
 CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& inputs) {

@@ -87,7 +87,7 @@ public:
             m_assignments.push_back({m_key, token, ValueKind::JsonNumber, m_origin});
             return false;
         }
-        std::string const at = m_key.empty() ? std::string() : " (at " + m_key + ")";
+        std::string const at = m_depth >= 1 && !m_key.empty() ? " (at " + m_key + ")" : std::string();
         m_problems.push_back("input file " + m_origin + " is not valid JSON" + at + ": " + error.what());
         return false;
     }

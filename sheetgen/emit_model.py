@@ -286,8 +286,9 @@ def _cell_info(sheet: Sheet, plan: Plan, cell: Cell) -> str:
 
 
 def _rows_lacking(sheet: Sheet) -> str:
-    """Per string input that may select table rows (a key named like it: "device" for DEVICE), the check
-    that the value it holds has a row in each table whose keys hold the input's default there."""
+    """Per string input that may select table rows (a key whose name is part of the input's: "device" for
+    DEVICE and INTERNAL_DEVICE_NAME), the check that the value it holds has a row in each table whose
+    keys hold the input's default at that place."""
     def plain(name: str) -> str:
         return name.replace("_", "").lower()
     blocks = []
@@ -298,7 +299,7 @@ def _rows_lacking(sheet: Sheet) -> str:
         checks = [f'        prsm::appendIfNoRow(data.{t.member}, "{t.label}", {i}, {cpp_literal(default, "string")}, '
                   f'value, missing);'
                   for t in sheet.tables if t.type != "list"
-                  for i, key in enumerate(t.keys) if plain(key) == plain(cell.name)]
+                  for i, key in enumerate(t.keys) if plain(key) in plain(cell.name)]
         if checks:
             blocks.append(f'    if (input == "{cell.name}") {{\n' + "\n".join(checks) + "\n    }")
     return "\n".join(blocks)
