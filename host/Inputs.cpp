@@ -88,7 +88,12 @@ public:
             return false;
         }
         std::string const at = m_depth >= 1 && !m_key.empty() ? " (at " + m_key + ")" : std::string();
-        m_problems.push_back("input file " + m_origin + " is not valid JSON" + at + ": " + error.what());
+        // The parser's text without its "[json.exception.parse_error.101] " tag.
+        std::string reason = error.what();
+        if (std::size_t const tag = reason.find("] ");
+            reason.rfind("[json.exception.", 0) == 0 && tag != std::string::npos)
+            reason.erase(0, tag + 2);
+        m_problems.push_back("input file " + m_origin + " is not valid JSON" + at + ": " + reason);
         return false;
     }
 

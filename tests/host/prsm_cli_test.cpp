@@ -252,6 +252,13 @@ TEST_F(PrsmCli, ShowsUnitsAndWarnsOfADeviceWithoutItsOwnRow) {
                     "(did you mean ZQVC1902?)"))
         << lower.err;
     EXPECT_EQ(prsm({"calc", "TalvexCleLogic", "DEVICE=ZQVC1902"}).err, "");
+    // The same for a key below the first and for an input that names an internal device.
+    EXPECT_TRUE(
+        has(prsm({"calc", "TalvexNoc", "DATA_PATH=ps_to_ddrc"}).err,
+            "DATA_PATH = ps_to_ddrc has no row of its own in DEVICE_DATA (did you mean PS_TO_DDRC?)"));
+    EXPECT_TRUE(
+        has(prsm({"calc", "TalvexAie", "INTERNAL_DEVICE_NAME=zq10s80"}).err,
+            "INTERNAL_DEVICE_NAME = zq10s80 has no row of its own in SHIM_DATA (did you mean ZQ10S80?)"));
 }
 
 }  // namespace
