@@ -12,6 +12,8 @@
 #include <fstream>
 #include <iostream>
 #include <sstream>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace prsm::host {
 
@@ -74,10 +76,7 @@ public:
     bool key(string_t& name) override {
         if (m_depth != 1) return true;
         m_key = name;
-        bool const repeated = std::any_of(m_assignments.begin(), m_assignments.end(),
-                                          [&](Assignment const& a) { return a.name == name; }) ||
-                              std::find(m_otherKeys.begin(), m_otherKeys.end(), name) != m_otherKeys.end();
-        if (repeated) m_problems.push_back(where() + name + " is given more than once");
+        if (!m_names.insert(name).second) problem(name + " is given more than once");
         return true;
     }
 
@@ -102,12 +101,20 @@ public:
         if (!m_topKind.empty() && m_topKind != "object")
             throw HostError(kExitBadInput, "input file " + m_origin +
                                                " must hold one JSON object of NAME: value, not " + m_topKind);
-        if (!m_problems.empty()) throw HostError(kExitBadInput, joinLines(m_problems));
+        std::vector<std::string> problems = m_problems;
+        if (m_unreported > 0)
+            problems.push_back("... and " + std::to_string(m_unreported) + " more problems");
+        if (!problems.empty()) throw HostError(kExitBadInput, joinLines(problems));
         return m_assignments;
     }
 
 private:
-    std::string where() const { return "input file " + m_origin + ": "; }
+    void problem(std::string const& text) {
+        if (m_problems.size() < kReportedProblems)
+            m_problems.push_back("input file " + m_origin + ": " + text);
+        else
+            ++m_unreported;
+    }
 
     // A value: of the top level (not an object), of a name, or nested (already reported).
     bool value(char const* kind) {
@@ -120,10 +127,7 @@ private:
 
     bool scalar(char const* kind) {
         if (!value(kind)) return false;
-        if (m_depth == 1) {
-            m_otherKeys.push_back(m_key);
-            m_problems.push_back(where() + m_key + " must be a number or a string, not " + kind);
-        }
+        if (m_depth == 1) problem(m_key + " must be a number or a string, not " + kind);
         return true;
     }
 
@@ -138,8 +142,7 @@ private:
             m_topKind = kind;
             if (m_topKind != "object") return false;
         } else if (m_depth == 1) {
-            m_otherKeys.push_back(m_key);
-            m_problems.push_back(where() + m_key + " must be a number or a string, not " + kind);
+            problem(m_key + " must be a number or a string, not " + kind);
         }
         ++m_depth;
         return true;
@@ -154,7 +157,8 @@ private:
     int m_depth = 0;
     std::string m_topKind;
     std::string m_key;
-    std::vector<std::string> m_otherKeys;  // names whose values were refused
+    std::unordered_set<std::string> m_names;
+    std::size_t m_unreported = 0;
     std::vector<Assignment> m_assignments;
     std::vector<std::string> m_problems;
 };
@@ -200,13 +204,14 @@ std::vector<Assignment> readInputFile(std::string const& path) {
 std::vector<Assignment> mergeAssignments(std::vector<Assignment> const& fromFile,
                                          std::vector<Assignment> const& fromCommandLine) {
     std::vector<Assignment> merged;
+    std::unordered_map<std::string, std::size_t> place;
     for (auto const* list : {&fromFile, &fromCommandLine}) {
         for (Assignment const& assignment : *list) {
-            auto same = [&](Assignment const& other) { return other.name == assignment.name; };
-            if (auto it = std::find_if(merged.begin(), merged.end(), same); it != merged.end())
-                *it = assignment;
-            else
+            auto const [it, added] = place.emplace(assignment.name, merged.size());
+            if (added)
                 merged.push_back(assignment);
+            else
+                merged[it->second] = assignment;
         }
     }
     return merged;
@@ -215,7 +220,13 @@ std::vector<Assignment> mergeAssignments(std::vector<Assignment> const& fromFile
 std::vector<ResolvedInput> resolveInputs(Sheet const& sheet, std::vector<Assignment> const& assignments) {
     std::vector<ResolvedInput> resolved;
     std::vector<std::string> problems;
+    std::size_t unchecked = 0;
     for (Assignment const& assignment : assignments) {
+        // Enough said: a hostile file of a million names is not answered name by name.
+        if (problems.size() >= kReportedProblems) {
+            ++unchecked;
+            continue;
+        }
         CellInfo const* cell = sheet.findCell(assignment.name);
         if (cell == nullptr) {
             problems.push_back(sheet.name() + " has no cell " + assignment.name + fromWhere(assignment) +
@@ -235,6 +246,8 @@ std::vector<ResolvedInput> resolveInputs(Sheet const& sheet, std::vector<Assignm
         else
             problems.push_back(problem + fromWhere(assignment));
     }
+    if (unchecked > 0)
+        problems.push_back("... and " + std::to_string(unchecked) + " more inputs not checked");
     if (!problems.empty()) throw HostError(kExitBadInput, joinLines(problems));
     return resolved;
 }

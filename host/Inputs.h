@@ -33,6 +33,9 @@ Assignment parseAssignment(std::string const& argument);
 // HostError(kExitBadInput) when the file is missing or a directory, is not valid JSON, repeats a name or
 // holds anything else. A number beyond the double range ends the reading: it is returned as written,
 // last, for the cell to refuse. The path "-" reads standard input.
+// At most this many problems are listed, one a line; the rest are counted.
+inline constexpr std::size_t kReportedProblems = 50;
+
 // An input file holds one object of inputs; anything larger than this is refused unread.
 inline constexpr std::size_t kInputFileLimit = std::size_t{16} << 20;
 

@@ -15,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <sstream>
 #include <streambuf>
@@ -159,6 +160,21 @@ TEST(HostJsonInput, KeepsNumbersAsWrittenAndRefusesWhatWouldCrashOrMislead) {
     EXPECT_TRUE(has(rule, "cell LANE_B_LOAD takes a finite number")) << rule;
     EXPECT_TRUE(
         has(badInput([] { parseInputJson(R"({"RATE": NaN})", "f.json"); }), "not valid JSON (at RATE)"));
+
+    // A hostile file is not answered name by name: 60 copies of one name are 59 repeats, 50 of them
+    // listed; 60 unknown names are 50 problems and 10 names left unchecked.
+    std::string repeated = "{";
+    std::vector<Assignment> unknown;
+    for (int i = 0; i < 60; ++i) {
+        repeated += std::string(i == 0 ? "" : ", ") + "\"RATE\": 0.5";
+        unknown.push_back({"NO_SUCH_CELL_" + std::to_string(i), "1", ValueKind::Text, "command line"});
+    }
+    std::string const repeats = badInput([&] { parseInputJson(repeated + "}", "f.json"); });
+    EXPECT_EQ(std::count(repeats.begin(), repeats.end(), '\n'), 50);
+    EXPECT_TRUE(has(repeats, "\n... and 9 more problems")) << repeats;
+    std::string const unknowns = badInput([&] { resolveInputs(sampler(), unknown); });
+    EXPECT_EQ(std::count(unknowns.begin(), unknowns.end(), '\n'), 50);
+    EXPECT_TRUE(has(unknowns, "\n... and 10 more inputs not checked")) << unknowns;
 
     namespace fs = std::filesystem;
     std::string const folder = fs::temp_directory_path().string();
