@@ -1,3 +1,4 @@
+#include <prsm/host/Numbers.h>
 #include <prsm/host/Render.h>
 #include <prsm/host/TextTable.h>
 #include <prsm/host/Values.h>
@@ -6,9 +7,10 @@ namespace prsm::host {
 
 namespace {
 
+// Control characters would break the table's lines; they are shown escaped (\x0A).
 std::string shown(CellType type, std::string const& text) {
     if (type == CellType::String && text.empty()) return "\"\"";
-    return displayValue(type, text);
+    return printable(displayValue(type, text));
 }
 
 std::string validWhen(InputCheck const& check) {
