@@ -31,6 +31,15 @@ std::string formatFloatCell(float value) {
     return text;
 }
 
+std::string_view keyPart(std::string_view key, std::size_t position) {
+    for (; position > 0; --position) {
+        std::size_t const dot = key.find('.');
+        if (dot == std::string_view::npos) return std::string_view();
+        key.remove_prefix(dot + 1);
+    }
+    return key.substr(0, key.find('.'));
+}
+
 void throwUnknownCell(std::string const& sheet, std::string const& name) {
     throw std::invalid_argument("sheet " + sheet + " has no cell " + name);
 }

@@ -3,11 +3,15 @@
 // once with its own cell list; nothing here is particular to a sheet.
 
 #include <prsm/framework/PRSMCellSupport.h>
+#include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <set>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 namespace prsm {
@@ -19,19 +23,41 @@ float parseFloatCell(std::string const& name, std::string const& text);
 std::string formatFloatCell(float value);
 [[noreturn]] void throwUnknownCell(std::string const& sheet, std::string const& name);
 
+// The `position`-th "."-separated part of a table key; empty when the key has fewer parts.
+std::string_view keyPart(std::string_view key, std::size_t position);
+
+// Appends {name, the values found at that key} to `missing` when no key of `table` holds `value` as
+// its `position`-th part. A table whose keys do not hold the input's default there either is not
+// selected by that input (or is not in the file) and has nothing to say.
+template <typename Map>
+void appendIfNoRow(Map const& table, char const* name, std::size_t position, std::string_view byDefault,
+                   std::string const& value, std::vector<MissingRow>& missing) {
+    std::set<std::string_view> seen;
+    for (auto const& entry : table) {
+        std::string_view const part = keyPart(entry.first, position);
+        if (part == value) return;
+        seen.insert(part);
+    }
+    if (seen.count(byDefault) != 0)
+        missing.push_back({name, std::vector<std::string>(seen.begin(), seen.end())});
+}
+
 template <typename Model>
 class GeneratedSheet final : public Sheet {
 public:
     using Params = typename Model::Params;
     using Data = typename Model::Data;
     using ValidValues = std::string (*)(Model const&, Params&, Data const&, std::string const&);
+    using RowsLacking = std::vector<MissingRow> (*)(Data const&, std::string const& input,
+                                                    std::string const& value);
 
     GeneratedSheet(std::string name, std::string description, std::vector<CellInfo> cells,
-                   ValidValues validValues)
+                   ValidValues validValues, RowsLacking rowsLacking = nullptr)
         : m_name(std::move(name)),
           m_description(std::move(description)),
           m_cells(std::move(cells)),
-          m_validValues(validValues) {
+          m_validValues(validValues),
+          m_rowsLacking(rowsLacking) {
         SheetRegistry::instance().add(*this);
     }
 
@@ -92,6 +118,13 @@ private:
         void resetUserInputs() override { m_params.resetUserInputs(); }
         std::string reflect() const override { return m_params.reflect(); }
 
+        std::vector<MissingRow> tablesWithoutRow(std::string const& input) override {
+            auto const s = Params::string_to_string_enum(input);
+            if (m_sheet.m_rowsLacking == nullptr || s >= Params::LastString || m_params[s] == kStringNotSet)
+                return {};
+            return m_sheet.m_rowsLacking(Data::getGlobal(), input, m_params[s]);
+        }
+
     private:
         GeneratedSheet const& m_sheet;
         Params m_params;
@@ -101,6 +134,7 @@ private:
     std::string m_description;
     std::vector<CellInfo> m_cells;
     ValidValues m_validValues;
+    RowsLacking m_rowsLacking;
 };
 
 }  // namespace prsm

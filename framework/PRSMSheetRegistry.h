@@ -23,6 +23,15 @@ struct CellInfo {
     std::string rule;             // the validity rule in words, empty when the input is not checked
     std::string validityKey;      // the int-dispatch name that evaluates the rule, empty when none
     bool hasValidValues = false;  // a string input with a closed list of choices
+    std::string unit;             // "V", "mW", "MHz", "%", "count", ...; empty when the cell has none
+};
+
+// A table whose rows are keyed by a string input's value (one of the table's keys is named like the
+// input: "device" for DEVICE) and that has no row for the value the input holds. The formulas then
+// fall back to a default row or value, or fail when they have none.
+struct MissingRow {
+    std::string table;                // the table's setting name
+    std::vector<std::string> values;  // the values its rows do have at that key, sorted
 };
 
 // One parameter set of a sheet, driven by cell names and text values.
@@ -44,6 +53,9 @@ public:
     virtual void calculate() = 0;
     virtual void resetUserInputs() = 0;
     virtual std::string reflect() const = 0;
+    // For a string input that selects rows of the sheet's tables: the tables without a row for the
+    // value it holds (none while it holds no value). Loads the data on first use.
+    virtual std::vector<MissingRow> tablesWithoutRow(std::string const& /*input*/) { return {}; }
 };
 
 class Sheet {

@@ -1,10 +1,38 @@
 #include <prsm/host/Calculation.h>
 #include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
+#include <prsm/host/Suggest.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace prsm::host {
+
+namespace {
+
+std::string joinedNames(std::vector<std::string> const& names) {
+    std::string text;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        text += (i == 0 ? "" : i + 1 == names.size() ? " and " : ", ") + names[i];
+    return text;
+}
+
+}  // namespace
+
+std::string missingRowWarning(std::string const& input, std::string const& value,
+                              std::vector<MissingRow> const& missing) {
+    if (missing.empty()) return std::string();
+    std::vector<std::string> tables;
+    std::vector<std::string> known;
+    for (MissingRow const& row : missing) {
+        tables.push_back(row.table);
+        for (std::string const& name : row.values)
+            if (std::find(known.begin(), known.end(), name) == known.end()) known.push_back(name);
+    }
+    return input + " = " + (value.empty() ? "\"\"" : value) + " has no row of its own in " +
+           joinedNames(tables) + didYouMean(suggestNames(value, known)) +
+           "; the sheet falls back to a default row or value";
+}
 
 CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& inputs) {
     std::unique_ptr<SheetInstance> const instance = sheet.create();
@@ -20,16 +48,21 @@ CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& 
         instance->calculate();
         for (CellInfo const& cell : sheet.cells()) {
             if (cell.category == CellCategory::ModelOutput)
-                result.outputs.push_back({cell.name, cell.type, instance->evaluate(cell.name)});
+                result.outputs.push_back({cell.name, cell.type, instance->evaluate(cell.name), cell.unit});
             if (cell.category != CellCategory::UserInput) continue;
             std::string value = instance->evaluate(cell.name);
             if (!cell.validityKey.empty()) {
                 bool const valid = instance->isValid(cell.name) != 0;
                 std::string const choices =
                     !valid && cell.hasValidValues ? instance->validValues(cell.name) : "";
-                result.checks.push_back({cell.name, cell.type, value, cell.rule, choices, valid});
+                result.checks.push_back({cell.name, cell.type, value, cell.rule, choices, valid, cell.unit});
             }
-            result.inputs.push_back({cell.name, cell.type, std::move(value)});
+            if (cell.type == CellType::String) {
+                std::string const warning =
+                    missingRowWarning(cell.name, value, instance->tablesWithoutRow(cell.name));
+                if (!warning.empty()) result.warnings.push_back(warning);
+            }
+            result.inputs.push_back({cell.name, cell.type, std::move(value), cell.unit});
         }
         result.dump = instance->reflect();
     } catch (...) {

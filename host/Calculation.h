@@ -14,6 +14,7 @@ struct CellValue {
     std::string name;
     CellType type;
     std::string text;  // the library's text of the value
+    std::string unit;  // empty when the cell has none
 };
 
 struct InputCheck {
@@ -23,15 +24,22 @@ struct InputCheck {
     std::string rule;     // the rule in words
     std::string choices;  // for an invalid input with a list: its valid values, comma-separated
     bool valid;
+    std::string unit;
 };
 
 struct CalcResult {
     std::string model;
-    std::vector<CellValue> inputs;   // every user input, in the sheet's order
-    std::vector<CellValue> outputs;  // every model output, in the sheet's order
-    std::vector<InputCheck> checks;  // every input that has a validity rule
-    std::string dump;                // the parameter set's reflect() text after all of the above
+    std::vector<CellValue> inputs;      // every user input, in the sheet's order
+    std::vector<CellValue> outputs;     // every model output, in the sheet's order
+    std::vector<InputCheck> checks;     // every input that has a validity rule
+    std::string dump;                   // the parameter set's reflect() text after all of the above
+    std::vector<std::string> warnings;  // e.g. a device that has no row of its own in a table
 };
+
+// The warning for a string input whose value has no row in tables that its default has rows in; empty
+// when `missing` is.
+std::string missingRowWarning(std::string const& input, std::string const& value,
+                              std::vector<MissingRow> const& missing);
 
 // Throws HostError(kExitDataFailure) when the data cannot be loaded or the calculation throws.
 CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& inputs);

@@ -12,6 +12,7 @@ struct CellRow {
     std::string name;
     std::string type;
     std::string category;
+    std::string unit;
     std::string defaultValue;  // inputs only
     std::string validValues;   // inputs only: the list of choices, or the rule in words
 };

@@ -1,12 +1,15 @@
 #include <prsm/host/Calculation.h>
 #include <prsm/host/CellListing.h>
 #include <prsm/host/Commands.h>
+#include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Inputs.h>
 #include <prsm/host/Presets.h>
 #include <prsm/host/Render.h>
 #include <prsm/host/Suggest.h>
 
+#include <cerrno>
+#include <cstring>
 #include <ostream>
 #include <sstream>
 
@@ -49,13 +52,16 @@ int runCalc(Request const& request, std::ostream& out, std::ostream& err) {
         resolveInputs(sheet, mergeAssignments(fromFile, fromCommandLine));
 
     CalcResult const result = runCalculation(sheet, inputs);
+    for (std::string const& line : result.warnings) printLines(err, "warning: ", line);
     switch (request.format) {
         case OutputFormat::Table:
             out << renderCalcTable(result);
             break;
         case OutputFormat::Json:
             for (std::string const& line : invalidInputWarnings(result)) printLines(err, "warning: ", line);
-            out << calcJson(result).dump(2) << "\n";
+            // Text from a data file that is not UTF-8 is written with U+FFFD in its place.
+            out << calcJson(result).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
+                << "\n";
             break;
         case OutputFormat::Reflect:
             for (std::string const& line : invalidInputWarnings(result)) printLines(err, "warning: ", line);
@@ -77,23 +83,44 @@ Sheet const& findSheet(std::string const& name) {
 }
 
 int runRequest(Request const& request, DataDirChoice const& dataDir, std::ostream& out, std::ostream& err) {
+    // Without data the library fails with a message of its own that names nothing; say why first.
+    if (dataDir.source == DataDirSource::None && request.command != Command::Models)
+        printLines(err, "warning: ", describeDataDir(dataDir));
+    int code = kExitBadInput;
     try {
         switch (request.command) {
             case Command::Models:
-                return runModels(out);
+                code = runModels(out);
+                break;
             case Command::Cells:
-                return runCells(request, out, err);
+                code = runCells(request, out, err);
+                break;
             case Command::Calc:
-                return runCalc(request, out, err);
+                code = runCalc(request, out, err);
+                break;
             case Command::Presets:
-                return runPresets(findSheet(request.model), out);
+                code = runPresets(findSheet(request.model), out);
+                break;
         }
     } catch (HostError const& e) {
         printLines(err, "error: ", e.what());
         if (e.code() == kExitDataFailure) printLines(err, "hint: ", describeDataDir(dataDir));
         return e.code();
+    } catch (...) {
+        printLines(err, "error: ", describeCurrentException());
+        return kExitDataFailure;
     }
-    return kExitBadInput;
+    return code == kExitOk ? checkWritten(out, err) : code;
+}
+
+int checkWritten(std::ostream& out, std::ostream& err) {
+    errno = 0;
+    out.flush();
+    if (out) return kExitOk;
+    int const cause = errno;
+    err << "prsm: error: the result could not be written to standard output"
+        << (cause != 0 ? std::string(": ") + std::strerror(cause) : std::string()) << "\n";
+    return kExitDataFailure;
 }
 
 }  // namespace prsm::host

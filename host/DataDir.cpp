@@ -26,13 +26,16 @@ std::string tidy(fs::path const& path) {
 
 DataDirChoice chooseDataDir(char const* environment, std::string const& exeDir,
                             std::string const& installedRelative, std::string const& sourceDir) {
-    if (environment != nullptr) return {DataDirSource::Environment, environment};
+    if (environment != nullptr) return {DataDirSource::Environment, environment, {}};
+    DataDirChoice none{DataDirSource::None, std::string(), {}};
     if (!exeDir.empty()) {
         fs::path const installed = fs::path(exeDir) / installedRelative;
-        if (holdsData(installed)) return {DataDirSource::Installed, tidy(installed)};
+        if (holdsData(installed)) return {DataDirSource::Installed, tidy(installed), {}};
+        none.searched.push_back(tidy(installed));
     }
-    if (holdsData(sourceDir)) return {DataDirSource::SourceTree, tidy(sourceDir)};
-    return {DataDirSource::None, std::string()};
+    if (holdsData(sourceDir)) return {DataDirSource::SourceTree, tidy(sourceDir), {}};
+    if (!sourceDir.empty()) none.searched.push_back(tidy(sourceDir));
+    return none;
 }
 
 std::string executableDir(char const* argv0) {
@@ -66,7 +69,12 @@ std::string describeDataDir(DataDirChoice const& choice) {
         case DataDirSource::None:
             break;
     }
-    return "QDI_DATADIR unset and no shipped data found; set QDI_DATADIR to a folder holding powercfg/";
+    std::string looked;
+    for (std::string const& folder : choice.searched)
+        looked += (looked.empty() ? " (looked in " : " and ") + folder;
+    if (!looked.empty()) looked += ")";
+    return "QDI_DATADIR is unset and no shipped data was found" + looked +
+           ", so no model can read its data; set QDI_DATADIR to a folder holding powercfg/";
 }
 
 }  // namespace prsm::host

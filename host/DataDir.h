@@ -6,6 +6,7 @@
 #include <iosfwd>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace prsm::host {
 
@@ -13,7 +14,8 @@ enum class DataDirSource { Environment, Installed, SourceTree, None };
 
 struct DataDirChoice {
     DataDirSource source = DataDirSource::None;
-    std::string path;  // the QDI_DATADIR value to use; empty for None
+    std::string path;                   // the QDI_DATADIR value to use; empty for None
+    std::vector<std::string> searched;  // for None: the folders looked in for shipped data
 };
 
 // Decides without touching the environment. `environment` is QDI_DATADIR's value (null when unset),

@@ -1,17 +1,19 @@
-#include <prsm/framework/PRSMSheetAdapter.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Inputs.h>
+#include <prsm/host/Numbers.h>
 #include <prsm/host/Suggest.h>
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
-#include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <sstream>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace prsm::host {
 
@@ -36,32 +38,130 @@ std::vector<std::string> inputNames(Sheet const& sheet) {
 
 // The text to hand to the sheet, or an error message.
 bool valueText(CellInfo const& cell, Assignment const& assignment, std::string& text, std::string& problem) {
-    text = assignment.text;
     bool const jsonNumber =
         assignment.kind == ValueKind::JsonInteger || assignment.kind == ValueKind::JsonNumber;
-    if (cell.type == CellType::String) {
-        if (!jsonNumber) return true;
-        problem = cell.name + " is a string cell; write its value as a JSON string, \"" + text + "\"";
-        return false;
-    }
-    if (cell.type == CellType::Int && assignment.kind == ValueKind::JsonNumber) {
-        // JSON writes 2.0 and 2e3 as numbers that are whole; an int cell takes them.
-        double const value = std::strtod(text.c_str(), nullptr);
-        if (std::trunc(value) == value && value >= INT_MIN && value <= INT_MAX)
-            text = std::to_string(static_cast<long long>(value));
-    }
-    try {
-        if (cell.type == CellType::Int)
-            parseIntCell(cell.name, text);
-        else
-            parseFloatCell(cell.name, text);
-    } catch (std::invalid_argument const& e) {
+    if (cell.type == CellType::String && jsonNumber) {
         problem =
-            std::string(e.what()) + " (a" + (cell.type == CellType::Int ? "n int" : " float") + " input)";
+            cell.name + " is a string cell; write its value as a JSON string, \"" + assignment.text + "\"";
         return false;
     }
-    return true;
+    problem = checkCellText(cell, assignment.text, text);
+    return problem.empty();
 }
+
+// Reads the top-level object of an input file event by event, so that each number keeps the text it
+// was written with, a repeated name is seen, and a number too large for any type still names its cell.
+class InputObjectReader final : public nlohmann::json_sax<nlohmann::json> {
+public:
+    explicit InputObjectReader(std::string const& origin) : m_origin(origin) {}
+
+    bool null() override { return scalar("null"); }
+    bool boolean(bool) override { return scalar("boolean"); }
+    bool number_integer(number_integer_t value) override {
+        return assign(std::to_string(value), ValueKind::JsonInteger, "number");
+    }
+    bool number_unsigned(number_unsigned_t value) override {
+        return assign(std::to_string(value), ValueKind::JsonInteger, "number");
+    }
+    bool number_float(number_float_t, string_t const& text) override {
+        return assign(text, ValueKind::JsonNumber, "number");
+    }
+    bool string(string_t& text) override { return assign(text, ValueKind::JsonString, "string"); }
+    bool binary(binary_t&) override { return scalar("binary"); }
+    bool start_object(std::size_t) override { return open("object"); }
+    bool start_array(std::size_t) override { return open("array"); }
+    bool end_object() override { return close(); }
+    bool end_array() override { return close(); }
+
+    bool key(string_t& name) override {
+        if (m_depth != 1) return true;
+        m_key = name;
+        if (!m_names.insert(name).second) problem(name + " is given more than once");
+        return true;
+    }
+
+    bool parse_error(std::size_t, std::string const& token, nlohmann::json::exception const& error) override {
+        // A number beyond the double range: kept as written, so that the cell's own range is reported.
+        if (error.id == 406 && m_depth == 1 && !m_key.empty() && isNumberText(token)) {
+            m_assignments.push_back({m_key, token, ValueKind::JsonNumber, m_origin});
+            return false;
+        }
+        std::string const at = m_depth >= 1 && !m_key.empty() ? " (at " + m_key + ")" : std::string();
+        // The parser's text without its "[json.exception.parse_error.101] " tag.
+        std::string reason = error.what();
+        if (std::size_t const tag = reason.find("] ");
+            reason.rfind("[json.exception.", 0) == 0 && tag != std::string::npos)
+            reason.erase(0, tag + 2);
+        m_problems.push_back("input file " + m_origin + " is not valid JSON" + at + ": " + reason);
+        return false;
+    }
+
+    // The assignments read; throws HostError listing every problem found.
+    std::vector<Assignment> result() const {
+        if (!m_topKind.empty() && m_topKind != "object")
+            throw HostError(kExitBadInput, "input file " + m_origin +
+                                               " must hold one JSON object of NAME: value, not " + m_topKind);
+        std::vector<std::string> problems = m_problems;
+        if (m_unreported > 0)
+            problems.push_back("... and " + std::to_string(m_unreported) + " more problems");
+        if (!problems.empty()) throw HostError(kExitBadInput, joinLines(problems));
+        return m_assignments;
+    }
+
+private:
+    void problem(std::string const& text) {
+        if (m_problems.size() < kReportedProblems)
+            m_problems.push_back("input file " + m_origin + ": " + text);
+        else
+            ++m_unreported;
+    }
+
+    // A value: of the top level (not an object), of a name, or nested (already reported).
+    bool value(char const* kind) {
+        if (m_depth == 0) {
+            m_topKind = kind;
+            return false;
+        }
+        return true;
+    }
+
+    bool scalar(char const* kind) {
+        if (!value(kind)) return false;
+        if (m_depth == 1) problem(m_key + " must be a number or a string, not " + kind);
+        return true;
+    }
+
+    bool assign(std::string const& text, ValueKind valueKind, char const* kind) {
+        if (!value(kind)) return false;
+        if (m_depth == 1) m_assignments.push_back({m_key, text, valueKind, m_origin});
+        return true;
+    }
+
+    bool open(char const* kind) {
+        if (m_depth == 0) {
+            m_topKind = kind;
+            if (m_topKind != "object") return false;
+        } else if (m_depth == 1) {
+            problem(m_key + " must be a number or a string, not " + kind);
+        }
+        ++m_depth;
+        return true;
+    }
+
+    bool close() {
+        --m_depth;
+        return true;
+    }
+
+    std::string m_origin;
+    int m_depth = 0;
+    std::string m_topKind;
+    std::string m_key;
+    std::unordered_set<std::string> m_names;
+    std::size_t m_unreported = 0;
+    std::vector<Assignment> m_assignments;
+    std::vector<std::string> m_problems;
+};
 
 }  // namespace
 
@@ -73,52 +173,45 @@ Assignment parseAssignment(std::string const& argument) {
 }
 
 std::vector<Assignment> parseInputJson(std::string const& content, std::string const& origin) {
-    nlohmann::json document;
-    try {
-        document = nlohmann::json::parse(content);
-    } catch (nlohmann::json::parse_error const& e) {
-        throw HostError(kExitBadInput, "input file " + origin + " is not valid JSON: " + e.what());
+    InputObjectReader reader(origin);
+    nlohmann::json::sax_parse(content, &reader);
+    return reader.result();
+}
+
+std::vector<Assignment> readInputStream(std::istream& in, std::string const& origin) {
+    std::string content;
+    char buffer[65536];
+    while (in.read(buffer, sizeof buffer) || in.gcount() > 0) {
+        content.append(buffer, static_cast<std::size_t>(in.gcount()));
+        if (content.size() > kInputFileLimit)
+            throw HostError(kExitBadInput, "input file " + origin + " is larger than " +
+                                               std::to_string(kInputFileLimit >> 20) + " MiB");
     }
-    if (!document.is_object())
-        throw HostError(kExitBadInput, "input file " + origin +
-                                           " must hold one JSON object of NAME: value, not " +
-                                           std::string(document.type_name()));
-    std::vector<Assignment> assignments;
-    std::vector<std::string> problems;
-    for (auto const& [name, value] : document.items()) {
-        if (value.is_number_integer())
-            assignments.push_back({name, value.dump(), ValueKind::JsonInteger, origin});
-        else if (value.is_number())
-            assignments.push_back({name, value.dump(), ValueKind::JsonNumber, origin});
-        else if (value.is_string())
-            assignments.push_back({name, value.get<std::string>(), ValueKind::JsonString, origin});
-        else
-            problems.push_back("input file " + origin + ": " + name + " must be a number or a string, not " +
-                               std::string(value.type_name()));
-    }
-    if (!problems.empty()) throw HostError(kExitBadInput, joinLines(problems));
-    return assignments;
+    if (in.bad()) throw HostError(kExitBadInput, "cannot read input file " + origin);
+    return parseInputJson(content, origin);
 }
 
 std::vector<Assignment> readInputFile(std::string const& path) {
+    if (path == "-") return readInputStream(std::cin, "standard input");
+    std::error_code failed;
+    if (std::filesystem::is_directory(path, failed))
+        throw HostError(kExitBadInput, "input file " + path + " is a directory, not a JSON file");
     std::ifstream file(path, std::ios::binary);
     if (!file) throw HostError(kExitBadInput, "cannot open input file " + path + ": " + std::strerror(errno));
-    std::ostringstream content;
-    content << file.rdbuf();
-    if (file.bad()) throw HostError(kExitBadInput, "cannot read input file " + path);
-    return parseInputJson(content.str(), path);
+    return readInputStream(file, path);
 }
 
 std::vector<Assignment> mergeAssignments(std::vector<Assignment> const& fromFile,
                                          std::vector<Assignment> const& fromCommandLine) {
     std::vector<Assignment> merged;
+    std::unordered_map<std::string, std::size_t> place;
     for (auto const* list : {&fromFile, &fromCommandLine}) {
         for (Assignment const& assignment : *list) {
-            auto same = [&](Assignment const& other) { return other.name == assignment.name; };
-            if (auto it = std::find_if(merged.begin(), merged.end(), same); it != merged.end())
-                *it = assignment;
-            else
+            auto const [it, added] = place.emplace(assignment.name, merged.size());
+            if (added)
                 merged.push_back(assignment);
+            else
+                merged[it->second] = assignment;
         }
     }
     return merged;
@@ -127,7 +220,13 @@ std::vector<Assignment> mergeAssignments(std::vector<Assignment> const& fromFile
 std::vector<ResolvedInput> resolveInputs(Sheet const& sheet, std::vector<Assignment> const& assignments) {
     std::vector<ResolvedInput> resolved;
     std::vector<std::string> problems;
+    std::size_t unchecked = 0;
     for (Assignment const& assignment : assignments) {
+        // Enough said: a hostile file of a million names is not answered name by name.
+        if (problems.size() >= kReportedProblems) {
+            ++unchecked;
+            continue;
+        }
         CellInfo const* cell = sheet.findCell(assignment.name);
         if (cell == nullptr) {
             problems.push_back(sheet.name() + " has no cell " + assignment.name + fromWhere(assignment) +
@@ -147,6 +246,8 @@ std::vector<ResolvedInput> resolveInputs(Sheet const& sheet, std::vector<Assignm
         else
             problems.push_back(problem + fromWhere(assignment));
     }
+    if (unchecked > 0)
+        problems.push_back("... and " + std::to_string(unchecked) + " more inputs not checked");
     if (!problems.empty()) throw HostError(kExitBadInput, joinLines(problems));
     return resolved;
 }

@@ -4,6 +4,8 @@
 
 #include <prsm/framework/PRSMSheetRegistry.h>
 
+#include <cstddef>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -27,9 +29,18 @@ struct ResolvedInput {
 // "NAME=VALUE" (the value may be empty and may hold '='). Throws HostError(kExitBadInput).
 Assignment parseAssignment(std::string const& argument);
 
-// Every NAME: value of a JSON object, numbers or strings. Throws HostError(kExitBadInput) when the file
-// is missing, is not valid JSON or holds anything else.
+// Every NAME: value of a JSON object, numbers (as written) or strings, in the object's order. Throws
+// HostError(kExitBadInput) when the file is missing or a directory, is not valid JSON, repeats a name or
+// holds anything else. A number beyond the double range ends the reading: it is returned as written,
+// last, for the cell to refuse. The path "-" reads standard input.
+// At most this many problems are listed, one a line; the rest are counted.
+inline constexpr std::size_t kReportedProblems = 50;
+
+// An input file holds one object of inputs; anything larger than this is refused unread.
+inline constexpr std::size_t kInputFileLimit = std::size_t{16} << 20;
+
 std::vector<Assignment> parseInputJson(std::string const& content, std::string const& origin);
+std::vector<Assignment> readInputStream(std::istream& in, std::string const& origin);
 std::vector<Assignment> readInputFile(std::string const& path);
 
 // The file's values overridden by the command line's, a name appearing once, at its first place.

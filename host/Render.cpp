@@ -1,3 +1,4 @@
+#include <prsm/host/Numbers.h>
 #include <prsm/host/Render.h>
 #include <prsm/host/TextTable.h>
 #include <prsm/host/Values.h>
@@ -6,9 +7,10 @@ namespace prsm::host {
 
 namespace {
 
+// Control characters would break the table's lines; they are shown escaped (\x0A).
 std::string shown(CellType type, std::string const& text) {
-    if (type == CellType::String) return text.empty() ? "\"\"" : text;
-    return displayValue(type, text);
+    if (type == CellType::String && text.empty()) return "\"\"";
+    return printable(displayValue(type, text));
 }
 
 std::string validWhen(InputCheck const& check) {
@@ -29,22 +31,23 @@ std::string renderModels(std::vector<Sheet const*> const& sheets) {
 std::string renderCells(std::vector<CellRow> const& rows) {
     std::vector<TextRow> table;
     for (CellRow const& row : rows)
-        table.push_back({row.name, row.type, row.category, row.defaultValue, row.validValues});
-    return formatTable({"cell", "type", "category", "default", "valid values"}, table);
+        table.push_back({row.name, row.type, row.category, row.unit, row.defaultValue, row.validValues});
+    return formatTable({"cell", "type", "category", "unit", "default", "valid values"}, table);
 }
 
 std::string renderCalcTable(CalcResult const& result) {
     std::vector<TextRow> outputs;
     for (CellValue const& output : result.outputs)
-        outputs.push_back({output.name, shown(output.type, output.text)});
-    std::string text = formatTable({"output", "value"}, outputs);
+        outputs.push_back({output.name, shown(output.type, output.text), output.unit});
+    std::string text = formatTable({"output", "value", "unit"}, outputs);
 
     std::vector<TextRow> invalid;
     for (InputCheck const& check : result.checks)
-        if (!check.valid) invalid.push_back({check.name, shown(check.type, check.value), validWhen(check)});
+        if (!check.valid)
+            invalid.push_back({check.name, shown(check.type, check.value), check.unit, validWhen(check)});
     if (!invalid.empty()) {
         text += "\nINVALID inputs (calculated anyway)\n";
-        text += formatTable({"input", "value", "valid when"}, invalid);
+        text += formatTable({"input", "value", "unit", "valid when"}, invalid);
     }
     return text;
 }
@@ -60,6 +63,9 @@ nlohmann::ordered_json calcJson(CalcResult const& result) {
         document["outputs"][output.name] = jsonValue(output.type, output.text);
     document["valid"] = nlohmann::ordered_json::object();
     for (InputCheck const& check : result.checks) document["valid"][check.name] = check.valid;
+    document["unit"] = nlohmann::ordered_json::object();
+    for (auto const* cells : {&result.inputs, &result.outputs})
+        for (CellValue const& cell : *cells) document["unit"][cell.name] = cell.unit;
     return document;
 }
 
@@ -67,7 +73,8 @@ std::vector<std::string> invalidInputWarnings(CalcResult const& result) {
     std::vector<std::string> lines;
     for (InputCheck const& check : result.checks)
         if (!check.valid)
-            lines.push_back(check.name + " = " + shown(check.type, check.value) + " is invalid (valid when " +
+            lines.push_back(check.name + " = " + shown(check.type, check.value) +
+                            (check.unit.empty() ? "" : " " + check.unit) + " is invalid (valid when " +
                             validWhen(check) + "); calculated anyway");
     return lines;
 }

@@ -18,7 +18,8 @@ std::string renderCells(std::vector<CellRow> const& rows);
 // The outputs as a table, then, when any input is invalid, a table of those inputs and their rules.
 std::string renderCalcTable(CalcResult const& result);
 
-// In the sheet's order: {"model": ..., "inputs": {...}, "outputs": {...}, "valid": {NAME: true/false}}
+// In the sheet's order: {"model": ..., "inputs": {...}, "outputs": {...}, "valid": {NAME: true/false},
+// "unit": {NAME: unit}} with a unit ("" when none) for every input and output.
 nlohmann::ordered_json calcJson(CalcResult const& result);
 
 // One line per invalid input, for standard error when the output is JSON or the dump.

@@ -29,11 +29,12 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
     CLI::App* calc = app.add_subcommand("calc", "Set a model's inputs, calculate it and print its outputs");
     calc->add_option("model", request.model, "Model name (see `prsm models`)")->required();
     calc->add_option("assignments", request.assignments, "Inputs as NAME=VALUE (override the input file)");
-    calc->add_option("-i,--input", request.inputFile, "JSON file holding an object of NAME: value");
+    calc->add_option("-i,--input", request.inputFile,
+                     "JSON file holding an object of NAME: value (- for standard input)");
     calc->add_option(
         "--preset", request.preset,
         "Start from a ready-made input set (the file and NAME=VALUE override it); `list` lists them");
-    CLI::Option* json = calc->add_flag("--json", "Print model, inputs, outputs and validity as JSON");
+    CLI::Option* json = calc->add_flag("--json", "Print model, inputs, outputs, validity and units as JSON");
     CLI::Option* reflect = calc->add_flag("--reflect", "Print the parameter set's full text dump");
     json->excludes(reflect);
 

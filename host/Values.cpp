@@ -1,3 +1,4 @@
+#include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/host/Values.h>
 
 #include <cmath>
@@ -24,7 +25,23 @@ std::string shortestFloatText(float value) {
     return text;
 }
 
+bool isReservedValue(CellType type, std::string const& text) {
+    switch (type) {
+        case CellType::Int:
+            return text == std::to_string(kIntNotSet) || text == std::to_string(kIntUnset);
+        case CellType::Float: {
+            char* end = nullptr;
+            float const value = std::strtof(text.c_str(), &end);
+            return end != text.c_str() && *end == '\0' && (value == kFloatNotSet || value == kFloatAbsent);
+        }
+        case CellType::String:
+            break;
+    }
+    return text == kStringNotSet;
+}
+
 std::string displayValue(CellType type, std::string const& text) {
+    if (isReservedValue(type, text)) return kNoValueText;
     if (type != CellType::Float) return text;
     char* end = nullptr;
     float const value = std::strtof(text.c_str(), &end);
@@ -32,6 +49,7 @@ std::string displayValue(CellType type, std::string const& text) {
 }
 
 nlohmann::ordered_json jsonValue(CellType type, std::string const& text) {
+    if (isReservedValue(type, text)) return nullptr;
     switch (type) {
         case CellType::Int: {
             char* end = nullptr;

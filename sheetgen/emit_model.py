@@ -285,7 +285,27 @@ def _cell_info(sheet: Sheet, plan: Plan, cell: Cell) -> str:
         listed = "true" if inp.list_name is not None else "false"
     esc = lambda s: s.replace("\\", "\\\\").replace('"', '\\"')
     return (f'        {{"{cell.name}", {CELL_TYPE[cell.type]}, {CELL_CATEGORY[cell.category]}, "{esc(default)}", '
-            f'"{esc(rule)}", "{key}", {listed}}},')
+            f'"{esc(rule)}", "{key}", {listed}, "{esc(cell.unit)}"}},')
+
+
+def _rows_lacking(sheet: Sheet) -> str:
+    """Per string input that may select table rows (a key whose name is part of the input's: "device" for
+    DEVICE and INTERNAL_DEVICE_NAME), the check that the value it holds has a row in each table whose
+    keys hold the input's default at that place."""
+    def plain(name: str) -> str:
+        return name.replace("_", "").lower()
+    blocks = []
+    for cell in sheet.all_cells():
+        default = sheet.inputs[cell.name].default if cell.is_input else None
+        if cell.type != "string" or not isinstance(default, str):
+            continue
+        checks = [f'        prsm::appendIfNoRow(data.{t.member}, "{t.label}", {i}, {cpp_literal(default, "string")}, '
+                  f'value, missing);'
+                  for t in sheet.tables if t.type != "list"
+                  for i, key in enumerate(t.keys) if plain(key) in plain(cell.name)]
+        if checks:
+            blocks.append(f'    if (input == "{cell.name}") {{\n' + "\n".join(checks) + "\n    }")
+    return "\n".join(blocks)
 
 
 def source(sheet: Sheet) -> str:
@@ -380,12 +400,20 @@ std::string validValuesByName({cls} const& model, {cls}::Params& params, {cls}::
     return std::string();
 }}
 
+std::vector<prsm::MissingRow> rowsLacking({cls}::Data const& data, std::string const& input,
+                                          std::string const& value) {{
+    std::vector<prsm::MissingRow> missing;
+{_rows_lacking(sheet)}
+    (void)data, (void)input, (void)value;
+    return missing;
+}}
+
 prsm::GeneratedSheet<{cls}> const registration(
     "{sheet.stem}", "{esc_desc}",
     {{
 {infos}
     }},
-    &validValuesByName);
+    &validValuesByName, &rowsLacking);
 
 }}  // namespace
 """)

@@ -66,6 +66,7 @@ class Cell:
     family: "Family | None" = None
     pattern: str | None = None
     member: str | None = None
+    unit: str = ""
 
     @property
     def camel(self) -> str:
@@ -214,6 +215,52 @@ def _cells(doc: dict) -> tuple[dict, dict]:
     return cells, by_name
 
 
+def _glob(pattern: str) -> "re.Pattern[str]":
+    return re.compile(".*".join(re.escape(part) for part in pattern.split("*")))
+
+
+def _is_flag(name: str) -> bool:
+    return name.startswith("IS_VALID_")
+
+
+def _units(doc: dict, by_name: dict[str, Cell]) -> None:
+    """Gives every cell its unit: an exact name beats a "*" pattern, the longest pattern beats shorter
+    ones; a cell that nothing names keeps "". Patterns pass over the validity flags (IS_VALID_*), which
+    have no unit. A pattern that names no cell is an error."""
+    exact: dict[str, str] = {}
+    globs: list[tuple[str, str]] = []  # (pattern, unit)
+    section = doc.get("units", {})
+    if not isinstance(section, dict):
+        raise SheetError("units: expected a table of unit = [cell name patterns]")
+    for unit, patterns in section.items():
+        if not isinstance(patterns, list) or not all(isinstance(p, str) for p in patterns):
+            raise SheetError(f"units.{unit}: expected a list of cell name patterns (strings)")
+        for pattern in patterns:
+            for name in expand(pattern):
+                if "*" in name:
+                    globs.append((name, unit))
+                    if not any(_glob(name).fullmatch(cell) for cell in by_name if not _is_flag(cell)):
+                        raise SheetError(f"units.{unit}: pattern {name} matches no cell")
+                elif name not in by_name:
+                    raise SheetError(f"units.{unit}: no cell {name}")
+                elif exact.setdefault(name, unit) != unit:
+                    raise SheetError(f"units: cell {name} has two units, {exact[name]} and {unit}")
+    for name, cell in by_name.items():
+        if name in exact:
+            cell.unit = exact[name]
+            continue
+        matches = [(len(p), p, u) for p, u in globs if _glob(p).fullmatch(name)]
+        if not matches or _is_flag(name):
+            continue
+        longest = max(length for length, _, _ in matches)
+        units = {u for length, _, u in matches if length == longest}
+        if len(units) > 1:
+            patterns = sorted(p for length, p, _ in matches if length == longest)
+            raise SheetError(f"units: cell {name} matches {', '.join(patterns)} of equal length with "
+                             f"different units")
+        cell.unit = units.pop()
+
+
 def _tables(doc: dict) -> tuple[list[Table], list[tuple[str, Table]]]:
     maps: dict[str, Table] = {}
     order = []
@@ -241,6 +288,7 @@ def load(path: Path, source_root: Path) -> Sheet:
         doc = tomllib.load(f)
     meta = doc.get("sheet", {})
     cells, by_name = _cells(doc)
+    _units(doc, by_name)
     tables, load_order = _tables(doc)
 
     families = []

@@ -3,6 +3,7 @@
 #ifdef PRSM_HOST_CORE_LINKED
 
 #include <prsm/host/Commands.h>
+#include <prsm/host/DataDir.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Request.h>
 
@@ -22,7 +23,8 @@ struct HostRun {
 
 HostRun run(Request const& request) {
     std::ostringstream out, err;
-    int const status = runRequest(request, DataDirChoice{}, out, err);
+    DataDirChoice const environment{DataDirSource::Environment, "", {}};  // the test process sets QDI_DATADIR
+    int const status = runRequest(request, environment, out, err);
     return {status, out.str(), err.str()};
 }
 

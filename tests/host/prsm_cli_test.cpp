@@ -51,12 +51,14 @@ private:
     std::string m_path;
 };
 
-// Runs prsm with the arguments; `environment` is prepended as shell assignments ("QDI_DATADIR=/x").
-HostRun prsm(std::vector<std::string> const& args, std::string const& environment = std::string()) {
+// Runs prsm with the arguments; `environment` is prepended as shell assignments ("QDI_DATADIR=/x"),
+// `redirections` appended ("< in.json", ">/dev/full").
+HostRun prsm(std::vector<std::string> const& args, std::string const& environment = std::string(),
+             std::string const& redirections = std::string()) {
     TempFile errors;
     std::string command = environment + " " + quoted(PRSM_HOST_BINARY);
     for (std::string const& arg : args) command += " " + quoted(arg);
-    command += " 2>" + quoted(errors.path());
+    command += " " + redirections + " 2>" + quoted(errors.path());
     HostRun run;
     FILE* pipe = ::popen(command.c_str(), "r");
     if (pipe == nullptr) return run;
@@ -159,7 +161,7 @@ TEST_F(PrsmCli, CalculatesToJsonWithDefaultsApplied) {
     TempFile const inputs(R"({"CLOCK_FREQ": 300, "INSTANCE_COUNT": 8})");
     HostRun const zero = prsm({"calc", "TalvexCleLogic", "--json", "-i", inputs.path(), "CLOCK_FREQ=0"});
     EXPECT_EQ(zero.status, 0);
-    EXPECT_TRUE(has(zero.err, "CLOCK_FREQ = 0 is invalid")) << zero.err;
+    EXPECT_TRUE(has(zero.err, "CLOCK_FREQ = 0 MHz is invalid")) << zero.err;
     nlohmann::json const json = nlohmann::json::parse(zero.out);
     EXPECT_EQ(json["inputs"]["CLOCK_FREQ"].get<double>(), 0.0);
     EXPECT_EQ(json["inputs"]["INSTANCE_COUNT"].get<int>(), 8);
@@ -170,6 +172,93 @@ TEST_F(PrsmCli, CalculatesToJsonWithDefaultsApplied) {
     EXPECT_EQ(table.status, 0);
     EXPECT_TRUE(has(table.out, "LOGIC_POWER")) << table.out;
     EXPECT_TRUE(has(table.out, "INVALID inputs")) << table.out;
+}
+
+TEST_F(PrsmCli, RefusesValuesThatUsedToCrashOrPassSilently) {
+    // JSON numbers beyond the double range used to abort the host.
+    TempFile const huge(R"({"CLOCK_FREQ": 1e400})");
+    expectRejected(prsm({"calc", "TalvexCleLogic", "-i", huge.path()}), 2,
+                   {"cell CLOCK_FREQ = 1e400 is out of the float range"});
+    TempFile const hugeInt(R"({"INSTANCE_COUNT": -1e400})");
+    expectRejected(prsm({"calc", "TalvexCleLogic", "-i", hugeInt.path()}), 2,
+                   {"cell INSTANCE_COUNT = -1e400 is out of the int range"});
+    // A string that is not UTF-8 used to abort the JSON output.
+    expectRejected(prsm({"calc", "TalvexCleLogic", "INSTANCE_TYPE=\xff", "--json"}), 2,
+                   {"cell INSTANCE_TYPE", "not UTF-8"});
+    // Non-finite values and the library's reserved values.
+    expectRejected(prsm({"calc", "TalvexCleLogic", "CLOCK_FREQ=inf"}), 2,
+                   {"cell CLOCK_FREQ takes a finite number"});
+    TempFile const notANumber(R"({"CLOCK_FREQ": "NaN", "VCCINT": "Infinity"})");
+    expectRejected(prsm({"calc", "TalvexCleLogic", "-i", notANumber.path()}), 2,
+                   {"cell CLOCK_FREQ takes a finite number", "cell VCCINT takes a finite number"});
+    expectRejected(prsm({"calc", "TalvexCleLogic", "INSTANCE_COUNT=2147483647", "CLOCK_FREQ=3.4028235e38",
+                         "INSTANCE_TYPE=UninitializedString"}),
+                   2,
+                   {"cell INSTANCE_COUNT = \"2147483647\" is the library's reserved",
+                    "cell CLOCK_FREQ = \"3.4028235e38\" is the library's reserved",
+                    "cell INSTANCE_TYPE = \"UninitializedString\" is the library's reserved"});
+    // One rule for the command line and JSON: blanks, '+', hexadecimal, embedded NUL, underflow.
+    expectRejected(prsm({"calc", "TalvexCleLogic", "TOGGLE_RATE= 5", "VCCINT=+7", "LUT_WE_PROB=0x1p4",
+                         "A1_SIG_RATE=1e-40"}),
+                   2,
+                   {"cell TOGGLE_RATE takes a number", "cell VCCINT takes a number",
+                    "cell LUT_WE_PROB takes a number", "cell A1_SIG_RATE = 1e-40 is too close to 0"});
+    TempFile const loose(R"({"CLOCK_FREQ": "250\u0000junk", "A1_SIG_RATE": 1e-400, "VCCINT": 0.8})");
+    expectRejected(prsm({"calc", "TalvexCleLogic", "-i", loose.path()}), 2,
+                   {"cell CLOCK_FREQ takes a number, not \"250\\0junk\"",
+                    "cell A1_SIG_RATE = 1e-400 is too close to 0"});
+    TempFile const twice(R"({"VCCINT": 0.7, "VCCINT": 0.8})");
+    expectRejected(prsm({"calc", "TalvexCleLogic", "-i", twice.path()}), 2,
+                   {"VCCINT is given more than once"});
+    expectRejected(prsm({"calc", "TalvexCleLogic", "CLOCK_FREQ=1e39"}), 2, {"out of the float range"});
+    expectRejected(prsm({"calc", "TalvexCleLogic", "-i", "/tmp"}), 2, {"input file /tmp is a directory"});
+    expectRejected(prsm({"calc", "TalvexCleLogic", "-i", "/dev/zero"}), 2, {"larger than 16 MiB"});
+}
+
+TEST_F(PrsmCli, ReportsAFailedWriteAndReadsStandardInput) {
+    HostRun const full = prsm({"calc", "TalvexCleLogic", "--json"}, "", ">/dev/full");
+    EXPECT_EQ(full.status, 3);
+    EXPECT_TRUE(has(full.err, "could not be written to standard output")) << full.err;
+
+    TempFile const inputs(R"({"CLOCK_FREQ": 250, "INSTANCE_COUNT": 4})");
+    HostRun const piped =
+        prsm({"calc", "TalvexCleLogic", "-i", "-", "--json"}, "", "<" + quoted(inputs.path()));
+    ASSERT_EQ(piped.status, 0) << piped.err;
+    nlohmann::json const json = nlohmann::json::parse(piped.out);
+    EXPECT_EQ(json["inputs"]["INSTANCE_COUNT"].get<int>(), 4);
+    EXPECT_EQ(json["inputs"]["CLOCK_FREQ"].get<double>(), 250.0);
+}
+
+TEST_F(PrsmCli, ShowsUnitsAndWarnsOfADeviceWithoutItsOwnRow) {
+    HostRun const cells = prsm({"cells", "TalvexCleLogic", "--category", "input"});
+    ASSERT_EQ(cells.status, 0) << cells.err;
+    EXPECT_TRUE(has(cells.out, "category  unit")) << cells.out;
+    EXPECT_TRUE(has(cells.out, "CLOCK_FREQ                      float   input     MHz")) << cells.out;
+
+    HostRun const table = prsm({"calc", "TalvexCleLogic"});
+    ASSERT_EQ(table.status, 0) << table.err;
+    EXPECT_TRUE(has(table.out, "value")) << table.out;
+    nlohmann::json const json = nlohmann::json::parse(prsm({"calc", "TalvexCleLogic", "--json"}).out);
+    EXPECT_EQ(json["unit"]["LOGIC_POWER"], "W");
+    EXPECT_EQ(json["unit"]["LUT_INSTANCE_POWER"], "mW");
+    EXPECT_EQ(json["unit"]["CLOCK_FREQ"], "MHz");
+    EXPECT_EQ(json["unit"]["INSTANCE_TYPE"], "");
+
+    // A lower-case part name has no scale row of its own: calculated with the default row, and said.
+    HostRun const lower = prsm({"calc", "TalvexCleLogic", "DEVICE=zqvc1902", "--json"});
+    EXPECT_EQ(lower.status, 0) << lower.err;
+    EXPECT_TRUE(has(lower.err,
+                    "warning: DEVICE = zqvc1902 has no row of its own in BLOCK_POWER_SCALE "
+                    "(did you mean ZQVC1902?)"))
+        << lower.err;
+    EXPECT_EQ(prsm({"calc", "TalvexCleLogic", "DEVICE=ZQVC1902"}).err, "");
+    // The same for a key below the first and for an input that names an internal device.
+    EXPECT_TRUE(
+        has(prsm({"calc", "TalvexNoc", "DATA_PATH=ps_to_ddrc"}).err,
+            "DATA_PATH = ps_to_ddrc has no row of its own in DEVICE_DATA (did you mean PS_TO_DDRC?)"));
+    EXPECT_TRUE(
+        has(prsm({"calc", "TalvexAie", "INTERNAL_DEVICE_NAME=zq10s80"}).err,
+            "INTERNAL_DEVICE_NAME = zq10s80 has no row of its own in SHIM_DATA (did you mean ZQ10S80?)"));
 }
 
 }  // namespace

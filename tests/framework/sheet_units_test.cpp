@@ -1,0 +1,75 @@
+// Units declared in a sheet table: how a cell's unit is resolved, and the tables the generator refuses.
+
+#include <prsm/framework/PRSMSheetRegistry.h>
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace {
+
+std::string unitOf(std::string const& cell) {
+    prsm::Sheet const* sheet = prsm::SheetRegistry::instance().find("TestSampler");
+    EXPECT_NE(sheet, nullptr);
+    prsm::CellInfo const* info = sheet != nullptr ? sheet->findCell(cell) : nullptr;
+    EXPECT_NE(info, nullptr) << cell;
+    return info != nullptr ? info->unit : "?";
+}
+
+TEST(SheetUnits, ExactNamesBeatPatternsAndLongerPatternsBeatShorterOnes) {
+    // TestSampler: W = ["TOTAL", "LANE_*_POWER"], mW = ["LANE_A_POWER"], uW = ["*_POWER"],
+    // count = ["COUNT{,_OUT}"], fraction = ["*RATE", "LANE_{A,B}_LOAD"].
+    EXPECT_EQ(unitOf("TOTAL"), "W");
+    EXPECT_EQ(unitOf("LANE_A_POWER"), "mW");  // named exactly
+    EXPECT_EQ(unitOf("LANE_B_POWER"), "W");   // "LANE_*_POWER" is longer than "*_POWER"
+    EXPECT_EQ(unitOf("COUNT"), "count");      // an empty brace choice
+    EXPECT_EQ(unitOf("COUNT_OUT"), "count");
+    EXPECT_EQ(unitOf("RATE"), "fraction");
+    EXPECT_EQ(unitOf("GET_MAX_RATE"), "fraction");
+    EXPECT_EQ(unitOf("LANE_B_LOAD"), "fraction");
+    EXPECT_EQ(unitOf("IS_VALID_RATE"), "");  // "*RATE" passes over the validity flags
+    EXPECT_EQ(unitOf("PLACEHOLDER"), "");    // named by nothing
+    EXPECT_EQ(unitOf("MODE"), "");
+}
+
+// Runs the generator on a table made of a fixed head and `units`; returns its standard error, or
+// "accepted" when it succeeds.
+std::string generate(std::string const& units) {
+    namespace fs = std::filesystem;
+    fs::path const root = fs::temp_directory_path() / ("prsm_units_" + std::to_string(::getpid()));
+    fs::create_directories(root / "out");
+    std::ofstream(root / "Probe.toml")
+        << "[sheet]\ncalculate = [\"TOTAL_POWER\"]\n\n[units]\n"
+        << units
+        << "\n\n[cells.float]\ninputs = [\"CLOCK_FREQ\"]\n"
+           "outputs = [\"TOTAL_POWER\"]\n\n[inputs.CLOCK_FREQ]\ndefault = 1.0\n";
+    std::string const command = std::string(PRSM_PYTHON) + " " + PRSM_SHEETGEN + " " +
+                                (root / "Probe.toml").string() + " --out " + (root / "out").string() +
+                                " --source-root " + root.string() + " 2>&1";
+    std::string output;
+    if (FILE* pipe = ::popen(command.c_str(), "r")) {
+        char buffer[512];
+        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) output.append(buffer, n);
+        if (::pclose(pipe) == 0) output = "accepted";
+    }
+    fs::remove_all(root);
+    return output;
+}
+
+TEST(SheetUnits, TheGeneratorRefusesUnitsThatNameNothingOrAreNotLists) {
+    EXPECT_EQ(generate("W = [\"*_POWER\"]\nMHz = [\"CLOCK_FREQ\"]"), "accepted");
+    EXPECT_NE(generate("W = [\"*_STATIC_POWER\"]").find("pattern *_STATIC_POWER matches no cell"),
+              std::string::npos);
+    EXPECT_NE(generate("V = [\"VCCINT\"]").find("no cell VCCINT"), std::string::npos);
+    EXPECT_NE(generate("W = \"TOTAL_POWER\"").find("units.W: expected a list"), std::string::npos);
+    EXPECT_NE(generate("W = [\"TOTAL_POWER\", 3]").find("units.W: expected a list"), std::string::npos);
+    EXPECT_NE(generate("W = [\"TOTAL_POWER\"]\nmW = [\"TOTAL_POWER\"]").find("two units"), std::string::npos);
+    EXPECT_NE(generate("W = [\"TOTAL_*\"]\nmW = [\"*_POWER\"]").find("equal length"), std::string::npos);
+}
+
+}  // namespace
