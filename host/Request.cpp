@@ -30,6 +30,8 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
     calc->add_option("model", request.model, "Model name (see `prsm models`)")->required();
     calc->add_option("assignments", request.assignments, "Inputs as NAME=VALUE (override the input file)");
     calc->add_option("-i,--input", request.inputFile, "JSON file holding an object of NAME: value");
+    calc->add_option("--outputs", request.outputs,
+                     "Show only the outputs whose name matches a glob, e.g. '*_STATIC_CURRENT'");
     CLI::Option* json = calc->add_flag("--json", "Print model, inputs, outputs and validity as JSON");
     CLI::Option* reflect = calc->add_flag("--reflect", "Print the parameter set's full text dump");
     json->excludes(reflect);

@@ -18,6 +18,7 @@ struct Request {
     std::string inputFile;                 // a JSON object of NAME: value; empty when none
     OutputFormat format = OutputFormat::Table;
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
+    std::string outputs;   // `calc`: show only the outputs whose name matches this glob; empty for all
     bool verbose = false;
 };
 
