@@ -77,9 +77,8 @@ float leakageAt25(float a, float b, float c, float d, float e, float constant) {
     return static_cast<float>(a * 9765625.0 + b * 390625.0 + c * 15625.0 + d * 625.0 + e * 25.0 + constant);
 }
 
-// 1 when C1 is 0, else C1·exp(C2·V).
+// C1·exp(C2·V) (the caller has found C1 non-zero).
 float singleSupplyScaling(float c1, float c2, float volts) {
-    if (c1 == 0.0f) return 1.0f;
     return static_cast<float>(c1 * std::exp(static_cast<double>(c2) * volts));
 }
 
@@ -297,6 +296,13 @@ Rail x5ioRail(X5ioRail rail) {
     return Rail::VCCO10;
 }
 
+// The package, its default applied; read in place, since a package name may be longer than a string's
+// inline buffer and a copy would allocate on every calculate.
+std::string const& gtPackage(Model const& model, Params& params, Data const& data) {
+    if (params[Params::GT_PACKAGE] == prsm::kStringNotSet) model.getGtPackage(params, data);
+    return params[Params::GT_PACKAGE];
+}
+
 // Region totals: the rails' static powers added left to right from 0.
 template <std::size_t N>
 float sumOfStaticPowers(Model const& model, Params& params, Data const& data, Rail const (&rails)[N]) {
@@ -386,19 +392,19 @@ int Model::computeHbm8hMultiplier(Params& params, Data const& data) const {
 // Bonded quads of one kind: GT_INFO.<device>.<package>.<kind>.
 int Model::computeAvailableGty(Params& params, Data const& data) const {
     return IFERROR(data.getGtInfoOrError(getDeviceName(params, data),
-                                         prsm::concatKey(getGtPackage(params, data), ".GTY")),
+                                         prsm::concatKey(gtPackage(*this, params, data), ".GTY")),
                    0);
 }
 
 int Model::computeAvailableGtyp(Params& params, Data const& data) const {
     return IFERROR(data.getGtInfoOrError(getDeviceName(params, data),
-                                         prsm::concatKey(getGtPackage(params, data), ".GTYP")),
+                                         prsm::concatKey(gtPackage(*this, params, data), ".GTYP")),
                    0);
 }
 
 int Model::computeAvailableGtm(Params& params, Data const& data) const {
     return IFERROR(data.getGtInfoOrError(getDeviceName(params, data),
-                                         prsm::concatKey(getGtPackage(params, data), ".GTM")),
+                                         prsm::concatKey(gtPackage(*this, params, data), ".GTM")),
                    0);
 }
 
@@ -688,12 +694,16 @@ float Model::computeCommonVccauxVC6(Params& params, Data const& data) const {
 
 // VCCAUX is scaled by its own voltage and by VCCINT's; every other rail by its own.
 float Model::computeCommonVScaling(Params& params, Data const& data, Rail rail) const {
+    float const c1 = calculateCommonVC1(params, data, rail);
+    if (c1 == 0.0f) return 1.0f;  // 1 when V_C1 is 0, for VCCAUX too
     if (rail != Rail::VCCAUX)
-        return singleSupplyScaling(calculateCommonVC1(params, data, rail),
-                                   calculateCommonVC2(params, data, rail), getRail(params, data, rail));
-    float const c[6] = {calculateCommonVC1(params, data, rail), calculateCommonVC2(params, data, rail),
-                        calculateCommonVccauxVC3(params, data), calculateCommonVccauxVC4(params, data),
-                        calculateCommonVccauxVC5(params, data), calculateCommonVccauxVC6(params, data)};
+        return singleSupplyScaling(c1, calculateCommonVC2(params, data, rail), getRail(params, data, rail));
+    float const c[6] = {c1,
+                        calculateCommonVC2(params, data, rail),
+                        calculateCommonVccauxVC3(params, data),
+                        calculateCommonVccauxVC4(params, data),
+                        calculateCommonVccauxVC5(params, data),
+                        calculateCommonVccauxVC6(params, data)};
     return twoSupplyScaling(c, getVccaux(params, data), getVccint(params, data));
 }
 
@@ -830,6 +840,7 @@ float Model::computeCommonVccauxPlPoweredDownVC6(Params& params, Data const& dat
 }
 
 float Model::computeCommonVccauxPlPoweredDownVScaling(Params& params, Data const& data) const {
+    if (calculateCommonVccauxPlPoweredDownVC1(params, data) == 0.0f) return 1.0f;
     float const c[6] = {calculateCommonVccauxPlPoweredDownVC1(params, data),
                         calculateCommonVccauxPlPoweredDownVC2(params, data),
                         calculateCommonVccauxPlPoweredDownVC3(params, data),
@@ -901,7 +912,9 @@ float Model::computeVC2(Params& params, Data const& data, Block block) const {
 }
 
 float Model::computeVScaling(Params& params, Data const& data, Block block) const {
-    return singleSupplyScaling(calculateVC1(params, data, block), calculateVC2(params, data, block),
+    float const c1 = calculateVC1(params, data, block);
+    if (c1 == 0.0f) return 1.0f;
+    return singleSupplyScaling(c1, calculateVC2(params, data, block),
                                getRail(params, data, site(block).rail));
 }
 
@@ -916,17 +929,20 @@ float Model::computeDeviceScale(Params& params, Data const& data, Block block) c
         1.0f);
 }
 
+// A block not in use carries nothing: its coefficients are not even read (the product is 0).
 float Model::computeStaticCurrent(Params& params, Data const& data, Block block) const {
+    int const count = calculateMultiplier(params, data, block);
+    if (count == 0) return 0.0f;
     return calculateVtLeakage(params, data, block) * calculateVScaling(params, data, block) *
-           calculateVoltBinning(params, data, block) *
-           static_cast<float>(calculateMultiplier(params, data, block)) *
+           calculateVoltBinning(params, data, block) * static_cast<float>(count) *
            calculateDeviceScale(params, data, block);
 }
 
 float Model::computePass1StaticCurrent(Params& params, Data const& data, Block block) const {
+    int const count = calculateMultiplier(params, data, block);
+    if (count == 0) return 0.0f;
     return calculatePass1VtLeakage(params, data, block) * calculateVScaling(params, data, block) *
-           calculateVoltBinning(params, data, block) *
-           static_cast<float>(calculateMultiplier(params, data, block)) *
+           calculateVoltBinning(params, data, block) * static_cast<float>(count) *
            calculateDeviceScale(params, data, block);
 }
 
