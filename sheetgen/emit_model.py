@@ -105,7 +105,8 @@ def header(sheet: Sheet) -> str:
         public += ["", "    // Families: the cell of one member."] + family_lines
     public += ["", "    // Validity of the inputs that have a rule, and the choices of those with a list."]
     for name, inp in plan.validated.items():
-        public.append(f"    bool calculateIsValid{inp.cell.camel}{SIG};")
+        if inp.check:
+            public.append(f"    bool calculateIsValid{inp.cell.camel}{SIG};")
         if inp.list_name is not None:
             public.append(f"    std::string calculateValidValues{inp.cell.camel}{SIG};")
         if inp.rule is not None:
@@ -211,7 +212,7 @@ def _validity(cls: str, sheet: Sheet, plan: Plan, inp) -> str:
     else:
         body = f"    bool const valid = isValid{c.camel}(params, data);"
     store = f"\n    params[Params::IS_VALID_{c.name}] = valid ? 1 : 0;" if f"IS_VALID_{c.name}" in sheet.by_name else ""
-    out = f"""
+    out = "" if not inp.check else f"""
 bool {cls}::calculateIsValid{c.camel}{SIG} {{
 {body}{store}
     return valid;
@@ -291,7 +292,7 @@ def _dispatch(cls: str, sheet: Sheet, plan: Plan, t: str) -> str:
             entries.append((cell.name, _fn(cell)))
     if t == "int":
         for name, inp in plan.validated.items():
-            if f"IS_VALID_{name}" not in sheet.by_name:
+            if f"IS_VALID_{name}" not in sheet.by_name and inp.check:
                 wrapped.append((f"calculateIsValid{name}", f"calculateIsValid{inp.cell.camel}"))
     fallback = {"int": "0", "float": "0.0f", "string": "std::string()"}[t]
     head = f"{ret} {cls}::{t}DispatchTable(Params& params, Data const& data, std::string const& name) const {{"
@@ -348,7 +349,7 @@ def _cell_info(sheet: Sheet, plan: Plan, cell: Cell) -> str:
             default = inp.computed_default
         elif inp.default is not None:
             default = str(inp.default)
-        if inp.validated:
+        if inp.validated and inp.check:
             rule, key = inp.rule_text(), plan.validity_key(cell.name)
         listed = "true" if inp.list_name is not None else "false"
     esc = lambda s: s.replace("\\", "\\\\").replace('"', '\\"')

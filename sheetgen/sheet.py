@@ -125,6 +125,7 @@ class Input:
     list_name: str | None = None    # dropdown list key, or "computed"
     list_table: "Table | None" = None
     rule: str | None = None         # description of a hand-written rule
+    check: bool = True              # false: a list input with its choices but no validity function
 
     @property
     def validated(self) -> bool:
@@ -372,7 +373,7 @@ def load(path: Path, source_root: Path) -> Sheet:
 
 
 def _read_input(inp: Input, entry: dict, tables: list[Table]) -> None:
-    known = {"default", "computed_default", "above", "range", "list", "list_map", "rule"}
+    known = {"default", "computed_default", "above", "range", "list", "list_map", "rule", "check"}
     if unknown := set(entry) - known:
         raise SheetError(f"input {inp.cell.name}: unknown keys {sorted(unknown)}")
     if "default" in entry:
@@ -382,6 +383,9 @@ def _read_input(inp: Input, entry: dict, tables: list[Table]) -> None:
     inp.above = entry.get("above")
     inp.range = entry.get("range")
     inp.rule = entry.get("rule")
+    inp.check = bool(entry.get("check", True))
+    if not inp.check and ("list" not in entry or inp.rule or inp.range or inp.above is not None):
+        raise SheetError(f"input {inp.cell.name}: check = false is for a list without other rules")
     if "list" in entry:
         inp.list_name = entry["list"]
         if inp.list_name != "computed":

@@ -286,6 +286,9 @@ TEST_F(Static, CellsByNameAndChoices) {
     p[Params::PROCESS] = "SLOW";
     EXPECT_EQ(model.intDispatchTable(p, data, "calculateIsValidPROCESS"), 0);
     EXPECT_EQ(model.calculateValidValuesProcess(p, data), "TYPICAL,MAX");
+    // The device and the package have their choices only.
+    EXPECT_EQ(model.intDispatchTable(p, data, "calculateIsValidDEVICE_NAME"), 0);
+    EXPECT_EQ(model.intDispatchTable(p, data, "calculateIsValidOVER_DRIVE"), 1);
 }
 
 // The shipped file: every Talvex device of the catalogue and the default device, with magnitudes a
