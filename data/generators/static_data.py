@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Writes a static-power data file from a compact description of an architecture's devices.
 
-Usage: static_data.py DESCRIPTION.toml OUTPUT.cfg
+Usage: static_data.py DESCRIPTION.toml OUTPUT.cfg [--check]
+With --check nothing is written: the exit status says whether OUTPUT.cfg is what the description gives.
 
 Every leakage follows I(T) = I25 * 2^((T - 25) / D): subthreshold leakage doubling every D degrees. The
 sheet evaluates a fifth-order polynomial in T, so the law is fitted by least squares on the relative
@@ -153,8 +154,7 @@ class Generator:
         return self.rails[rail_name]["v"]
 
     def vt_coefficient(self) -> dict:
-        pd = self.desc["powered_down"]
-        two = pd["two_supply"]
+        pd = self.desc.get("powered_down")  # optional: a rail with a second set while the logic is off
         table = {}
         for dev_name, dev in self.devices.items():
             per_process = {}
@@ -165,16 +165,18 @@ class Generator:
                         continue
                     i25 = self.rail_current(dev, rail) * p["leakage"]
                     rows[name] = self.coefficients(i25, rail["d"], rail["k"], rail["v"])
-                # VCCAUX: two supplies, and its own set with the logic powered down.
-                aux = self.rails[pd["rail"]]
-                i25 = self.rail_current(dev, aux) * p["leakage"]
-                rows[pd["rail"]].update({
-                    "V_C1": math.exp(-two["k_aux"] * aux["v"] - two["k_int"] * two["vint"]), "V_C2": two["k_aux"],
-                    "V_C3": two["k_int"], "V_C4": two["c4"], "V_C5": two["c5"], "V_C6": two["c6"]})
-                down = self.coefficients(i25 * pd["share"], aux["d"], two["k_aux"], aux["v"])
-                down.update({"V_C3": 0.0, "V_C4": 0.0, "V_C5": 0.0, "V_C6": 1.0})
-                rows[pd["component"]] = down
-                for core, blk in self.desc["blocks"].items():
+                if pd:  # the auxiliary rail: two supplies, and its own set with the logic powered down
+                    two = pd["two_supply"]
+                    aux = self.rails[pd["rail"]]
+                    i25 = self.rail_current(dev, aux) * p["leakage"]
+                    rows[pd["rail"]].update({
+                        "V_C1": math.exp(-two["k_aux"] * aux["v"] - two["k_int"] * two["vint"]),
+                        "V_C2": two["k_aux"], "V_C3": two["k_int"], "V_C4": two["c4"], "V_C5": two["c5"],
+                        "V_C6": two["c6"]})
+                    down = self.coefficients(i25 * pd["share"], aux["d"], two["k_aux"], aux["v"])
+                    down.update({"V_C3": 0.0, "V_C4": 0.0, "V_C5": 0.0, "V_C6": 1.0})
+                    rows[pd["component"]] = down
+                for core, blk in self.desc.get("blocks", {}).items():
                     if "needs" in blk and blk["needs"] not in dev["features"]:
                         continue
                     for rail_name, (component, per_instance) in blk["rails"].items():
@@ -232,6 +234,8 @@ class Generator:
         return out
 
     def tables(self) -> dict:
+        """Every setting of the file, in file order. A second architecture with other tables subclasses
+        Generator and edits this dictionary."""
         th = self.desc["thermal"]
         lists = dict(self.desc["lists"])
         lists["TOTAL_POWER_FACTORS_LIST"] = list(self.rails)
@@ -248,7 +252,7 @@ class Generator:
             "TOTAL_POWER_FACTORS": {d: {r: float(self.rails[r]["tpf"]) for r in self.rails} for d in self.devices},
             "HBM2E_STACK_INFO": {d: dict(dev.get("hbm_stacks", {"STACKS_4H": 0, "STACKS_8H": 0}))
                                  for d, dev in self.devices.items()},
-            "LUT_CRAM_INFO": {d: dict(self.desc["lut_cram"]) for d in self.devices},
+            "LUT_CRAM_INFO": {d: dict(self.desc.get("lut_cram", {})) for d in self.devices},
             "RAM_CORE_INFO": {d: {"BRAM_CORE_REV": dev.get("bram_core_rev", 1), "URAM_CORE_REV": 1}
                               for d, dev in self.devices.items()},
             "POWERUP_CURRENT": {d: {r: float(rail["pu"] * (dev["size"] if rail["scale"] == "size" else 1.0))
@@ -273,7 +277,8 @@ class Generator:
             "DEVICE_DEPENDENT_SCALE": {
                 d: {core: {r: (round(1.0 + 0.1 * (dev["size"] - 1.0), 4) if r in logic_rails else 1.0)
                            for r in blk["rails"]}
-                    for core, blk in self.desc["blocks"].items() if blk.get("needs", "") in ("", *dev["features"])}
+                    for core, blk in self.desc.get("blocks", {}).items()
+                    if blk.get("needs", "") in ("", *dev["features"])}
                 for d, dev in self.devices.items()},
         }
 
@@ -306,14 +311,21 @@ def render(desc: dict, tables: dict) -> str:
 
 
 def main() -> int:
-    if len(sys.argv) != 3:
+    args = [a for a in sys.argv[1:] if a != "--check"]
+    if len(args) != 2:
         print(__doc__.splitlines()[2], file=sys.stderr)
         return 2
-    with open(sys.argv[1], "rb") as f:
+    with open(args[0], "rb") as f:
         desc = tomllib.load(f)
     gen = Generator(desc)
-    tables = gen.tables()
-    Path(sys.argv[2]).write_text(render(desc, tables))
+    text = render(desc, gen.tables())
+    output = Path(args[1])
+    if "--check" in sys.argv:
+        if output.exists() and output.read_text() == text:
+            return 0
+        print(f"{output} is not what {args[0]} gives: run {Path(__file__).name} again", file=sys.stderr)
+        return 1
+    output.write_text(text)
     print(gen.report(), file=sys.stderr)
     return 0
 
