@@ -43,23 +43,48 @@ constexpr char kValidMax[] = "VALID_MAX";
 // Keys of the voltage coefficients in VT_COEFFICIENT, after the letters A to E and CONST.
 constexpr std::string_view kVoltageCoefficient[] = {"V_C1", "V_C2", "V_C3", "V_C4", "V_C5", "V_C6"};
 
+// A string cell read in place, after its getter or cell function has filled it: the operands of every
+// table lookup, read a thousand times a calculate, are not copied each time.
+template <typename Fill>
+std::string const& inPlace(Params& params, Params::StringEnum cell, Fill fill) {
+    if (params[cell] == prsm::kStringNotSet) fill();
+    return params[cell];
+}
+
+std::string const& deviceName(Model const& model, Params& params, Data const& data) {
+    return inPlace(params, Params::DEVICE_NAME, [&] { model.getDeviceName(params, data); });
+}
+
+std::string const& process(Model const& model, Params& params, Data const& data) {
+    return inPlace(params, Params::PROCESS, [&] { model.getProcess(params, data); });
+}
+
+std::string const& skuName(Model const& model, Params& params, Data const& data) {
+    return inPlace(params, Params::SKU_NAME, [&] { model.calculateSkuName(params, data); });
+}
+
+// The package; a package name may be longer than a string's inline buffer, where a copy allocates.
+std::string const& gtPackage(Model const& model, Params& params, Data const& data) {
+    return inPlace(params, Params::GT_PACKAGE, [&] { model.getGtPackage(params, data); });
+}
+
 bool isWorstProcess(Model const& model, Params& params, Data const& data) {
-    return model.getProcess(params, data) == kWorstProcess;
+    return process(model, params, data) == kWorstProcess;
 }
 
 // IFERROR(VT_COEFFICIENT(device, process, component, key), 0).
 float vtCoefficient(Model const& model, Params& params, Data const& data, std::string_view component,
                     std::string_view key) {
-    return IFERROR(data.getVtCoefficientOrError(model.getDeviceName(params, data),
-                                                model.getProcess(params, data), component, key),
+    return IFERROR(data.getVtCoefficientOrError(deviceName(model, params, data), process(model, params, data),
+                                                component, key),
                    0.0f);
 }
 
 // IFERROR(BINNING_FACTORS(device, process, component, SKU), 1).
 float voltBinning(Model const& model, Params& params, Data const& data, std::string_view component) {
     return IFERROR(
-        data.getBinningFactorsOrError(model.getDeviceName(params, data), model.getProcess(params, data),
-                                      component, model.calculateSkuName(params, data)),
+        data.getBinningFactorsOrError(deviceName(model, params, data), process(model, params, data),
+                                      component, skuName(model, params, data)),
         1.0f);
 }
 
@@ -296,13 +321,6 @@ Rail x5ioRail(X5ioRail rail) {
     return Rail::VCCO10;
 }
 
-// The package, its default applied; read in place, since a package name may be longer than a string's
-// inline buffer and a copy would allocate on every calculate.
-std::string const& gtPackage(Model const& model, Params& params, Data const& data) {
-    if (params[Params::GT_PACKAGE] == prsm::kStringNotSet) model.getGtPackage(params, data);
-    return params[Params::GT_PACKAGE];
-}
-
 // Region totals: the rails' static powers added left to right from 0.
 template <std::size_t N>
 float sumOfStaticPowers(Model const& model, Params& params, Data const& data, Rail const (&rails)[N]) {
@@ -321,7 +339,7 @@ std::vector<std::string> Model::validListDeviceName(Params&, Data const& data) c
 
 // The packages of the device: the second level of GT_INFO below it.
 std::vector<std::string> Model::validListGtPackage(Params& params, Data const& data) const {
-    std::string const prefix = getDeviceName(params, data) + ".";
+    std::string const prefix = deviceName(*this, params, data) + ".";
     std::vector<std::string> packages;
     for (auto const& entry : data.m_GtInfo) {
         std::string const& key = entry.first;
@@ -353,19 +371,19 @@ std::string Model::computeVrString(Params&, Data const&, Rail rail) const {
 float Model::defaultRail(Params& params, Data const& data, Rail rail) const {
     return IFERROR(
         data.getVoltageRangeOrError(getVoltageCorner(params, data), calculateVrString(params, data, rail),
-                                    calculateSkuName(params, data)),
+                                    skuName(*this, params, data)),
         0.0f);
 }
 
 float Model::computeValidMin(Params& params, Data const& data, Rail rail) const {
     return IFERROR(data.getVoltageRangeOrError(kValidMin, calculateVrString(params, data, rail),
-                                               calculateSkuName(params, data)),
+                                               skuName(*this, params, data)),
                    0.0f);
 }
 
 float Model::computeValidMax(Params& params, Data const& data, Rail rail) const {
     return IFERROR(data.getVoltageRangeOrError(kValidMax, calculateVrString(params, data, rail),
-                                               calculateSkuName(params, data)),
+                                               skuName(*this, params, data)),
                    0.0f);
 }
 
@@ -373,37 +391,37 @@ float Model::computeValidMax(Params& params, Data const& data, Rail rail) const 
 
 int Model::computeCommonBramCoreRev(Params& params, Data const& data) const {
     return static_cast<int>(
-        IFERROR(data.getRamCoreInfoOrError(getDeviceName(params, data), "BRAM_CORE_REV"), 1.0f));
+        IFERROR(data.getRamCoreInfoOrError(deviceName(*this, params, data), "BRAM_CORE_REV"), 1.0f));
 }
 
 int Model::computeCommonUramCoreRev(Params& params, Data const& data) const {
     return static_cast<int>(
-        IFERROR(data.getRamCoreInfoOrError(getDeviceName(params, data), "URAM_CORE_REV"), 1.0f));
+        IFERROR(data.getRamCoreInfoOrError(deviceName(*this, params, data), "URAM_CORE_REV"), 1.0f));
 }
 
 int Model::computeHbm4hMultiplier(Params& params, Data const& data) const {
-    return IFERROR(data.getHbm2EStackInfoOrError(getDeviceName(params, data), "STACKS_4H"), 0);
+    return IFERROR(data.getHbm2EStackInfoOrError(deviceName(*this, params, data), "STACKS_4H"), 0);
 }
 
 int Model::computeHbm8hMultiplier(Params& params, Data const& data) const {
-    return IFERROR(data.getHbm2EStackInfoOrError(getDeviceName(params, data), "STACKS_8H"), 0);
+    return IFERROR(data.getHbm2EStackInfoOrError(deviceName(*this, params, data), "STACKS_8H"), 0);
 }
 
 // Bonded quads of one kind: GT_INFO.<device>.<package>.<kind>.
 int Model::computeAvailableGty(Params& params, Data const& data) const {
-    return IFERROR(data.getGtInfoOrError(getDeviceName(params, data),
+    return IFERROR(data.getGtInfoOrError(deviceName(*this, params, data),
                                          prsm::concatKey(gtPackage(*this, params, data), ".GTY")),
                    0);
 }
 
 int Model::computeAvailableGtyp(Params& params, Data const& data) const {
-    return IFERROR(data.getGtInfoOrError(getDeviceName(params, data),
+    return IFERROR(data.getGtInfoOrError(deviceName(*this, params, data),
                                          prsm::concatKey(gtPackage(*this, params, data), ".GTYP")),
                    0);
 }
 
 int Model::computeAvailableGtm(Params& params, Data const& data) const {
-    return IFERROR(data.getGtInfoOrError(getDeviceName(params, data),
+    return IFERROR(data.getGtInfoOrError(deviceName(*this, params, data),
                                          prsm::concatKey(gtPackage(*this, params, data), ".GTM")),
                    0);
 }
@@ -516,32 +534,39 @@ int Model::computeMultiplier(Params& params, Data const& data, Block block) cons
 // ---- Thermal step ----
 
 float Model::computePlTriseSlope(Params& params, Data const& data) const {
-    return IFERROR(data.getTemperatureGradientOrError(getDeviceName(params, data), "PL_TRISE_SLOPE"), 0.0f);
+    return IFERROR(data.getTemperatureGradientOrError(deviceName(*this, params, data), "PL_TRISE_SLOPE"),
+                   0.0f);
 }
 
 float Model::computePlTriseOffset(Params& params, Data const& data) const {
-    return IFERROR(data.getTemperatureGradientOrError(getDeviceName(params, data), "PL_TRISE_OFFSET"), 0.0f);
+    return IFERROR(data.getTemperatureGradientOrError(deviceName(*this, params, data), "PL_TRISE_OFFSET"),
+                   0.0f);
 }
 
 float Model::computeAieTriseSlope(Params& params, Data const& data) const {
-    return IFERROR(data.getTemperatureGradientOrError(getDeviceName(params, data), "AIE_TRISE_SLOPE"), 0.0f);
+    return IFERROR(data.getTemperatureGradientOrError(deviceName(*this, params, data), "AIE_TRISE_SLOPE"),
+                   0.0f);
 }
 
 float Model::computeAieTriseOffset(Params& params, Data const& data) const {
-    return IFERROR(data.getTemperatureGradientOrError(getDeviceName(params, data), "AIE_TRISE_OFFSET"), 0.0f);
+    return IFERROR(data.getTemperatureGradientOrError(deviceName(*this, params, data), "AIE_TRISE_OFFSET"),
+                   0.0f);
 }
 
 float Model::computeEnableTjModel(Params& params, Data const& data) const {
-    return IFERROR(data.getTemperatureGradientOrError(getDeviceName(params, data), "ENABLE_TJ_MODEL"), 0.0f);
+    return IFERROR(data.getTemperatureGradientOrError(deviceName(*this, params, data), "ENABLE_TJ_MODEL"),
+                   0.0f);
 }
 
 float Model::computeMaxDevicePower(Params& params, Data const& data) const {
-    return IFERROR(data.getTemperatureGradientOrError(getDeviceName(params, data), "MAX_DEVICE_POWER"), 0.0f);
+    return IFERROR(data.getTemperatureGradientOrError(deviceName(*this, params, data), "MAX_DEVICE_POWER"),
+                   0.0f);
 }
 
 float Model::computePass1StaticPowerScale(Params& params, Data const& data) const {
     return IFERROR(
-        data.getTemperatureGradientOrError(getDeviceName(params, data), "PASS1_STATIC_SCALE_FACTOR"), 0.0f);
+        data.getTemperatureGradientOrError(deviceName(*this, params, data), "PASS1_STATIC_SCALE_FACTOR"),
+        0.0f);
 }
 
 float Model::computeTotalGtDynPower(Params& params, Data const& data) const {
@@ -712,11 +737,11 @@ float Model::computeCommonVoltBinning(Params& params, Data const& data, Rail rai
 }
 
 float Model::computeCommonLutToCram1Ratio(Params& params, Data const& data) const {
-    return IFERROR(data.getLutCramInfoOrError(getDeviceName(params, data), "LUT_TO_CRAM_1_RATIO"), 0.0f);
+    return IFERROR(data.getLutCramInfoOrError(deviceName(*this, params, data), "LUT_TO_CRAM_1_RATIO"), 0.0f);
 }
 
 float Model::computeCommonCramToIstdbyVccauxRatio(Params& params, Data const& data) const {
-    return IFERROR(data.getLutCramInfoOrError(getDeviceName(params, data), "CRAM_TO_ISTDBY_VCCAUX_RATIO"),
+    return IFERROR(data.getLutCramInfoOrError(deviceName(*this, params, data), "CRAM_TO_ISTDBY_VCCAUX_RATIO"),
                    0.0f);
 }
 
@@ -759,11 +784,11 @@ float Model::computePass1StaticPower(Params& params, Data const& data, Rail rail
 
 // Without a row the factor holds the error value, and the cells it scales hold it too.
 float Model::computeCommonTotalPowerFactor(Params& params, Data const& data, Rail rail) const {
-    return data.getTotalPowerFactorsOrError(getDeviceName(params, data), memberName(rail));
+    return data.getTotalPowerFactorsOrError(deviceName(*this, params, data), memberName(rail));
 }
 
 float Model::computeCommonPowerupConst(Params& params, Data const& data, Rail rail) const {
-    return IFERROR(data.getPowerupCurrentOrError(getDeviceName(params, data), memberName(rail)), 0.0f) /
+    return IFERROR(data.getPowerupCurrentOrError(deviceName(*this, params, data), memberName(rail)), 0.0f) /
            1000.0f;
 }
 
@@ -924,9 +949,9 @@ float Model::computeVoltBinning(Params& params, Data const& data, Block block) c
 
 float Model::computeDeviceScale(Params& params, Data const& data, Block block) const {
     BlockSite const where = site(block);
-    return IFERROR(
-        data.getDeviceDependentScaleOrError(getDeviceName(params, data), where.core, memberName(where.rail)),
-        1.0f);
+    return IFERROR(data.getDeviceDependentScaleOrError(deviceName(*this, params, data), where.core,
+                                                       memberName(where.rail)),
+                   1.0f);
 }
 
 // A block not in use carries nothing: its coefficients are not even read (the product is 0).
@@ -1230,11 +1255,11 @@ float Model::computeGtmVccintStaticPower(Params& params, Data const& data) const
 
 float Model::computeStaticPowerAccuracyFactor(Params& params, Data const& data) const {
     if (getEnableAccuracyFactor(params, data) != kYes) return 1.0f;
-    return IFERROR(data.getAccuracyFactorOrError(getDeviceName(params, data), kWorstProcess), 1.0f);
+    return IFERROR(data.getAccuracyFactorOrError(deviceName(*this, params, data), kWorstProcess), 1.0f);
 }
 
 float Model::computeStaticPowerManagementFactor(Params& params, Data const& data) const {
-    return IFERROR(data.getPowerManagementFactorOrError(getDeviceName(params, data),
+    return IFERROR(data.getPowerManagementFactorOrError(deviceName(*this, params, data),
                                                         getPowerManagementMode(params, data)),
                    1.0f);
 }
