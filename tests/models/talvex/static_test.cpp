@@ -123,6 +123,15 @@ TEST_F(Static, AuxiliaryRailScalesWithTwoSuppliesAndTheConfigurationMemory) {
     EXPECT_EQ(p[Params::VCCINT_STATIC_POWER], 0.0f);
     expectRel(p[Params::COMMON_VCCAUX_PL_POWERED_DOWN_V_SCALING], std::exp(0.3));
     expectRel(p[Params::VCCAUX_STATIC_CURRENT], 3.0 * std::exp(0.3) * 8.8);
+
+    // A device without a LUT ratio (L = 0, K = 1): (1 x 0 + 1) / 2; one whose K is -1: 0.
+    Params q;
+    q[Params::LUT_USED_PCT] = 40.0f;
+    q[Params::DEVICE_NAME] = "ZQVC1204";
+    EXPECT_EQ(model.calculateCommonVccauxMultiplier(q, data), 0.5f);
+    q.resetIntermediateCalculations();
+    q[Params::DEVICE_NAME] = "ZQVM2004";
+    EXPECT_EQ(model.calculateCommonVccauxMultiplier(q, data), 0.0f);
 }
 
 TEST_F(Static, ThermalStepSubtractsTheRiseCapsTheUsageAndDoesNotClampIt) {
