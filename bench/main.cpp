@@ -87,6 +87,9 @@ int main(int argc, char** argv) {
 #ifdef PRSM_BENCH_CLE_LOGIC
     registerCleLogicBenchmarks();
 #endif
+#ifdef PRSM_BENCH_STATIC
+    registerStaticBenchmarks();
+#endif
     registerThroughputBenchmarks();
     registerLoadBenchmarks();
 

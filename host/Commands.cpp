@@ -8,10 +8,13 @@
 #include <prsm/host/Render.h>
 #include <prsm/host/Suggest.h>
 
+#include <fnmatch.h>
+
 #include <cerrno>
 #include <cstring>
 #include <ostream>
 #include <sstream>
+#include <utility>
 
 namespace prsm::host {
 
@@ -39,6 +42,18 @@ int runPresets(Sheet const& sheet, std::ostream& out) {
     return kExitOk;
 }
 
+// Keeps the outputs whose name matches the glob; a glob that matches none is a usage error.
+void keepMatchingOutputs(CalcResult& result, std::string const& glob) {
+    std::vector<CellValue> kept;
+    for (CellValue& output : result.outputs)
+        if (::fnmatch(glob.c_str(), output.name.c_str(), 0) == 0) kept.push_back(std::move(output));
+    if (kept.empty())
+        throw HostError(kExitBadInput, "no output of " + result.model + " matches " + glob +
+                                           "; `prsm cells " + result.model +
+                                           " --category output` lists them");
+    result.outputs = std::move(kept);
+}
+
 int runCalc(Request const& request, std::ostream& out, std::ostream& err) {
     Sheet const& sheet = findSheet(request.model);
     if (request.preset == "list") return runPresets(sheet, out);
@@ -51,8 +66,9 @@ int runCalc(Request const& request, std::ostream& out, std::ostream& err) {
     std::vector<ResolvedInput> const inputs =
         resolveInputs(sheet, mergeAssignments(fromFile, fromCommandLine));
 
-    CalcResult const result = runCalculation(sheet, inputs);
+    CalcResult result = runCalculation(sheet, inputs);
     for (std::string const& line : result.warnings) printLines(err, "warning: ", line);
+    if (!request.outputs.empty()) keepMatchingOutputs(result, request.outputs);
     switch (request.format) {
         case OutputFormat::Table:
             out << renderCalcTable(result);

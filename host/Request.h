@@ -19,6 +19,7 @@ struct Request {
     std::string preset;  // `calc --preset`: a preset of the model, or "list"; empty when none
     OutputFormat format = OutputFormat::Table;
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
+    std::string outputs;   // `calc`: show only the outputs whose name matches this glob; empty for all
     bool verbose = false;
 };
 

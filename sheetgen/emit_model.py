@@ -55,7 +55,7 @@ def _fn(cell: Cell) -> str:
 
 
 def _family_fn(cell: Cell) -> str:
-    return ("get" if cell.is_input else "calculate") + camel(cell.pattern)
+    return ("get" if cell.is_input else "calculate") + cell.family.pattern_camel(cell.pattern)
 
 
 def header(sheet: Sheet) -> str:
@@ -77,7 +77,7 @@ def header(sheet: Sheet) -> str:
                 if cell.family is not None and inp.family_default:
                     if cell.pattern in sheet.formulas:
                         continue
-                    private.append(f"    {cell.cpp_type} default{camel(cell.pattern)}(Params& params, Data const& data, "
+                    private.append(f"    {cell.cpp_type} default{cell.family.pattern_camel(cell.pattern)}(Params& params, Data const& data, "
                                    f"{cell.family.name} member) const;")
                 elif cell.name not in sheet.formulas:
                     private.append(f"    {cell.cpp_type} default{cell.camel}{SIG};")
@@ -99,7 +99,7 @@ def header(sheet: Sheet) -> str:
         family_lines.append(f"    {cell.cpp_type} {_family_fn(cell)}(Params& params, Data const& data, "
                             f"{cell.family.name} member) const;")
         if plan.kind(cell) == "family" and cell.pattern not in sheet.formulas:
-            private.append(f"    {cell.cpp_type} compute{camel(cell.pattern)}(Params& params, Data const& data, "
+            private.append(f"    {cell.cpp_type} compute{cell.family.pattern_camel(cell.pattern)}(Params& params, Data const& data, "
                            f"{cell.family.name} member) const;")
     if family_lines:
         public += ["", "    // Families: the cell of one member."] + family_lines
@@ -108,7 +108,8 @@ def header(sheet: Sheet) -> str:
         public += [f"    {m}{SIG};" for m in sheet.methods]
     public += ["", "    // Validity of the inputs that have a rule, and the choices of those with a list."]
     for name, inp in plan.validated.items():
-        public.append(f"    bool calculateIsValid{inp.cell.camel}{SIG};")
+        if inp.check:
+            public.append(f"    bool calculateIsValid{inp.cell.camel}{SIG};")
         if inp.list_name is not None:
             public.append(f"    std::string calculateValidValues{inp.cell.camel}{SIG};")
         if inp.rule is not None:
@@ -174,7 +175,7 @@ def _input(cls: str, sheet: Sheet, cell: Cell) -> str:
             fam = cell.family
             member = f"{fam.name}::{fam.enumerator(cell.member)}"
             shared = sheet.formulas.get(cell.pattern)
-            expr = shared.call(member) if shared else f"default{camel(cell.pattern)}(params, data, {member})"
+            expr = shared.call(member) if shared else f"default{fam.pattern_camel(cell.pattern)}(params, data, {member})"
         else:
             shared = sheet.formulas.get(cell.name)
             expr = shared.call() if shared else f"default{cell.camel}(params, data)"
@@ -214,7 +215,7 @@ def _validity(cls: str, sheet: Sheet, plan: Plan, inp) -> str:
     else:
         body = f"    bool const valid = isValid{c.camel}(params, data);"
     store = f"\n    params[Params::IS_VALID_{c.name}] = valid ? 1 : 0;" if f"IS_VALID_{c.name}" in sheet.by_name else ""
-    out = f"""
+    out = "" if not inp.check else f"""
 bool {cls}::calculateIsValid{c.camel}{SIG} {{
 {body}{store}
     return valid;
@@ -229,45 +230,116 @@ std::string {cls}::calculateValidValues{c.camel}{_args(inp.list_name == "compute
     return out
 
 
-def _family_accessor(cls: str, cell: Cell) -> str:
+def _family_accessor(cls: str, sheet: Sheet, plan: Plan, cell: Cell) -> str:
     fam = cell.family
+    present = fam.present[cell.pattern]
+    cells = [sheet.by_name[cell.pattern.replace("{}", m)] for m in present]
+    if all(plan.kind(c) == "family" for c in cells):
+        return _family_memo(cls, sheet, cell)
     cases = "\n".join(f"        case {fam.name}::{fam.enumerator(m)}: return "
                       f"{'get' if cell.is_input else 'calculate'}{camel(cell.pattern.replace('{}', m))}(params, data);"
-                      for m in fam.members)
+                      for m in present)
+    # A pattern that only some members have answers the not-set value for the others.
+    default = "    default:\n        break;\n" if len(present) < len(fam.members) else ""
     return f"""
 {cell.cpp_type} {cls}::{_family_fn(cell)}(Params& params, Data const& data, {fam.name} member) const {{
     switch (member) {{
 {cases}
-    }}
+{default}    }}
     return {NOT_SET[cell.type]};
 }}
 """
 
 
+def _family_memo(cls: str, sheet: Sheet, cell: Cell) -> str:
+    """The memoised cell of one member: the member's cell is found in a table indexed by the member, so
+    the formula and the cache test are written once for the whole family (each member's own cell
+    function delegates here). Members without the pattern's cell answer the not-set value."""
+    fam = cell.family
+    title = {"int": "Int", "float": "Float", "string": "String"}[cell.type]
+    enum = f"Params::{title}Enum"
+    present = set(fam.present[cell.pattern])
+    rows = "\n".join(f"        Params::{cell.pattern.replace('{}', m)}," if m in present else f"        Params::Last{title},"
+                     for m in fam.members)
+    shared = sheet.formulas.get(cell.pattern)
+    expr = shared.call("member") if shared else f"compute{fam.pattern_camel(cell.pattern)}(params, data, member)"
+    cached = "std::string const&" if cell.type == "string" else cell.cpp_type
+    missing = ""
+    if len(present) < len(fam.members):
+        missing = f"    if (cell == Params::Last{title}) return {NOT_SET[cell.type]};\n"
+    return f"""
+{cell.cpp_type} {cls}::{_family_fn(cell)}(Params& params, Data const& data, {fam.name} member) const {{
+    static constexpr {enum} cells[] = {{
+{rows}
+    }};
+    {enum} const cell = cells[static_cast<std::size_t>(member)];
+{missing}    {cached} cached = params[cell];
+    if (cached != {NOT_SET[cell.type]}) return cached;
+    return params[cell] = {expr};
+}}
+"""
+
+
 def _dispatch(cls: str, sheet: Sheet, plan: Plan, t: str) -> str:
+    """A name -> cell table. Cells are reached through member pointers (one table row each, no closure
+    type per cell), so that a sheet of thousands of cells compiles quickly; validity functions return
+    bool and are reached through one small adapter each."""
     ret = CPP_TYPE[t]
-    entries = []
+    entries, wrapped = [], []
     for cell in sheet.all_cells():
         if cell.type != t:
             continue
-        fn = f"calculateIsValid{plan.validity[cell.name].cell.camel}" if cell.name in plan.validity else _fn(cell)
-        entries.append((cell.name, fn))
+        if cell.name in plan.validity:
+            wrapped.append((cell.name, f"calculateIsValid{plan.validity[cell.name].cell.camel}"))
+        else:
+            entries.append((cell.name, _fn(cell)))
     if t == "int":
         for name, inp in plan.validated.items():
-            if f"IS_VALID_{name}" not in sheet.by_name:
-                entries.append((f"calculateIsValid{name}", f"calculateIsValid{inp.cell.camel}"))
-    rows = "\n".join(f'        {{"{n}", [](Self const& m, Params& p, Data const& d) -> {ret} {{ return m.{fn}(p, d); }}}},'
-                     for n, fn in entries)
+            if f"IS_VALID_{name}" not in sheet.by_name and inp.check:
+                wrapped.append((f"calculateIsValid{name}", f"calculateIsValid{inp.cell.camel}"))
     fallback = {"int": "0", "float": "0.0f", "string": "std::string()"}[t]
-    return f"""
-{ret} {cls}::{t}DispatchTable(Params& params, Data const& data, std::string const& name) const {{
-    using Self = {cls};
-    using Cell = {ret} (*)(Self const&, Params&, Data const&);
-    static std::unordered_map<std::string, Cell> const table = {{
+    head = f"{ret} {cls}::{t}DispatchTable(Params& params, Data const& data, std::string const& name) const {{"
+    if not entries and not wrapped:
+        return f"""
+{head}
+    (void)params, (void)data, (void)name;
+    return {fallback};
+}}
+"""
+    arrays, fills = [], []
+    if entries:
+        rows = "\n".join(f'        {{"{n}", &Self::{fn}}},' for n, fn in entries)
+        arrays.append(f"""    static std::pair<char const*, Member> const cells[] = {{
 {rows}
+    }};""")
+        fills.append("        for (auto const& [key, member] : cells) map.emplace(key, Cell{member, nullptr});")
+    if wrapped:
+        rows = "\n".join(f'        {{"{n}", [](Self const& m, Params& p, Data const& d) -> {ret} {{ return m.{fn}(p, d); }}}},'
+                         for n, fn in wrapped)
+        arrays.append(f"""    static std::pair<char const*, Adapter> const adapters[] = {{
+{rows}
+    }};""")
+        fills.append("        for (auto const& [key, adapter] : adapters) map.emplace(key, Cell{nullptr, adapter});")
+    nl = "\n"
+    return f"""
+{head}
+    using Self = {cls};
+    using Member = {ret} (Self::*)(Params&, Data const&) const;
+    using Adapter = {ret} (*)(Self const&, Params&, Data const&);
+    struct Cell {{
+        Member member;
+        Adapter adapter;
     }};
+{nl.join(arrays)}
+    static std::unordered_map<std::string, Cell> const table = [] {{
+        std::unordered_map<std::string, Cell> map;
+{nl.join(fills)}
+        return map;
+    }}();
     auto const it = table.find(name);
-    return it == table.end() ? {fallback} : it->second(*this, params, data);
+    if (it == table.end()) return {fallback};
+    if (it->second.adapter != nullptr) return it->second.adapter(*this, params, data);
+    return (this->*(it->second.member))(params, data);
 }}
 """
 
@@ -280,11 +352,11 @@ def _cell_info(sheet: Sheet, plan: Plan, cell: Cell) -> str:
             default = inp.computed_default
         elif inp.default is not None:
             default = str(inp.default)
-        if inp.validated:
+        if inp.validated and inp.check:
             rule, key = inp.rule_text(), plan.validity_key(cell.name)
         listed = "true" if inp.list_name is not None else "false"
     esc = lambda s: s.replace("\\", "\\\\").replace('"', '\\"')
-    return (f'        {{"{cell.name}", {CELL_TYPE[cell.type]}, {CELL_CATEGORY[cell.category]}, "{esc(default)}", '
+    return (f'    {{"{cell.name}", {CELL_TYPE[cell.type]}, {CELL_CATEGORY[cell.category]}, "{esc(default)}", '
             f'"{esc(rule)}", "{key}", {listed}, "{esc(cell.unit)}"}},')
 
 
@@ -318,7 +390,11 @@ def source(sheet: Sheet) -> str:
 #include <prsm/framework/PRSMSheetAdapter.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 {f"#include <prsm/{sheet.subdir}/{sheet.formula_header}>" + chr(10) if sheet.formula_header else ""}
+#include <cstddef>
+#include <iterator>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 """]
     for fam in sheet.families:
         cases = "\n".join(f'        case {fam.name}::{fam.enumerator(m)}: return "{m}";' for m in fam.members)
@@ -337,12 +413,12 @@ std::string_view {cls}::memberName({fam.name} member) {{
         elif kind == "formula":
             shared = sheet.formulas.get(cell.name)
             parts.append(_memo(cls, cell, shared.call() if shared else f"compute{cell.camel}(params, data)"))
-        elif kind == "family":
+        elif kind == "family":  # the family's accessor holds the cache test and the formula
             fam = cell.family
             member = f"{fam.name}::{fam.enumerator(cell.member)}"
-            shared = sheet.formulas.get(cell.pattern)
-            parts.append(_memo(cls, cell, shared.call(member) if shared
-                               else f"compute{camel(cell.pattern)}(params, data, {member})"))
+            parts.append(f"""
+{cell.cpp_type} {cls}::{_fn(cell)}{SIG} {{ return {_family_fn(cell)}(params, data, {member}); }}
+""")
         elif kind == "constant":  # stored without looking at the cache
             parts.append(f"""
 {cell.cpp_type} {cls}::{_fn(cell)}{_args(True, False)} {{
@@ -361,7 +437,7 @@ std::string_view {cls}::memberName({fam.name} member) {{
     for cell in sheet.all_cells():
         if cell.family is not None and (cell.family.name, cell.pattern) not in seen:
             seen.add((cell.family.name, cell.pattern))
-            parts.append(_family_accessor(cls, cell))
+            parts.append(_family_accessor(cls, sheet, plan, cell))
     for inp in plan.validated.values():
         parts.append(_validity(cls, sheet, plan, inp))
     calls = "\n".join(f"    {_fn(sheet.by_name[n])}(params, data);" for n in sheet.calculate)
@@ -400,6 +476,32 @@ std::string validValuesByName({cls} const& model, {cls}::Params& params, {cls}::
     return std::string();
 }}
 
+// The cells as plain constant rows (no string objects to build in a long initializer), turned into the
+// registry's descriptions once, when the library loads.
+struct CellRow {{
+    char const* name;
+    prsm::CellType type;
+    prsm::CellCategory category;
+    char const* declaredDefault;
+    char const* rule;
+    char const* validityKey;
+    bool hasValidValues;
+    char const* unit;
+}};
+
+constexpr CellRow cellRows[] = {{
+{infos}
+}};
+
+std::vector<prsm::CellInfo> cellInfos() {{
+    std::vector<prsm::CellInfo> cells;
+    cells.reserve(std::size(cellRows));
+    for (CellRow const& row : cellRows)
+        cells.push_back({{row.name, row.type, row.category, row.declaredDefault, row.rule, row.validityKey,
+                         row.hasValidValues, row.unit}});
+    return cells;
+}}
+
 std::vector<prsm::MissingRow> rowsLacking({cls}::Data const& data, std::string const& input,
                                           std::string const& value) {{
     std::vector<prsm::MissingRow> missing;
@@ -408,12 +510,8 @@ std::vector<prsm::MissingRow> rowsLacking({cls}::Data const& data, std::string c
     return missing;
 }}
 
-prsm::GeneratedSheet<{cls}> const registration(
-    "{sheet.stem}", "{esc_desc}",
-    {{
-{infos}
-    }},
-    &validValuesByName, &rowsLacking);
+prsm::GeneratedSheet<{cls}> const registration("{sheet.stem}", "{esc_desc}", cellInfos(), &validValuesByName,
+                                                &rowsLacking);
 
 }}  // namespace
 """)

@@ -27,21 +27,55 @@ def camel(name: str) -> str:
     return "".join(p[0].upper() + p[1:].lower() for p in parts)
 
 
-def expand(pattern: str) -> list[str]:
-    """Expands braces like a shell: A{1..3}_X -> A1_X A2_X A3_X; COUT{B,D}_F -> COUTB_F COUTD_F."""
+# The member lists of the sheet being read: every expansion during its load knows them.
+_current_lists: dict[str, list[str]] = {}
+
+
+def expand(pattern: str, lists: dict[str, list[str]] | None = None) -> list[str]:
+    """Expands braces like a shell: A{1..3}_X -> A1_X A2_X A3_X; COUT{B,D}_F -> COUTB_F COUTD_F.
+    A brace holding the name of a member list of the sheet's [lists] section stands for its members:
+    {RAILS}_STATIC_CURRENT -> VCCINT_STATIC_CURRENT, VCCAUX_STATIC_CURRENT, ... The empty braces "{}"
+    of a family pattern stay as they are."""
+    if lists is None:
+        lists = _current_lists
     pieces = re.split(r"(\{[^{}]+\})", pattern)
     choices = []
     for piece in pieces:
-        if piece.startswith("{") and piece.endswith("}"):
+        if len(piece) > 2 and piece.startswith("{") and piece.endswith("}"):
             body = piece[1:-1]
             if m := re.fullmatch(r"(-?\d+)\.\.(-?\d+)", body):
                 lo, hi = int(m[1]), int(m[2])
                 choices.append([str(i) for i in range(lo, hi + 1)])
+            elif lists and body in lists:
+                choices.append(lists[body])
             else:
                 choices.append(body.split(","))
         else:
             choices.append([piece])
     return ["".join(c) for c in itertools.product(*choices)]
+
+
+def _lists(doc: dict) -> dict[str, list[str]]:
+    """The [lists] section: NAME = [patterns]; a list may use the lists written before it."""
+    lists: dict[str, list[str]] = {}
+    for name, patterns in doc.get("lists", {}).items():
+        if not re.fullmatch(r"[A-Z][A-Z0-9_]*", name):
+            raise SheetError(f"lists: {name!r} is not an UPPER_SNAKE_CASE name")
+        if isinstance(patterns, dict):  # { from = "{RAILS}", without = ["VCCME"] }: a list less some members
+            if set(patterns) - {"from", "without"}:
+                raise SheetError(f"lists.{name}: a derived list has only `from` and `without`")
+            source = expand(patterns["from"], lists)
+            dropped = {m for p in patterns.get("without", []) for m in expand(p, lists)}
+            if dropped - set(source):
+                raise SheetError(f"lists.{name}: {sorted(dropped - set(source))} are not members of {patterns['from']}")
+            patterns = [m for m in source if m not in dropped]
+        if isinstance(patterns, str):
+            patterns = [patterns]
+        members = [m for p in patterns for m in expand(str(p), lists)]
+        if len(set(members)) != len(members):
+            raise SheetError(f"lists.{name}: a member is listed twice")
+        lists[name] = members
+    return lists
 
 
 def cpp_literal(value, type_: str) -> str:
@@ -92,6 +126,7 @@ class Input:
     list_name: str | None = None    # dropdown list key, or "computed"
     list_table: "Table | None" = None
     rule: str | None = None         # description of a hand-written rule
+    check: bool = True              # false: a list input with its choices but no validity function
 
     @property
     def validated(self) -> bool:
@@ -130,9 +165,15 @@ class Family:
     name: str
     members: list[str]
     patterns: list[str]
+    # pattern -> the members that have its cell; every member unless the pattern is optional
+    present: dict[str, list[str]] = field(default_factory=dict)
 
     def enumerator(self, member: str) -> str:
         return member if re.fullmatch(r"[A-Za-z_]\w*", member) else "N" + member
+
+    def pattern_camel(self, pattern: str) -> str:
+        """The CamelCase part of a pattern's functions; the bare pattern "{}" takes the family's name."""
+        return camel(pattern) or self.name
 
 
 @dataclass
@@ -185,7 +226,7 @@ class Sheet:
         return self.by_name.get(cell_prefix + input_name)
 
 
-def _cells(doc: dict) -> tuple[dict, dict]:
+def _cells(doc: dict, lists: dict[str, list[str]]) -> tuple[dict, dict]:
     cells: dict[str, list[list[Cell]]] = {}
     by_name: dict[str, Cell] = {}
     for t in TYPES:
@@ -199,17 +240,19 @@ def _cells(doc: dict) -> tuple[dict, dict]:
         for cat in CATEGORIES:
             index += 1  # the First marker
             members = []
-            for pattern in section.get(cat, []):
-                for name in expand(pattern):
-                    # Upper case, except for unit suffixes such as the capacitor values of 0p1uF.
-                    if not re.fullmatch(r"[A-Z][A-Za-z0-9_]*", name):
-                        raise SheetError(f"cell name {name!r} is not UPPER_SNAKE_CASE")
-                    if name in by_name:
-                        raise SheetError(f"cell {name} declared twice")
-                    cell = Cell(name, t, cat, index)
-                    by_name[name] = cell
-                    members.append(cell)
-                    index += 1
+            names = [n for pattern in section.get(cat, []) for n in expand(pattern, lists)]
+            if cat == "inputs":  # user inputs are enumerated in alphabetical order
+                names.sort()
+            for name in names:
+                # Upper case, except for unit suffixes such as the capacitor values of 0p1uF.
+                if not re.fullmatch(r"[A-Z][A-Za-z0-9_]*", name):
+                    raise SheetError(f"cell name {name!r} is not UPPER_SNAKE_CASE")
+                if name in by_name:
+                    raise SheetError(f"cell {name} declared twice")
+                cell = Cell(name, t, cat, index)
+                by_name[name] = cell
+                members.append(cell)
+                index += 1
             cells[t].append(members)
             index += 1  # the Last marker
     return cells, by_name
@@ -287,25 +330,38 @@ def load(path: Path, source_root: Path) -> Sheet:
     with open(path, "rb") as f:
         doc = tomllib.load(f)
     meta = doc.get("sheet", {})
-    cells, by_name = _cells(doc)
+    lists = _lists(doc)
+    _current_lists.clear()
+    _current_lists.update(lists)
+    cells, by_name = _cells(doc, lists)
     _units(doc, by_name)
     tables, load_order = _tables(doc)
 
     families = []
     for fam in doc.get("families", []):
-        family = Family(fam["name"], [str(m) for m in fam["members"]], fam["cells"])
+        members = fam["members"]
+        members = [members] if isinstance(members, str) else members
+        family = Family(fam["name"], [m for p in members for m in expand(str(p), lists)],
+                        [c for p in fam.get("cells", []) for c in expand(p, lists)])
+        optional = [c for p in fam.get("optional", []) for c in expand(p, lists)]
+        family.patterns += optional
         for pattern in family.patterns:
             if "{}" not in pattern:
                 raise SheetError(f"family {family.name}: pattern {pattern} has no {{}}")
             kinds = set()
+            family.present[pattern] = []
             for member in family.members:
                 name = pattern.replace("{}", member)
                 cell = by_name.get(name)
+                if cell is None and pattern in optional:
+                    continue
                 if cell is None:
                     raise SheetError(f"family {family.name}: no cell {name}")
                 if cell.family is not None:
                     raise SheetError(f"cell {name} belongs to two families")
                 cell.family, cell.pattern, cell.member = family, pattern, member
+                family.present[pattern].append(member)
+                # A pattern's cells may be outputs for some members and intermediates for others.
                 kinds.add((cell.type, cell.is_input))
             if len(kinds) != 1:
                 raise SheetError(f"family {family.name}: cells of {pattern} differ in type or category")
@@ -316,8 +372,8 @@ def load(path: Path, source_root: Path) -> Sheet:
         if cell.is_input:
             inputs[cell.name] = Input(cell)
     for pattern, entry in doc.get("inputs", {}).items():
-        names = [pattern.replace("{}", m) for f in families if pattern in f.patterns for m in f.members] \
-            if "{}" in pattern else expand(pattern)
+        names = [pattern.replace("{}", m) for f in families if pattern in f.patterns for m in f.present[pattern]] \
+            if "{}" in pattern else expand(pattern, lists)
         for name in names:
             if name not in inputs:
                 raise SheetError(f"inputs.{pattern}: {name} is not an input cell")
@@ -326,7 +382,7 @@ def load(path: Path, source_root: Path) -> Sheet:
 
     constants = {}
     for pattern, value in doc.get("constants", {}).items():
-        for name in expand(pattern):
+        for name in expand(pattern, lists):
             cell = by_name.get(name)
             if cell is None or cell.is_input:
                 raise SheetError(f"constants: {name} is not a computed cell")
@@ -339,7 +395,7 @@ def load(path: Path, source_root: Path) -> Sheet:
                 raise SheetError(f"formulas: {pattern} is not a family's pattern")
             formulas[pattern] = _delegate(text)
             continue
-        for name in expand(pattern):
+        for name in expand(pattern, lists):
             cell = by_name.get(name)
             if cell is None or (cell.is_input and inputs[name].computed_default is None):
                 raise SheetError(f"formulas: {name} is neither a computed cell nor an input with a computed default")
@@ -347,10 +403,15 @@ def load(path: Path, source_root: Path) -> Sheet:
     if formulas and not meta.get("formula_header"):
         raise SheetError("sheet.formula_header names the header of the shared formulas")
 
-    calculate = [n for p in meta.get("calculate", []) for n in expand(p)]
+    calculate = [n for p in meta.get("calculate", []) for n in expand(p, lists)]
     for name in calculate:
         if name not in by_name or by_name[name].is_input:
             raise SheetError(f"calculate: {name} is not a computed cell")
+    if len(set(calculate)) != len(calculate):
+        raise SheetError("calculate: a cell is named twice")
+    if meta.get("calculate_all_outputs", False):  # the outputs the order leaves out, in enumeration order
+        named = set(calculate)
+        calculate += [c.name for t in TYPES for c in cells[t][1] if c.name not in named]
 
     has_model = meta.get("model", True)
     if tables and not meta.get("data_file"):
@@ -366,7 +427,7 @@ def load(path: Path, source_root: Path) -> Sheet:
 
 
 def _read_input(inp: Input, entry: dict, tables: list[Table]) -> None:
-    known = {"default", "computed_default", "above", "range", "list", "list_map", "rule"}
+    known = {"default", "computed_default", "above", "range", "list", "list_map", "rule", "check"}
     if unknown := set(entry) - known:
         raise SheetError(f"input {inp.cell.name}: unknown keys {sorted(unknown)}")
     if "default" in entry:
@@ -376,6 +437,9 @@ def _read_input(inp: Input, entry: dict, tables: list[Table]) -> None:
     inp.above = entry.get("above")
     inp.range = entry.get("range")
     inp.rule = entry.get("rule")
+    inp.check = bool(entry.get("check", True))
+    if not inp.check and ("list" not in entry or inp.rule or inp.range or inp.above is not None):
+        raise SheetError(f"input {inp.cell.name}: check = false is for a list without other rules")
     if "list" in entry:
         inp.list_name = entry["list"]
         if inp.list_name != "computed":

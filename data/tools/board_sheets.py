@@ -217,8 +217,8 @@ RAIL_CLASS = {
 RF_RAILS = ["ADCAVCC", "ADCAVCCAUX", "DACAVCC", "DACAVCCAUX", "DACAVTT", "VCCHSAMS"]
 
 # The package classes: the smaller package has less capacitance of its own, so its VCCINT slopes are a
-# quarter steeper.
-XQ_PACKAGES = {"TQA1596": 1.25, "TQA2197": 1.0}
+# quarter steeper. VSVA2197 is the large footprint of the static sheet's default part.
+XQ_PACKAGES = {"TQA1596": 1.25, "TQA2197": 1.0, "VSVA2197": 1.0}
 XC_PACKAGES = {"TQD1760": 1.0}
 
 

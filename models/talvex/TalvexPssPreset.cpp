@@ -26,14 +26,14 @@ std::string Model::computeDescription(Params& params, Data const& data) const {
     return data.getPssPresets(getPreset(params, data), "DESCRIPTION");
 }
 
-int Model::compute(Params& params, Data const& data, IntSetting member) const {
+int Model::computeIntSetting(Params& params, Data const& data, IntSetting member) const {
     return PRSMHelperUtils::s2i(data.getPssPresets(getPreset(params, data), memberName(member)));
 }
 
-float Model::compute(Params& params, Data const& data, FloatSetting member) const {
+float Model::computeFloatSetting(Params& params, Data const& data, FloatSetting member) const {
     return PRSMHelperUtils::s2f(data.getPssPresets(getPreset(params, data), memberName(member)));
 }
 
-std::string Model::compute(Params& params, Data const& data, StringSetting member) const {
+std::string Model::computeStringSetting(Params& params, Data const& data, StringSetting member) const {
     return data.getPssPresets(getPreset(params, data), memberName(member));
 }

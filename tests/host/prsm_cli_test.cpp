@@ -261,4 +261,18 @@ TEST_F(PrsmCli, ShowsUnitsAndWarnsOfADeviceWithoutItsOwnRow) {
             "INTERNAL_DEVICE_NAME = zq10s80 has no row of its own in SHIM_DATA (did you mean ZQ10S80?)"));
 }
 
+// A sheet with hundreds of outputs shows the ones a glob selects.
+TEST_F(PrsmCli, ShowsTheOutputsAGlobSelects) {
+    HostRun const run = prsm({"calc", "TalvexStatic", "JUNCTION_TEMPERATURE=100", "PROCESS=MAX", "--json",
+                              "--outputs", "*_STATIC_POWER"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    nlohmann::json const json = nlohmann::json::parse(run.out);
+    EXPECT_TRUE(json["outputs"].contains("TOTAL_STATIC_POWER"));
+    EXPECT_TRUE(json["outputs"].contains("VCCO33_STATIC_POWER"));
+    EXPECT_FALSE(json["outputs"].contains("VCCINT_STATIC_CURRENT"));
+    for (auto const& output : json["outputs"].items())
+        EXPECT_TRUE(has(output.key(), "_STATIC_POWER")) << output.key();
+    expectRejected(prsm({"calc", "TalvexStatic", "--outputs", "NO_SUCH_*"}), 2, {"no output", "NO_SUCH_*"});
+}
+
 }  // namespace

@@ -1,0 +1,1324 @@
+// Formulas of the static-power sheet.
+//
+// Leakage of one rail or block: a fifth-order polynomial in the junction temperature (coefficients per
+// device, process and component), times an exponential voltage scaling, a voltage-binning factor of the
+// SKU, the count of leaking instances and, for blocks, a per-device scale. The leakage is first taken
+// at the user's junction temperature (pass 1); that static power plus the design's dynamic power, as a
+// share of the device's maximum power, sets a temperature rise, and the final leakage is taken at the
+// junction temperature less the rise. The rise is subtracted on purpose and the step is never iterated.
+//
+// Rail outputs are the rail's own leakage plus the blocks on it; a rail at 0 V carries nothing. Under
+// the worst process ("MAX") the currents are also given scaled by the rail's total-power factor, and
+// every rail has a power-up current: its leakage at 25 degrees, scaled, plus a constant.
+#include <prsm/models/talvex/PRSMTalvexStaticModel.h>
+
+#include <prsm/framework/PRSMCellSupport.h>
+#include <prsm/framework/PRSMConfigHelpers.h>
+#include <prsm/framework/PRSMReservedValues.h>
+#include <prsm/sheetfunc/PRSMHelperUtils.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <string_view>
+
+using Model = PRSMTalvexStaticModel;
+using Rail = Model::Rail;
+using Block = Model::Block;
+using X5ioRail = Model::X5ioRail;
+using PRSMHelperUtils::IFERROR;
+
+namespace {
+
+using Params = Model::Params;
+using Data = Model::Data;
+
+constexpr char kWorstProcess[] = "MAX";
+constexpr char kYes[] = "YES";
+// The component key of VCCAUX's coefficients while the logic (VCCINT) is powered down.
+constexpr char kVccauxPoweredDown[] = "VCCAUX_PL_POWERED_DOWN";
+// VOLTAGE_RANGE rows that hold a rail's valid range instead of a corner's voltage.
+constexpr char kValidMin[] = "VALID_MIN";
+constexpr char kValidMax[] = "VALID_MAX";
+// Keys of the voltage coefficients in VT_COEFFICIENT, after the letters A to E and CONST.
+constexpr std::string_view kVoltageCoefficient[] = {"V_C1", "V_C2", "V_C3", "V_C4", "V_C5", "V_C6"};
+
+// A string cell read in place, after its getter or cell function has filled it: the operands of every
+// table lookup, read a thousand times a calculate, are not copied each time.
+template <typename Fill>
+std::string const& inPlace(Params& params, Params::StringEnum cell, Fill fill) {
+    if (params[cell] == prsm::kStringNotSet) fill();
+    return params[cell];
+}
+
+std::string const& deviceName(Model const& model, Params& params, Data const& data) {
+    return inPlace(params, Params::DEVICE_NAME, [&] { model.getDeviceName(params, data); });
+}
+
+std::string const& process(Model const& model, Params& params, Data const& data) {
+    return inPlace(params, Params::PROCESS, [&] { model.getProcess(params, data); });
+}
+
+std::string const& skuName(Model const& model, Params& params, Data const& data) {
+    return inPlace(params, Params::SKU_NAME, [&] { model.calculateSkuName(params, data); });
+}
+
+// The package; a package name may be longer than a string's inline buffer, where a copy allocates.
+std::string const& gtPackage(Model const& model, Params& params, Data const& data) {
+    return inPlace(params, Params::GT_PACKAGE, [&] { model.getGtPackage(params, data); });
+}
+
+bool isWorstProcess(Model const& model, Params& params, Data const& data) {
+    return process(model, params, data) == kWorstProcess;
+}
+
+// IFERROR(VT_COEFFICIENT(device, process, component, key), 0).
+float vtCoefficient(Model const& model, Params& params, Data const& data, std::string_view component,
+                    std::string_view key) {
+    return IFERROR(data.getVtCoefficientOrError(deviceName(model, params, data), process(model, params, data),
+                                                component, key),
+                   0.0f);
+}
+
+// IFERROR(BINNING_FACTORS(device, process, component, SKU), 1).
+float voltBinning(Model const& model, Params& params, Data const& data, std::string_view component) {
+    return IFERROR(
+        data.getBinningFactorsOrError(deviceName(model, params, data), process(model, params, data),
+                                      component, skuName(model, params, data)),
+        1.0f);
+}
+
+// A·t⁵ + B·t⁴ + C·t³ + D·t² + E·t + CONST, the powers of t in double, the result stored as float.
+float leakagePolynomial(float a, float b, float c, float d, float e, float constant, double t) {
+    double const t2 = t * t;
+    double const t3 = t2 * t;
+    double const t4 = t3 * t;
+    double const t5 = t4 * t;
+    return static_cast<float>(a * t5 + b * t4 + c * t3 + d * t2 + e * t + constant);
+}
+
+// The same polynomial at exactly 25 degrees, its powers written out.
+float leakageAt25(float a, float b, float c, float d, float e, float constant) {
+    return static_cast<float>(a * 9765625.0 + b * 390625.0 + c * 15625.0 + d * 625.0 + e * 25.0 + constant);
+}
+
+// C1·exp(C2·V) (the caller has found C1 non-zero).
+float singleSupplyScaling(float c1, float c2, float volts) {
+    return static_cast<float>(c1 * std::exp(static_cast<double>(c2) * volts));
+}
+
+// VCCAUX: 1 when C1 is 0, else C1·exp(C2·VCCAUX)·exp(C3·VCCINT)·(C4·VCCINT² + C5·VCCINT + C6).
+float twoSupplyScaling(float const (&c)[6], float vccaux, float vccint) {
+    if (c[0] == 0.0f) return 1.0f;
+    double const vint = vccint;
+    return static_cast<float>(c[0] * std::exp(static_cast<double>(c[1]) * vccaux) * std::exp(c[2] * vint) *
+                              (c[3] * vint * vint + c[4] * vint + c[5]));
+}
+
+// Where a block leaks: its rail, its component key in VT_COEFFICIENT and BINNING_FACTORS, and its core
+// name in DEVICE_DEPENDENT_SCALE. A block that leaks on one rail uses its core name as component key;
+// a block on several rails adds the rail, so that each rail has its own coefficients.
+struct BlockSite {
+    Rail rail;
+    std::string_view component;
+    std::string_view core;
+};
+
+BlockSite site(Block block) {
+    switch (block) {
+        case Block::BRAM_ACTIVE_VCCINT:
+            return {Rail::VCCINT, "BRAM_CORE_ACTIVE_VCCINT", "BRAM_CORE_ACTIVE"};
+        case Block::BRAM_ACTIVE_VCCRAM:
+            return {Rail::VCCRAM, "BRAM_CORE_ACTIVE_VCCRAM", "BRAM_CORE_ACTIVE"};
+        case Block::BRAM_SLEEP_VCCINT:
+            return {Rail::VCCINT, "BRAM_CORE_SLEEP_VCCINT", "BRAM_CORE_SLEEP"};
+        case Block::BRAM_SLEEP_VCCRAM:
+            return {Rail::VCCRAM, "BRAM_CORE_SLEEP_VCCRAM", "BRAM_CORE_SLEEP"};
+        case Block::URAM_ACTIVE_VCCINT:
+            return {Rail::VCCINT, "URAM_CORE_ACTIVE_VCCINT", "URAM_CORE_ACTIVE"};
+        case Block::URAM_ACTIVE_VCCRAM:
+            return {Rail::VCCRAM, "URAM_CORE_ACTIVE_VCCRAM", "URAM_CORE_ACTIVE"};
+        case Block::URAM_SLEEP_VCCINT:
+            return {Rail::VCCINT, "URAM_CORE_SLEEP_VCCINT", "URAM_CORE_SLEEP"};
+        case Block::URAM_SLEEP_VCCRAM:
+            return {Rail::VCCRAM, "URAM_CORE_SLEEP_VCCRAM", "URAM_CORE_SLEEP"};
+        case Block::CPU_ACTIVE_VCCPSFP:
+            return {Rail::VCCPSFP, "PSS_BASE_CORE_APU_CPU", "PSS_BASE_CORE_APU_CPU"};
+        case Block::L2_ACTIVE_VCCPSFP:
+            return {Rail::VCCPSFP, "PSS_BASE_CORE_APU_L2", "PSS_BASE_CORE_APU_L2"};
+        case Block::RPU_ACTIVE_VCCPSLP:
+            return {Rail::VCCPSLP, "PSS_BASE_CORE_RPU_TIEOFF_WRAPPER", "PSS_BASE_CORE_RPU_TIEOFF_WRAPPER"};
+        case Block::OCM_ACTIVE_VCCPSLP:
+            return {Rail::VCCPSLP, "PSS_BASE_CORE_OCM", "PSS_BASE_CORE_OCM"};
+        case Block::TCM_ACTIVE_VCCPSLP:
+            return {Rail::VCCPSLP, "PSS_BASE_CORE_RPU_TCM", "PSS_BASE_CORE_RPU_TCM"};
+        case Block::PSXL_CPU_ACTIVE_VCCFPD:
+            return {Rail::VCCFPD, "PSXL_BASE_CORE_CPU", "PSXL_BASE_CORE_CPU"};
+        case Block::PSXL_L3_ACTIVE_VCCFPD:
+            return {Rail::VCCFPD, "PSXL_BASE_CORE_L3", "PSXL_BASE_CORE_L3"};
+        case Block::PSXL_OCM_ACTIVE_VCCLPD:
+            return {Rail::VCCLPD, "PSXL_BASE_CORE_OCM", "PSXL_BASE_CORE_OCM"};
+        case Block::PSXL_RPU_ACTIVE_VCCLPD:
+            return {Rail::VCCLPD, "PSXL_BASE_CORE_RPU", "PSXL_BASE_CORE_RPU"};
+        case Block::PSXL_TCM_ACTIVE_VCCLPD:
+            return {Rail::VCCLPD, "PSXL_BASE_CORE_TCM", "PSXL_BASE_CORE_TCM"};
+        case Block::HBM_4H_VCCHBM:
+            return {Rail::VCCHBM, "HBM_4H_STACK_VCCHBM", "HBM_4H_STACK"};
+        case Block::HBM_4H_VCCIOHBM:
+            return {Rail::VCCIOHBM, "HBM_4H_STACK_VCCIOHBM", "HBM_4H_STACK"};
+        case Block::HBM_4H_VCCAUXHBM:
+            return {Rail::VCCAUXHBM, "HBM_4H_STACK_VCCAUXHBM", "HBM_4H_STACK"};
+        case Block::HBM_8H_VCCHBM:
+            return {Rail::VCCHBM, "HBM_8H_STACK_VCCHBM", "HBM_8H_STACK"};
+        case Block::HBM_8H_VCCIOHBM:
+            return {Rail::VCCIOHBM, "HBM_8H_STACK_VCCIOHBM", "HBM_8H_STACK"};
+        case Block::HBM_8H_VCCAUXHBM:
+            return {Rail::VCCAUXHBM, "HBM_8H_STACK_VCCAUXHBM", "HBM_8H_STACK"};
+        case Block::BFR_CORE_ACTIVE_VCCINT:
+            return {Rail::VCCINT, "BFR_CORE_ACTIVE", "BFR_CORE_ACTIVE"};
+        case Block::ADC_CORE_ACTIVE_ADCAVCC:
+            return {Rail::ADCAVCC, "ADC_CORE_ACTIVE_ADCAVCC", "ADC_CORE_ACTIVE"};
+        case Block::ADC_CORE_ACTIVE_ADCAVCCAUX:
+            return {Rail::ADCAVCCAUX, "ADC_CORE_ACTIVE_ADCAVCCAUX", "ADC_CORE_ACTIVE"};
+        case Block::ADC_CORE_ACTIVE_VCCHSAMS:
+            return {Rail::VCCHSAMS, "ADC_CORE_ACTIVE_VCCHSAMS", "ADC_CORE_ACTIVE"};
+        case Block::DAC_CORE_ACTIVE_DACAVCC:
+            return {Rail::DACAVCC, "DAC_CORE_ACTIVE_DACAVCC", "DAC_CORE_ACTIVE"};
+        case Block::DAC_CORE_ACTIVE_DACAVCCAUX:
+            return {Rail::DACAVCCAUX, "DAC_CORE_ACTIVE_DACAVCCAUX", "DAC_CORE_ACTIVE"};
+        case Block::DAC_CORE_ACTIVE_DACAVTT:
+            return {Rail::DACAVTT, "DAC_CORE_ACTIVE_DACAVTT", "DAC_CORE_ACTIVE"};
+        case Block::DAC_CORE_ACTIVE_VCCHSAMS:
+            return {Rail::VCCHSAMS, "DAC_CORE_ACTIVE_VCCHSAMS", "DAC_CORE_ACTIVE"};
+        case Block::GTY_QUAD_MGTYAVCC:
+            return {Rail::MGTYAVCC, "GTY_QUAD_MGTYAVCC", "GTY_QUAD"};
+        case Block::GTY_QUAD_MGTYAVTT:
+            return {Rail::MGTYAVTT, "GTY_QUAD_MGTYAVTT", "GTY_QUAD"};
+        case Block::GTY_QUAD_MGTYVCCAUX:
+            return {Rail::MGTYVCCAUX, "GTY_QUAD_MGTYVCCAUX", "GTY_QUAD"};
+        case Block::GTY_QUAD_TOP_CORE_VCCINT:
+            return {Rail::VCCINT, "GTY_QUAD_TOP_CORE", "GTY_QUAD_TOP_CORE"};
+        case Block::GTYP_QUAD_MGTYPAVCC:
+            return {Rail::MGTYPAVCC, "GTYP_QUAD_MGTYPAVCC", "GTYP_QUAD"};
+        case Block::GTYP_QUAD_MGTYPAVTT:
+            return {Rail::MGTYPAVTT, "GTYP_QUAD_MGTYPAVTT", "GTYP_QUAD"};
+        case Block::GTYP_QUAD_MGTYPVCCAUX:
+            return {Rail::MGTYPVCCAUX, "GTYP_QUAD_MGTYPVCCAUX", "GTYP_QUAD"};
+        case Block::GTYP_QUAD_TOP_CORE_VCCINT:
+            return {Rail::VCCINT, "GTYP_QUAD_TOP_CORE", "GTYP_QUAD_TOP_CORE"};
+        case Block::GTM_QUAD_MGTMAVCC:
+            return {Rail::MGTMAVCC, "GTM_QUAD_MGTMAVCC", "GTM_QUAD"};
+        case Block::GTM_QUAD_MGTMAVTT:
+            return {Rail::MGTMAVTT, "GTM_QUAD_MGTMAVTT", "GTM_QUAD"};
+        case Block::GTM_QUAD_MGTMVCCAUX:
+            return {Rail::MGTMVCCAUX, "GTM_QUAD_MGTMVCCAUX", "GTM_QUAD"};
+        case Block::GTM_QUAD_VCCINTGT:
+            return {Rail::VCCINTGT, "GTM_QUAD_VCCINTGT", "GTM_QUAD"};
+        case Block::GTM_QUAD_TOP_CORE_VCCINT:
+            return {Rail::VCCINT, "GTM_QUAD_TOP_CORE", "GTM_QUAD_TOP_CORE"};
+        case Block::HDIOBANK_ACTIVE_VCCO33:
+            return {Rail::VCCO33, "HDIOBANK_ACTIVE_VCCO33", "HDIOBANK_ACTIVE"};
+        case Block::HDIOBANK_ACTIVE_VCCO25:
+            return {Rail::VCCO25, "HDIOBANK_ACTIVE_VCCO25", "HDIOBANK_ACTIVE"};
+        case Block::HDIOBANK_ACTIVE_VCCO18:
+            return {Rail::VCCO18, "HDIOBANK_ACTIVE_VCCO18", "HDIOBANK_ACTIVE"};
+        case Block::XPIOBANK_ACTIVE_VCCO15:
+            return {Rail::VCCO15, "XPIOBANK_ACTIVE_VCCO15", "XPIOBANK_ACTIVE"};
+        case Block::XPIOBANK_ACTIVE_VCCO135:
+            return {Rail::VCCO135, "XPIOBANK_ACTIVE_VCCO135", "XPIOBANK_ACTIVE"};
+        case Block::XPIOBANK_ACTIVE_VCCO12:
+            return {Rail::VCCO12, "XPIOBANK_ACTIVE_VCCO12", "XPIOBANK_ACTIVE"};
+        case Block::XPIOBANK_ACTIVE_VCCO11:
+            return {Rail::VCCO11, "XPIOBANK_ACTIVE_VCCO11", "XPIOBANK_ACTIVE"};
+        case Block::XPIOBANK_ACTIVE_VCCO10:
+            return {Rail::VCCO10, "XPIOBANK_ACTIVE_VCCO10", "XPIOBANK_ACTIVE"};
+        case Block::X5IOBANK_ACTIVE_VCCO12:
+            return {Rail::VCCO12, "X5IOBANK_ACTIVE_VCCO12", "X5IOBANK_ACTIVE"};
+        case Block::X5IOBANK_ACTIVE_VCCO11:
+            return {Rail::VCCO11, "X5IOBANK_ACTIVE_VCCO11", "X5IOBANK_ACTIVE"};
+        case Block::X5IOBANK_ACTIVE_VCCO10:
+            return {Rail::VCCO10, "X5IOBANK_ACTIVE_VCCO10", "X5IOBANK_ACTIVE"};
+        case Block::OCM2_ACTIVE_VCCPSLP:
+            return {Rail::VCCPSLP, "OCM2_CORE_ACTIVE", "OCM2_CORE_ACTIVE"};
+        case Block::XRAM_CORE_ACTIVE_VCCPSLP:
+            return {Rail::VCCPSLP, "XRAM_CORE_ACTIVE", "XRAM_CORE_ACTIVE"};
+    }
+    return {Rail::VCCINT, {}, {}};
+}
+
+bool isBlockRam(Block block) {
+    switch (block) {
+        case Block::BRAM_ACTIVE_VCCINT:
+        case Block::BRAM_ACTIVE_VCCRAM:
+        case Block::BRAM_SLEEP_VCCINT:
+        case Block::BRAM_SLEEP_VCCRAM:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool isUltraRam(Block block) {
+    switch (block) {
+        case Block::URAM_ACTIVE_VCCINT:
+        case Block::URAM_ACTIVE_VCCRAM:
+        case Block::URAM_SLEEP_VCCINT:
+        case Block::URAM_SLEEP_VCCRAM:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool isMemoryStack(Block block) {
+    switch (block) {
+        case Block::HBM_4H_VCCHBM:
+        case Block::HBM_4H_VCCIOHBM:
+        case Block::HBM_4H_VCCAUXHBM:
+        case Block::HBM_8H_VCCHBM:
+        case Block::HBM_8H_VCCIOHBM:
+        case Block::HBM_8H_VCCAUXHBM:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// A block's component key. The memory cores of a later revision (RAM_CORE_INFO) have coefficients of
+// their own, under the key followed by "_REV<n>".
+std::string_view component(Model const& model, Params& params, Data const& data, Block block) {
+    std::string_view const key = site(block).component;
+    int revision = 1;
+    if (isBlockRam(block)) revision = model.calculateCommonBramCoreRev(params, data);
+    if (isUltraRam(block)) revision = model.calculateCommonUramCoreRev(params, data);
+    if (revision <= 1 || revision > 9) return key;
+    char const digit[2] = {static_cast<char>('0' + revision), '\0'};
+    return prsm::concatKey(key, "_REV", std::string_view(digit, 1));
+}
+
+// The bank of an X5IO rail variant.
+Block x5ioBank(X5ioRail rail) {
+    switch (rail) {
+        case X5ioRail::VCCO10:
+            return Block::X5IOBANK_ACTIVE_VCCO10;
+        case X5ioRail::VCCO11:
+            return Block::X5IOBANK_ACTIVE_VCCO11;
+        case X5ioRail::VCCO12:
+            return Block::X5IOBANK_ACTIVE_VCCO12;
+    }
+    return Block::X5IOBANK_ACTIVE_VCCO10;
+}
+
+Rail x5ioRail(X5ioRail rail) {
+    switch (rail) {
+        case X5ioRail::VCCO10:
+            return Rail::VCCO10;
+        case X5ioRail::VCCO11:
+            return Rail::VCCO11;
+        case X5ioRail::VCCO12:
+            return Rail::VCCO12;
+    }
+    return Rail::VCCO10;
+}
+
+// Region totals: the rails' static powers added left to right from 0.
+template <std::size_t N>
+float sumOfStaticPowers(Model const& model, Params& params, Data const& data, Rail const (&rails)[N]) {
+    float sum = 0.0f;
+    for (Rail const rail : rails) sum += model.calculateStaticPower(params, data, rail);
+    return sum;
+}
+
+}  // namespace
+
+// ---- Device, grades and SKU ----
+
+std::vector<std::string> Model::validListDeviceName(Params&, Data const& data) const {
+    return PRSMHelperUtils::getCfgKeyVectorFromList(data.m_IntToExtDevMap);
+}
+
+// The packages of the device: the second level of GT_INFO below it.
+std::vector<std::string> Model::validListGtPackage(Params& params, Data const& data) const {
+    std::string const prefix = deviceName(*this, params, data) + ".";
+    std::vector<std::string> packages;
+    for (auto const& entry : data.m_GtInfo) {
+        std::string const& key = entry.first;
+        if (key.compare(0, prefix.size(), prefix) != 0) continue;
+        std::string const package = key.substr(prefix.size(), key.find('.', prefix.size()) - prefix.size());
+        if (std::find(packages.begin(), packages.end(), package) == packages.end())
+            packages.push_back(package);
+    }
+    std::sort(packages.begin(), packages.end());
+    return packages;
+}
+
+// SKU_LIST keys cannot begin with a digit: speed grade "2" is keyed "S2".
+std::string Model::computeSpeedGradeStr(Params& params, Data const& data) const {
+    return "S" + getSpeedGrade(params, data);
+}
+
+std::string Model::computeSkuName(Params& params, Data const& data) const {
+    return IFERROR(data.getSkuListOrError(calculateSpeedGradeStr(params, data), getVoltageGrade(params, data),
+                                          getPowerScreen(params, data), getTempGrade(params, data),
+                                          getOverDrive(params, data)),
+                   "");
+}
+
+std::string Model::computeVrString(Params&, Data const&, Rail rail) const {
+    return std::string(memberName(rail));
+}
+
+float Model::defaultRail(Params& params, Data const& data, Rail rail) const {
+    return IFERROR(
+        data.getVoltageRangeOrError(getVoltageCorner(params, data), calculateVrString(params, data, rail),
+                                    skuName(*this, params, data)),
+        0.0f);
+}
+
+float Model::computeValidMin(Params& params, Data const& data, Rail rail) const {
+    return IFERROR(data.getVoltageRangeOrError(kValidMin, calculateVrString(params, data, rail),
+                                               skuName(*this, params, data)),
+                   0.0f);
+}
+
+float Model::computeValidMax(Params& params, Data const& data, Rail rail) const {
+    return IFERROR(data.getVoltageRangeOrError(kValidMax, calculateVrString(params, data, rail),
+                                               skuName(*this, params, data)),
+                   0.0f);
+}
+
+// ---- Counts ----
+
+int Model::computeCommonBramCoreRev(Params& params, Data const& data) const {
+    return static_cast<int>(
+        IFERROR(data.getRamCoreInfoOrError(deviceName(*this, params, data), "BRAM_CORE_REV"), 1.0f));
+}
+
+int Model::computeCommonUramCoreRev(Params& params, Data const& data) const {
+    return static_cast<int>(
+        IFERROR(data.getRamCoreInfoOrError(deviceName(*this, params, data), "URAM_CORE_REV"), 1.0f));
+}
+
+int Model::computeHbm4hMultiplier(Params& params, Data const& data) const {
+    return IFERROR(data.getHbm2EStackInfoOrError(deviceName(*this, params, data), "STACKS_4H"), 0);
+}
+
+int Model::computeHbm8hMultiplier(Params& params, Data const& data) const {
+    return IFERROR(data.getHbm2EStackInfoOrError(deviceName(*this, params, data), "STACKS_8H"), 0);
+}
+
+// Bonded quads of one kind: GT_INFO.<device>.<package>.<kind>.
+int Model::computeAvailableGty(Params& params, Data const& data) const {
+    return IFERROR(data.getGtInfoOrError(deviceName(*this, params, data),
+                                         prsm::concatKey(gtPackage(*this, params, data), ".GTY")),
+                   0);
+}
+
+int Model::computeAvailableGtyp(Params& params, Data const& data) const {
+    return IFERROR(data.getGtInfoOrError(deviceName(*this, params, data),
+                                         prsm::concatKey(gtPackage(*this, params, data), ".GTYP")),
+                   0);
+}
+
+int Model::computeAvailableGtm(Params& params, Data const& data) const {
+    return IFERROR(data.getGtInfoOrError(deviceName(*this, params, data),
+                                         prsm::concatKey(gtPackage(*this, params, data), ".GTM")),
+                   0);
+}
+
+// A package that bonds out no GTM quad cannot power one.
+int Model::computeIsGtmBonded(Params& params, Data const& data) const {
+    return calculateAvailableGtm(params, data) > 0 ? 1 : 0;
+}
+
+// The count that multiplies a block's leakage: the used instances of the block in that state.
+int Model::computeMultiplier(Params& params, Data const& data, Block block) const {
+    switch (block) {
+        case Block::BRAM_ACTIVE_VCCINT:
+        case Block::BRAM_ACTIVE_VCCRAM:
+            return getUsedBramsActive(params, data);
+        case Block::BRAM_SLEEP_VCCINT:
+        case Block::BRAM_SLEEP_VCCRAM:
+            return getUsedBramsSleep(params, data);
+        case Block::URAM_ACTIVE_VCCINT:
+        case Block::URAM_ACTIVE_VCCRAM:
+            return getUsedUramsActive(params, data);
+        case Block::URAM_SLEEP_VCCINT:
+        case Block::URAM_SLEEP_VCCRAM:
+            return getUsedUramsSleep(params, data);
+        case Block::CPU_ACTIVE_VCCPSFP:
+            return getUsedPsFpdA72(params, data);
+        case Block::L2_ACTIVE_VCCPSFP:
+            return getUsedPsFpdL2cache(params, data);
+        case Block::RPU_ACTIVE_VCCPSLP:
+            return getUsedPsLpdR5(params, data);
+        case Block::OCM_ACTIVE_VCCPSLP:
+            return getUsedPsLpdOcm(params, data);
+        case Block::TCM_ACTIVE_VCCPSLP:
+            return getUsedPsLpdTcm(params, data);
+        case Block::PSXL_CPU_ACTIVE_VCCFPD:
+            return getUsedPsxlCpu(params, data);
+        case Block::PSXL_L3_ACTIVE_VCCFPD:
+            return getUsedPsxlL3Cache(params, data);
+        case Block::PSXL_OCM_ACTIVE_VCCLPD:
+            return getUsedPsxlRpuOcm(params, data);
+        case Block::PSXL_RPU_ACTIVE_VCCLPD:
+            return getUsedPsxlRpu(params, data);
+        case Block::PSXL_TCM_ACTIVE_VCCLPD:
+            return getUsedPsxlRpuTcm(params, data);
+        case Block::HBM_4H_VCCHBM:
+        case Block::HBM_4H_VCCIOHBM:
+        case Block::HBM_4H_VCCAUXHBM:
+            return calculateHbm4hMultiplier(params, data);
+        case Block::HBM_8H_VCCHBM:
+        case Block::HBM_8H_VCCIOHBM:
+        case Block::HBM_8H_VCCAUXHBM:
+            return calculateHbm8hMultiplier(params, data);
+        case Block::BFR_CORE_ACTIVE_VCCINT:
+            return getUsedBfr(params, data);
+        case Block::ADC_CORE_ACTIVE_ADCAVCC:
+        case Block::ADC_CORE_ACTIVE_ADCAVCCAUX:
+        case Block::ADC_CORE_ACTIVE_VCCHSAMS:
+            return getUsedAdcCore(params, data);
+        case Block::DAC_CORE_ACTIVE_DACAVCC:
+        case Block::DAC_CORE_ACTIVE_DACAVCCAUX:
+        case Block::DAC_CORE_ACTIVE_DACAVTT:
+        case Block::DAC_CORE_ACTIVE_VCCHSAMS:
+            return getUsedDacCore(params, data);
+        case Block::GTY_QUAD_MGTYAVCC:
+        case Block::GTY_QUAD_MGTYAVTT:
+        case Block::GTY_QUAD_MGTYVCCAUX:
+        case Block::GTY_QUAD_TOP_CORE_VCCINT:
+            return getUsedGtyPowerQuads(params, data);
+        case Block::GTYP_QUAD_MGTYPAVCC:
+        case Block::GTYP_QUAD_MGTYPAVTT:
+        case Block::GTYP_QUAD_MGTYPVCCAUX:
+        case Block::GTYP_QUAD_TOP_CORE_VCCINT:
+            return getUsedGtypPowerQuads(params, data);
+        case Block::GTM_QUAD_MGTMAVCC:
+        case Block::GTM_QUAD_MGTMAVTT:
+        case Block::GTM_QUAD_MGTMVCCAUX:
+        case Block::GTM_QUAD_VCCINTGT:
+        case Block::GTM_QUAD_TOP_CORE_VCCINT:
+            return calculateIsGtmBonded(params, data) == 1 ? getUsedGtmPowerQuads(params, data) : 0;
+        case Block::HDIOBANK_ACTIVE_VCCO33:
+            return getUsedVcco33HdioBanks(params, data);
+        case Block::HDIOBANK_ACTIVE_VCCO25:
+            return getUsedVcco25HdioBanks(params, data);
+        case Block::HDIOBANK_ACTIVE_VCCO18:
+            return getUsedVcco18HdioBanks(params, data);
+        case Block::XPIOBANK_ACTIVE_VCCO15:
+            return getUsedVcco15XpioBanks(params, data);
+        case Block::XPIOBANK_ACTIVE_VCCO135:
+            return getUsedVcco135XpioBanks(params, data);
+        case Block::XPIOBANK_ACTIVE_VCCO12:
+            return getUsedVcco12XpioBanks(params, data);
+        case Block::XPIOBANK_ACTIVE_VCCO11:
+            return getUsedVcco11XpioBanks(params, data);
+        case Block::XPIOBANK_ACTIVE_VCCO10:
+            return getUsedVcco10XpioBanks(params, data);
+        case Block::X5IOBANK_ACTIVE_VCCO12:
+            return getUsedVcco12X5ioBanks(params, data);
+        case Block::X5IOBANK_ACTIVE_VCCO11:
+            return getUsedVcco11X5ioBanks(params, data);
+        case Block::X5IOBANK_ACTIVE_VCCO10:
+            return getUsedVcco10X5ioBanks(params, data);
+        case Block::OCM2_ACTIVE_VCCPSLP:
+            return getUsedOcm2sActive(params, data);
+        case Block::XRAM_CORE_ACTIVE_VCCPSLP:
+            return getUsedXram(params, data);
+    }
+    return 0;
+}
+
+// ---- Thermal step ----
+
+float Model::computePlTriseSlope(Params& params, Data const& data) const {
+    return IFERROR(data.getTemperatureGradientOrError(deviceName(*this, params, data), "PL_TRISE_SLOPE"),
+                   0.0f);
+}
+
+float Model::computePlTriseOffset(Params& params, Data const& data) const {
+    return IFERROR(data.getTemperatureGradientOrError(deviceName(*this, params, data), "PL_TRISE_OFFSET"),
+                   0.0f);
+}
+
+float Model::computeAieTriseSlope(Params& params, Data const& data) const {
+    return IFERROR(data.getTemperatureGradientOrError(deviceName(*this, params, data), "AIE_TRISE_SLOPE"),
+                   0.0f);
+}
+
+float Model::computeAieTriseOffset(Params& params, Data const& data) const {
+    return IFERROR(data.getTemperatureGradientOrError(deviceName(*this, params, data), "AIE_TRISE_OFFSET"),
+                   0.0f);
+}
+
+float Model::computeEnableTjModel(Params& params, Data const& data) const {
+    return IFERROR(data.getTemperatureGradientOrError(deviceName(*this, params, data), "ENABLE_TJ_MODEL"),
+                   0.0f);
+}
+
+float Model::computeMaxDevicePower(Params& params, Data const& data) const {
+    return IFERROR(data.getTemperatureGradientOrError(deviceName(*this, params, data), "MAX_DEVICE_POWER"),
+                   0.0f);
+}
+
+float Model::computePass1StaticPowerScale(Params& params, Data const& data) const {
+    return IFERROR(
+        data.getTemperatureGradientOrError(deviceName(*this, params, data), "PASS1_STATIC_SCALE_FACTOR"),
+        0.0f);
+}
+
+float Model::computeTotalGtDynPower(Params& params, Data const& data) const {
+    return getGtDynPower(params, data) + getGtIpDynPower(params, data);
+}
+
+float Model::computeTotalIoDynPower(Params& params, Data const& data) const {
+    return getIoDynPower(params, data) + getIoIpDynPower(params, data);
+}
+
+float Model::computeTotalPspmcDynPower(Params& params, Data const& data) const {
+    return getPmcDynPower(params, data) + getPsfpdDynPower(params, data) + getPslpdDynPower(params, data);
+}
+
+// Everything on the die but the AI engines: the logic's VCCINT, I/O, transceivers, network, PS and PMC.
+float Model::computeTotalPlDynPower(Params& params, Data const& data) const {
+    return getAllVccintDynPowerMinusAie(params, data) + calculateTotalIoDynPower(params, data) +
+           calculateTotalGtDynPower(params, data) + getNocDynPower(params, data) +
+           calculateTotalPspmcDynPower(params, data);
+}
+
+float Model::computeDynamicPowerExist(Params& params, Data const& data) const {
+    if (getEnableTjGradient(params, data) != kYes) return 0.0f;
+    return calculateTotalPlDynPower(params, data) + getAieDynPower(params, data) > 0.0f ? 1.0f : 0.0f;
+}
+
+float Model::computeTotalPass1PlStaticPower(Params& params, Data const& data) const {
+    float const sum = calculatePass1StaticPower(params, data, Rail::VCCINT) +
+                      calculatePass1StaticPower(params, data, Rail::VCCAUX) +
+                      calculatePass1StaticPower(params, data, Rail::VCCRAM) +
+                      calculatePass1StaticPower(params, data, Block::BRAM_ACTIVE_VCCINT) +
+                      calculatePass1StaticPower(params, data, Block::URAM_ACTIVE_VCCINT);
+    return sum * calculatePass1StaticPowerScale(params, data);
+}
+
+float Model::computeTotalPass1AieStaticPower(Params& params, Data const& data) const {
+    return calculatePass1StaticPower(params, data, Rail::VCCME) *
+           calculatePass1StaticPowerScale(params, data);
+}
+
+float Model::computePlGlobalPowerUsageRaw(Params& params, Data const& data) const {
+    float const maximum = calculateMaxDevicePower(params, data);
+    if (maximum <= 0.0f) return 0.0f;
+    return (calculateTotalPass1PlStaticPower(params, data) + calculateTotalPlDynPower(params, data)) /
+           maximum * 100.0f;
+}
+
+float Model::computeAieGlobalPowerUsageRaw(Params& params, Data const& data) const {
+    float const maximum = calculateMaxDevicePower(params, data);
+    if (maximum <= 0.0f) return 0.0f;
+    return (calculateTotalPass1AieStaticPower(params, data) + getAieDynPower(params, data)) / maximum *
+           100.0f;
+}
+
+// Capped at 100, never clamped below.
+float Model::computePlGlobalPowerUsage(Params& params, Data const& data) const {
+    return std::min(calculatePlGlobalPowerUsageRaw(params, data), 100.0f);
+}
+
+float Model::computeAieGlobalPowerUsage(Params& params, Data const& data) const {
+    return std::min(calculateAieGlobalPowerUsageRaw(params, data), 100.0f);
+}
+
+float Model::computeTjDeltaPl(Params& params, Data const& data) const {
+    return (calculatePlTriseOffset(params, data) +
+            calculatePlTriseSlope(params, data) * calculatePlGlobalPowerUsage(params, data)) *
+           calculateEnableTjModel(params, data) * calculateDynamicPowerExist(params, data);
+}
+
+float Model::computeTjDeltaAie(Params& params, Data const& data) const {
+    return (calculateAieTriseOffset(params, data) +
+            calculateAieTriseSlope(params, data) * calculateAieGlobalPowerUsage(params, data)) *
+           calculateEnableTjModel(params, data) * calculateDynamicPowerExist(params, data);
+}
+
+// ---- A rail's own leakage (COMMON_<RAIL>_...) ----
+
+float Model::computeCommonVtA(Params& params, Data const& data, Rail rail) const {
+    return vtCoefficient(*this, params, data, memberName(rail), "A");
+}
+
+float Model::computeCommonVtB(Params& params, Data const& data, Rail rail) const {
+    return vtCoefficient(*this, params, data, memberName(rail), "B");
+}
+
+float Model::computeCommonVtC(Params& params, Data const& data, Rail rail) const {
+    return vtCoefficient(*this, params, data, memberName(rail), "C");
+}
+
+float Model::computeCommonVtD(Params& params, Data const& data, Rail rail) const {
+    return vtCoefficient(*this, params, data, memberName(rail), "D");
+}
+
+float Model::computeCommonVtE(Params& params, Data const& data, Rail rail) const {
+    return vtCoefficient(*this, params, data, memberName(rail), "E");
+}
+
+float Model::computeCommonVtConst(Params& params, Data const& data, Rail rail) const {
+    return vtCoefficient(*this, params, data, memberName(rail), "CONST");
+}
+
+// At the junction temperature less the rise of the logic (of the AI engines for VCCME).
+float Model::computeCommonVtLeakage(Params& params, Data const& data, Rail rail) const {
+    float const rise =
+        rail == Rail::VCCME ? calculateTjDeltaAie(params, data) : calculateTjDeltaPl(params, data);
+    double const t = static_cast<double>(getJunctionTemperature(params, data)) - rise;
+    return leakagePolynomial(calculateCommonVtA(params, data, rail), calculateCommonVtB(params, data, rail),
+                             calculateCommonVtC(params, data, rail), calculateCommonVtD(params, data, rail),
+                             calculateCommonVtE(params, data, rail),
+                             calculateCommonVtConst(params, data, rail), t);
+}
+
+float Model::computeCommonPass1VtLeakage(Params& params, Data const& data, Rail rail) const {
+    return leakagePolynomial(calculateCommonVtA(params, data, rail), calculateCommonVtB(params, data, rail),
+                             calculateCommonVtC(params, data, rail), calculateCommonVtD(params, data, rail),
+                             calculateCommonVtE(params, data, rail),
+                             calculateCommonVtConst(params, data, rail),
+                             getJunctionTemperature(params, data));
+}
+
+float Model::computeCommonVtLeakage25(Params& params, Data const& data, Rail rail) const {
+    return leakageAt25(calculateCommonVtA(params, data, rail), calculateCommonVtB(params, data, rail),
+                       calculateCommonVtC(params, data, rail), calculateCommonVtD(params, data, rail),
+                       calculateCommonVtE(params, data, rail), calculateCommonVtConst(params, data, rail));
+}
+
+float Model::computeCommonVC1(Params& params, Data const& data, Rail rail) const {
+    return vtCoefficient(*this, params, data, memberName(rail), kVoltageCoefficient[0]);
+}
+
+float Model::computeCommonVC2(Params& params, Data const& data, Rail rail) const {
+    return vtCoefficient(*this, params, data, memberName(rail), kVoltageCoefficient[1]);
+}
+
+float Model::computeCommonVccauxVC3(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, "VCCAUX", kVoltageCoefficient[2]);
+}
+
+float Model::computeCommonVccauxVC4(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, "VCCAUX", kVoltageCoefficient[3]);
+}
+
+float Model::computeCommonVccauxVC5(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, "VCCAUX", kVoltageCoefficient[4]);
+}
+
+float Model::computeCommonVccauxVC6(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, "VCCAUX", kVoltageCoefficient[5]);
+}
+
+// VCCAUX is scaled by its own voltage and by VCCINT's; every other rail by its own.
+float Model::computeCommonVScaling(Params& params, Data const& data, Rail rail) const {
+    float const c1 = calculateCommonVC1(params, data, rail);
+    if (c1 == 0.0f) return 1.0f;  // 1 when V_C1 is 0, for VCCAUX too
+    if (rail != Rail::VCCAUX)
+        return singleSupplyScaling(c1, calculateCommonVC2(params, data, rail), getRail(params, data, rail));
+    float const c[6] = {c1,
+                        calculateCommonVC2(params, data, rail),
+                        calculateCommonVccauxVC3(params, data),
+                        calculateCommonVccauxVC4(params, data),
+                        calculateCommonVccauxVC5(params, data),
+                        calculateCommonVccauxVC6(params, data)};
+    return twoSupplyScaling(c, getVccaux(params, data), getVccint(params, data));
+}
+
+float Model::computeCommonVoltBinning(Params& params, Data const& data, Rail rail) const {
+    return voltBinning(*this, params, data, memberName(rail));
+}
+
+float Model::computeCommonLutToCram1Ratio(Params& params, Data const& data) const {
+    return IFERROR(data.getLutCramInfoOrError(deviceName(*this, params, data), "LUT_TO_CRAM_1_RATIO"), 0.0f);
+}
+
+float Model::computeCommonCramToIstdbyVccauxRatio(Params& params, Data const& data) const {
+    return IFERROR(data.getLutCramInfoOrError(deviceName(*this, params, data), "CRAM_TO_ISTDBY_VCCAUX_RATIO"),
+                   0.0f);
+}
+
+float Model::computeCommonCram1Pct(Params& params, Data const& data) const {
+    return getLutUsedPct(params, data) * calculateCommonLutToCram1Ratio(params, data);
+}
+
+// 1 for every rail but VCCAUX, whose standby current grows with the configuration memory in use:
+// (K·(P / L) + 1) / (K + 1). P / L undoes P = LUT_USED_PCT·L on purpose: P is a cell of its own.
+float Model::computeCommonMultiplier(Params& params, Data const& data, Rail rail) const {
+    if (rail != Rail::VCCAUX) return 1.0f;
+    float const k = calculateCommonCramToIstdbyVccauxRatio(params, data);
+    if (k + 1.0f == 0.0f) return 0.0f;
+    float const l = calculateCommonLutToCram1Ratio(params, data);
+    float const share = l == 0.0f ? 0.0f : calculateCommonCram1Pct(params, data) / l;
+    return (k * share + 1.0f) / (k + 1.0f);
+}
+
+// With the logic powered down (VCCINT at 0 V) VCCAUX leaks as its powered-down coefficients say.
+float Model::computeCommonStaticCurrent(Params& params, Data const& data, Rail rail) const {
+    if (rail == Rail::VCCAUX && getVccint(params, data) == 0.0f)
+        return calculateCommonVccauxPlPoweredDownVtLeakage(params, data) *
+               calculateCommonVccauxPlPoweredDownVScaling(params, data) *
+               calculateCommonVccauxPlPoweredDownVoltBinning(params, data) *
+               calculateCommonMultiplier(params, data, rail);
+    return calculateCommonVtLeakage(params, data, rail) * calculateCommonVScaling(params, data, rail) *
+           calculateCommonVoltBinning(params, data, rail) * calculateCommonMultiplier(params, data, rail);
+}
+
+float Model::computeCommonPass1StaticCurrent(Params& params, Data const& data, Rail rail) const {
+    return calculateCommonPass1VtLeakage(params, data, rail) * calculateCommonVScaling(params, data, rail) *
+           calculateCommonVoltBinning(params, data, rail) * calculateCommonMultiplier(params, data, rail);
+}
+
+float Model::computePass1StaticPower(Params& params, Data const& data, Rail rail) const {
+    float const volts = getRail(params, data, rail);
+    if (volts == 0.0f) return 0.0f;
+    return volts * calculateCommonPass1StaticCurrent(params, data, rail);
+}
+
+// The one lookup of the sheet without a default: a missing row throws, and only under the worst
+// process, the one case that reads the factor.
+float Model::computeCommonTotalPowerFactor(Params& params, Data const& data, Rail rail) const {
+    return data.getTotalPowerFactors(deviceName(*this, params, data), memberName(rail));
+}
+
+float Model::computeCommonPowerupConst(Params& params, Data const& data, Rail rail) const {
+    return IFERROR(data.getPowerupCurrentOrError(deviceName(*this, params, data), memberName(rail)), 0.0f) /
+           1000.0f;
+}
+
+// A worst-process figure at 25 degrees: the scaled 25-degree leakage plus a constant.
+float Model::computeCommonPowerupCurrent(Params& params, Data const& data, Rail rail) const {
+    float const multiplier = calculateCommonMultiplier(params, data, rail);
+    if (!(multiplier > 0.0f) || !isWorstProcess(*this, params, data)) return 0.0f;
+    float const factor = calculateCommonTotalPowerFactor(params, data, rail);
+    return calculateCommonVtLeakage25(params, data, rail) * calculateCommonVScaling(params, data, rail) *
+               calculateCommonVoltBinning(params, data, rail) * multiplier * factor +
+           calculateCommonPowerupConst(params, data, rail);
+}
+
+// ---- VCCAUX with the logic powered down ----
+
+float Model::computeCommonVccauxPlPoweredDownVtA(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, kVccauxPoweredDown, "A");
+}
+
+float Model::computeCommonVccauxPlPoweredDownVtB(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, kVccauxPoweredDown, "B");
+}
+
+float Model::computeCommonVccauxPlPoweredDownVtC(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, kVccauxPoweredDown, "C");
+}
+
+float Model::computeCommonVccauxPlPoweredDownVtD(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, kVccauxPoweredDown, "D");
+}
+
+float Model::computeCommonVccauxPlPoweredDownVtE(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, kVccauxPoweredDown, "E");
+}
+
+float Model::computeCommonVccauxPlPoweredDownVtConst(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, kVccauxPoweredDown, "CONST");
+}
+
+float Model::computeCommonVccauxPlPoweredDownVtLeakage(Params& params, Data const& data) const {
+    double const t =
+        static_cast<double>(getJunctionTemperature(params, data)) - calculateTjDeltaPl(params, data);
+    return leakagePolynomial(calculateCommonVccauxPlPoweredDownVtA(params, data),
+                             calculateCommonVccauxPlPoweredDownVtB(params, data),
+                             calculateCommonVccauxPlPoweredDownVtC(params, data),
+                             calculateCommonVccauxPlPoweredDownVtD(params, data),
+                             calculateCommonVccauxPlPoweredDownVtE(params, data),
+                             calculateCommonVccauxPlPoweredDownVtConst(params, data), t);
+}
+
+float Model::computeCommonVccauxPlPoweredDownVC1(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, kVccauxPoweredDown, kVoltageCoefficient[0]);
+}
+
+float Model::computeCommonVccauxPlPoweredDownVC2(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, kVccauxPoweredDown, kVoltageCoefficient[1]);
+}
+
+float Model::computeCommonVccauxPlPoweredDownVC3(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, kVccauxPoweredDown, kVoltageCoefficient[2]);
+}
+
+float Model::computeCommonVccauxPlPoweredDownVC4(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, kVccauxPoweredDown, kVoltageCoefficient[3]);
+}
+
+float Model::computeCommonVccauxPlPoweredDownVC5(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, kVccauxPoweredDown, kVoltageCoefficient[4]);
+}
+
+float Model::computeCommonVccauxPlPoweredDownVC6(Params& params, Data const& data) const {
+    return vtCoefficient(*this, params, data, kVccauxPoweredDown, kVoltageCoefficient[5]);
+}
+
+float Model::computeCommonVccauxPlPoweredDownVScaling(Params& params, Data const& data) const {
+    if (calculateCommonVccauxPlPoweredDownVC1(params, data) == 0.0f) return 1.0f;
+    float const c[6] = {calculateCommonVccauxPlPoweredDownVC1(params, data),
+                        calculateCommonVccauxPlPoweredDownVC2(params, data),
+                        calculateCommonVccauxPlPoweredDownVC3(params, data),
+                        calculateCommonVccauxPlPoweredDownVC4(params, data),
+                        calculateCommonVccauxPlPoweredDownVC5(params, data),
+                        calculateCommonVccauxPlPoweredDownVC6(params, data)};
+    return twoSupplyScaling(c, getVccaux(params, data), getVccint(params, data));
+}
+
+float Model::computeCommonVccauxPlPoweredDownVoltBinning(Params& params, Data const& data) const {
+    return voltBinning(*this, params, data, kVccauxPoweredDown);
+}
+
+// ---- A block's leakage (<BLOCK>_<STATE>_<RAIL>_...) ----
+
+float Model::computeVtA(Params& params, Data const& data, Block block) const {
+    return vtCoefficient(*this, params, data, component(*this, params, data, block), "A");
+}
+
+float Model::computeVtB(Params& params, Data const& data, Block block) const {
+    return vtCoefficient(*this, params, data, component(*this, params, data, block), "B");
+}
+
+float Model::computeVtC(Params& params, Data const& data, Block block) const {
+    return vtCoefficient(*this, params, data, component(*this, params, data, block), "C");
+}
+
+float Model::computeVtD(Params& params, Data const& data, Block block) const {
+    return vtCoefficient(*this, params, data, component(*this, params, data, block), "D");
+}
+
+float Model::computeVtE(Params& params, Data const& data, Block block) const {
+    return vtCoefficient(*this, params, data, component(*this, params, data, block), "E");
+}
+
+float Model::computeVtConst(Params& params, Data const& data, Block block) const {
+    return vtCoefficient(*this, params, data, component(*this, params, data, block), "CONST");
+}
+
+// The memory stacks sit at their own temperature, without a rise; every other block at the logic's.
+float Model::computeVtLeakage(Params& params, Data const& data, Block block) const {
+    double const t = isMemoryStack(block) ? static_cast<double>(getJunctionTemperatureHbmdram(params, data))
+                                          : static_cast<double>(getJunctionTemperature(params, data)) -
+                                                calculateTjDeltaPl(params, data);
+    return leakagePolynomial(calculateVtA(params, data, block), calculateVtB(params, data, block),
+                             calculateVtC(params, data, block), calculateVtD(params, data, block),
+                             calculateVtE(params, data, block), calculateVtConst(params, data, block), t);
+}
+
+float Model::computePass1VtLeakage(Params& params, Data const& data, Block block) const {
+    return leakagePolynomial(calculateVtA(params, data, block), calculateVtB(params, data, block),
+                             calculateVtC(params, data, block), calculateVtD(params, data, block),
+                             calculateVtE(params, data, block), calculateVtConst(params, data, block),
+                             getJunctionTemperature(params, data));
+}
+
+float Model::computeVtLeakage25(Params& params, Data const& data, Block block) const {
+    return leakageAt25(calculateVtA(params, data, block), calculateVtB(params, data, block),
+                       calculateVtC(params, data, block), calculateVtD(params, data, block),
+                       calculateVtE(params, data, block), calculateVtConst(params, data, block));
+}
+
+float Model::computeVC1(Params& params, Data const& data, Block block) const {
+    return vtCoefficient(*this, params, data, component(*this, params, data, block), kVoltageCoefficient[0]);
+}
+
+float Model::computeVC2(Params& params, Data const& data, Block block) const {
+    return vtCoefficient(*this, params, data, component(*this, params, data, block), kVoltageCoefficient[1]);
+}
+
+float Model::computeVScaling(Params& params, Data const& data, Block block) const {
+    float const c1 = calculateVC1(params, data, block);
+    if (c1 == 0.0f) return 1.0f;
+    return singleSupplyScaling(c1, calculateVC2(params, data, block),
+                               getRail(params, data, site(block).rail));
+}
+
+float Model::computeVoltBinning(Params& params, Data const& data, Block block) const {
+    return voltBinning(*this, params, data, component(*this, params, data, block));
+}
+
+float Model::computeDeviceScale(Params& params, Data const& data, Block block) const {
+    BlockSite const where = site(block);
+    return IFERROR(data.getDeviceDependentScaleOrError(deviceName(*this, params, data), where.core,
+                                                       memberName(where.rail)),
+                   1.0f);
+}
+
+// A block not in use carries nothing: its coefficients are not even read (the product is 0).
+float Model::computeStaticCurrent(Params& params, Data const& data, Block block) const {
+    int const count = calculateMultiplier(params, data, block);
+    if (count == 0) return 0.0f;
+    return calculateVtLeakage(params, data, block) * calculateVScaling(params, data, block) *
+           calculateVoltBinning(params, data, block) * static_cast<float>(count) *
+           calculateDeviceScale(params, data, block);
+}
+
+float Model::computePass1StaticCurrent(Params& params, Data const& data, Block block) const {
+    int const count = calculateMultiplier(params, data, block);
+    if (count == 0) return 0.0f;
+    return calculatePass1VtLeakage(params, data, block) * calculateVScaling(params, data, block) *
+           calculateVoltBinning(params, data, block) * static_cast<float>(count) *
+           calculateDeviceScale(params, data, block);
+}
+
+float Model::computePass1StaticPower(Params& params, Data const& data, Block block) const {
+    float const volts = getRail(params, data, site(block).rail);
+    if (volts == 0.0f) return 0.0f;
+    return volts * calculatePass1StaticCurrent(params, data, block);
+}
+
+// ---- Rail outputs ----
+
+// The rail's own leakage plus the blocks on it; nothing at 0 V (a NaN voltage computes as usual).
+float Model::computeStaticCurrent(Params& params, Data const& data, Rail rail) const {
+    if (getRail(params, data, rail) == 0.0f) return 0.0f;
+    float total = calculateCommonStaticCurrent(params, data, rail);
+    auto const add = [&](std::initializer_list<Block> blocks) {
+        for (Block const block : blocks) total += calculateStaticCurrent(params, data, block);
+    };
+    switch (rail) {
+        case Rail::VCCINT:
+            // All four block-RAM and all four UltraRAM block currents, as the sheet sums them.
+            add({Block::BRAM_ACTIVE_VCCINT, Block::BRAM_ACTIVE_VCCRAM, Block::BRAM_SLEEP_VCCINT,
+                 Block::BRAM_SLEEP_VCCRAM, Block::URAM_ACTIVE_VCCINT, Block::URAM_ACTIVE_VCCRAM,
+                 Block::URAM_SLEEP_VCCINT, Block::URAM_SLEEP_VCCRAM});
+            total += calculateGtyVccintStaticCurrent(params, data);
+            total += calculateGtypVccintStaticCurrent(params, data);
+            total += calculateGtmVccintStaticCurrent(params, data);
+            total += calculateStaticCurrent(params, data, Rail::VCCINTCPM);
+            total += calculateStaticCurrent(params, data, Rail::VCCME);
+            add({Block::BFR_CORE_ACTIVE_VCCINT});
+            break;
+        case Rail::VCCRAM:
+            add({Block::BRAM_ACTIVE_VCCRAM, Block::BRAM_SLEEP_VCCRAM, Block::URAM_ACTIVE_VCCRAM,
+                 Block::URAM_SLEEP_VCCRAM});
+            break;
+        // The second on-chip memory (OCM2) is reported apart and counted in the PS region on its own.
+        case Rail::VCCPSLP:
+            add({Block::RPU_ACTIVE_VCCPSLP, Block::OCM_ACTIVE_VCCPSLP, Block::TCM_ACTIVE_VCCPSLP,
+                 Block::XRAM_CORE_ACTIVE_VCCPSLP});
+            break;
+        case Rail::VCCPSFP:
+            add({Block::CPU_ACTIVE_VCCPSFP, Block::L2_ACTIVE_VCCPSFP});
+            break;
+        case Rail::VCCLPD:
+            add({Block::PSXL_OCM_ACTIVE_VCCLPD, Block::PSXL_RPU_ACTIVE_VCCLPD,
+                 Block::PSXL_TCM_ACTIVE_VCCLPD});
+            break;
+        case Rail::VCCFPD:
+            add({Block::PSXL_CPU_ACTIVE_VCCFPD, Block::PSXL_L3_ACTIVE_VCCFPD});
+            break;
+        case Rail::VCCHBM:
+            add({Block::HBM_4H_VCCHBM, Block::HBM_8H_VCCHBM});
+            break;
+        case Rail::VCCAUXHBM:
+            add({Block::HBM_4H_VCCAUXHBM, Block::HBM_8H_VCCAUXHBM});
+            break;
+        case Rail::VCCIOHBM:
+            total = calculateVcciohbmFpgaStaticCurrent(params, data) +
+                    calculateVcciohbmDramStaticCurrent(params, data);
+            break;
+        case Rail::VCCO33:
+            add({Block::HDIOBANK_ACTIVE_VCCO33});
+            break;
+        case Rail::VCCO25:
+            add({Block::HDIOBANK_ACTIVE_VCCO25});
+            break;
+        case Rail::VCCO18:
+            add({Block::HDIOBANK_ACTIVE_VCCO18});
+            break;
+        case Rail::VCCO15:
+            add({Block::XPIOBANK_ACTIVE_VCCO15});
+            break;
+        case Rail::VCCO135:
+            add({Block::XPIOBANK_ACTIVE_VCCO135});
+            break;
+        // The X5IO banks of these rails are reported in their VCCO1x_X5IO_ variants.
+        case Rail::VCCO12:
+            add({Block::XPIOBANK_ACTIVE_VCCO12});
+            break;
+        case Rail::VCCO11:
+            add({Block::XPIOBANK_ACTIVE_VCCO11});
+            break;
+        case Rail::VCCO10:
+            add({Block::XPIOBANK_ACTIVE_VCCO10});
+            break;
+        case Rail::MGTYAVCC:
+            add({Block::GTY_QUAD_MGTYAVCC});
+            break;
+        case Rail::MGTYAVTT:
+            add({Block::GTY_QUAD_MGTYAVTT});
+            break;
+        case Rail::MGTYVCCAUX:
+            add({Block::GTY_QUAD_MGTYVCCAUX});
+            break;
+        case Rail::MGTYPAVCC:
+            add({Block::GTYP_QUAD_MGTYPAVCC});
+            break;
+        case Rail::MGTYPAVTT:
+            add({Block::GTYP_QUAD_MGTYPAVTT});
+            break;
+        case Rail::MGTYPVCCAUX:
+            add({Block::GTYP_QUAD_MGTYPVCCAUX});
+            break;
+        case Rail::MGTMAVCC:
+            add({Block::GTM_QUAD_MGTMAVCC});
+            break;
+        case Rail::MGTMAVTT:
+            add({Block::GTM_QUAD_MGTMAVTT});
+            break;
+        case Rail::MGTMVCCAUX:
+            add({Block::GTM_QUAD_MGTMVCCAUX});
+            break;
+        case Rail::VCCINTGT:
+            add({Block::GTM_QUAD_VCCINTGT});
+            break;
+        case Rail::ADCAVCC:
+            add({Block::ADC_CORE_ACTIVE_ADCAVCC});
+            break;
+        case Rail::ADCAVCCAUX:
+            add({Block::ADC_CORE_ACTIVE_ADCAVCCAUX});
+            break;
+        case Rail::DACAVCC:
+            add({Block::DAC_CORE_ACTIVE_DACAVCC});
+            break;
+        case Rail::DACAVCCAUX:
+            add({Block::DAC_CORE_ACTIVE_DACAVCCAUX});
+            break;
+        case Rail::DACAVTT:
+            add({Block::DAC_CORE_ACTIVE_DACAVTT});
+            break;
+        case Rail::VCCHSAMS:
+            add({Block::ADC_CORE_ACTIVE_VCCHSAMS, Block::DAC_CORE_ACTIVE_VCCHSAMS});
+            break;
+        default:
+            break;
+    }
+    return total;
+}
+
+float Model::computeVcciohbmFpgaStaticCurrent(Params& params, Data const& data) const {
+    return calculateCommonStaticCurrent(params, data, Rail::VCCIOHBM);
+}
+
+float Model::computeVcciohbmDramStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::HBM_4H_VCCIOHBM) +
+           calculateStaticCurrent(params, data, Block::HBM_8H_VCCIOHBM);
+}
+
+float Model::computeStaticPower(Params& params, Data const& data, Rail rail) const {
+    return getRail(params, data, rail) * calculateStaticCurrent(params, data, rail);
+}
+
+// Scaled by the rail's total-power factor under the worst process only.
+float Model::computeStaticCurrentTpfScaled(Params& params, Data const& data, Rail rail) const {
+    float const current = calculateStaticCurrent(params, data, rail);
+    if (!isWorstProcess(*this, params, data)) return current;
+    return current * calculateCommonTotalPowerFactor(params, data, rail);
+}
+
+float Model::computePowerupCurrent(Params& params, Data const& data, Rail rail) const {
+    return calculateCommonPowerupCurrent(params, data, rail);
+}
+
+// ---- The X5IO banks of VCCO10, VCCO11 and VCCO12 ----
+
+float Model::computeX5ioStaticCurrent(Params& params, Data const& data, X5ioRail rail) const {
+    if (getRail(params, data, x5ioRail(rail)) == 0.0f) return 0.0f;
+    return calculateStaticCurrent(params, data, x5ioBank(rail));
+}
+
+float Model::computeX5ioStaticPower(Params& params, Data const& data, X5ioRail rail) const {
+    return getRail(params, data, x5ioRail(rail)) * calculateX5ioStaticCurrent(params, data, rail);
+}
+
+float Model::computeX5ioStaticCurrentTpfScaled(Params& params, Data const& data, X5ioRail rail) const {
+    float const current = calculateX5ioStaticCurrent(params, data, rail);
+    if (!isWorstProcess(*this, params, data)) return current;
+    return current * calculateCommonTotalPowerFactor(params, data, x5ioRail(rail));
+}
+
+// The banks' scaled 25-degree leakage under the worst process; the banks add no constant.
+float Model::computeX5ioPowerupCurrent(Params& params, Data const& data, X5ioRail rail) const {
+    Block const bank = x5ioBank(rail);
+    int const banks = calculateMultiplier(params, data, bank);
+    if (banks <= 0 || !isWorstProcess(*this, params, data)) return 0.0f;
+    float const factor = calculateCommonTotalPowerFactor(params, data, x5ioRail(rail));
+    return calculateVtLeakage25(params, data, bank) * calculateVScaling(params, data, bank) *
+           calculateVoltBinning(params, data, bank) * static_cast<float>(banks) *
+           calculateDeviceScale(params, data, bank) * factor;
+}
+
+// ---- Block currents shown to the user ----
+
+float Model::computeAdcCoreAdcavccStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::ADC_CORE_ACTIVE_ADCAVCC);
+}
+
+float Model::computeAdcCoreAdcavccauxStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::ADC_CORE_ACTIVE_ADCAVCCAUX);
+}
+
+float Model::computeAdcCoreVcchsamsStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::ADC_CORE_ACTIVE_VCCHSAMS);
+}
+
+float Model::computeDacCoreDacavccStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::DAC_CORE_ACTIVE_DACAVCC);
+}
+
+float Model::computeDacCoreDacavccauxStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::DAC_CORE_ACTIVE_DACAVCCAUX);
+}
+
+float Model::computeDacCoreDacavttStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::DAC_CORE_ACTIVE_DACAVTT);
+}
+
+float Model::computeDacCoreVcchsamsStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::DAC_CORE_ACTIVE_VCCHSAMS);
+}
+
+float Model::computeOcm2VccpslpStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::OCM2_ACTIVE_VCCPSLP);
+}
+
+float Model::computeOcm2VccpslpStaticPower(Params& params, Data const& data) const {
+    return getVccpslp(params, data) * calculateOcm2VccpslpStaticCurrent(params, data);
+}
+
+// A transceiver kind's current on its own rails, and the power of that current at each rail's voltage.
+float Model::computeGtyStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::GTY_QUAD_MGTYAVCC) +
+           calculateStaticCurrent(params, data, Block::GTY_QUAD_MGTYAVTT) +
+           calculateStaticCurrent(params, data, Block::GTY_QUAD_MGTYVCCAUX);
+}
+
+float Model::computeGtyStaticPower(Params& params, Data const& data) const {
+    return getMgtyavcc(params, data) * calculateStaticCurrent(params, data, Block::GTY_QUAD_MGTYAVCC) +
+           getMgtyavtt(params, data) * calculateStaticCurrent(params, data, Block::GTY_QUAD_MGTYAVTT) +
+           getMgtyvccaux(params, data) * calculateStaticCurrent(params, data, Block::GTY_QUAD_MGTYVCCAUX);
+}
+
+float Model::computeGtypStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::GTYP_QUAD_MGTYPAVCC) +
+           calculateStaticCurrent(params, data, Block::GTYP_QUAD_MGTYPAVTT) +
+           calculateStaticCurrent(params, data, Block::GTYP_QUAD_MGTYPVCCAUX);
+}
+
+float Model::computeGtmStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::GTM_QUAD_MGTMAVCC) +
+           calculateStaticCurrent(params, data, Block::GTM_QUAD_MGTMAVTT) +
+           calculateStaticCurrent(params, data, Block::GTM_QUAD_MGTMVCCAUX) +
+           calculateStaticCurrent(params, data, Block::GTM_QUAD_VCCINTGT);
+}
+
+// The quads' logic on VCCINT.
+float Model::computeGtyVccintStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::GTY_QUAD_TOP_CORE_VCCINT);
+}
+
+float Model::computeGtyVccintStaticPower(Params& params, Data const& data) const {
+    return getVccint(params, data) * calculateGtyVccintStaticCurrent(params, data);
+}
+
+float Model::computeGtypVccintStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::GTYP_QUAD_TOP_CORE_VCCINT);
+}
+
+float Model::computeGtypVccintStaticPower(Params& params, Data const& data) const {
+    return getVccint(params, data) * calculateGtypVccintStaticCurrent(params, data);
+}
+
+float Model::computeGtmVccintStaticCurrent(Params& params, Data const& data) const {
+    return calculateStaticCurrent(params, data, Block::GTM_QUAD_TOP_CORE_VCCINT);
+}
+
+float Model::computeGtmVccintStaticPower(Params& params, Data const& data) const {
+    return getVccint(params, data) * calculateGtmVccintStaticCurrent(params, data);
+}
+
+// ---- Region totals ----
+
+float Model::computeStaticPowerAccuracyFactor(Params& params, Data const& data) const {
+    if (getEnableAccuracyFactor(params, data) != kYes) return 1.0f;
+    return IFERROR(data.getAccuracyFactorOrError(deviceName(*this, params, data), kWorstProcess), 1.0f);
+}
+
+float Model::computeStaticPowerManagementFactor(Params& params, Data const& data) const {
+    return IFERROR(data.getPowerManagementFactorOrError(deviceName(*this, params, data),
+                                                        getPowerManagementMode(params, data)),
+                   1.0f);
+}
+
+// The AI-engine leakage sits inside VCCINT: it is taken out here and reported on its own.
+float Model::computePlStaticPower(Params& params, Data const& data) const {
+    static constexpr Rail rails[] = {
+        Rail::VCCINT,     Rail::VCCRAM,   Rail::VCCAUX,     Rail::VCCBATT,   Rail::VCCFUSE,
+        Rail::VCCO33,     Rail::VCCO25,   Rail::VCCO18,     Rail::VCCO15,    Rail::VCCO135,
+        Rail::VCCO12,     Rail::VCCO11,   Rail::VCCO10,     Rail::VCCHSAMS,  Rail::ADCAVCC,
+        Rail::ADCAVCCAUX, Rail::DACAVCC,  Rail::DACAVCCAUX, Rail::DACAVTT,   Rail::VCCVCUINT,
+        Rail::VCCINTIO,   Rail::VCCHNICX, Rail::VCCCPM5N,   Rail::VCCAUXPLL, Rail::VCCCPM5};
+    return sumOfStaticPowers(*this, params, data, rails) * calculateStaticPowerAccuracyFactor(params, data) *
+               calculateStaticPowerManagementFactor(params, data) -
+           calculateAieStaticPower(params, data);
+}
+
+float Model::computeAieStaticPower(Params& params, Data const& data) const {
+    return calculateStaticPower(params, data, Rail::VCCME) *
+           calculateStaticPowerAccuracyFactor(params, data) *
+           calculateStaticPowerManagementFactor(params, data);
+}
+
+float Model::computePsPmcStaticPower(Params& params, Data const& data) const {
+    static constexpr Rail psRails[] = {Rail::VCCPSLP, Rail::VCCPSFP, Rail::VCCFPD, Rail::VCCLPD,
+                                       Rail::VCCOPMIO2};
+    static constexpr Rail pmcRails[] = {Rail::VCCPMC,     Rail::VCCAUXPMC, Rail::VCCAUXLPD, Rail::VCCOFIO,
+                                        Rail::VCCAUXSMON, Rail::VCCOPMIO0, Rail::VCCOPMIO1};
+    float const ps =
+        sumOfStaticPowers(*this, params, data, psRails) + calculateOcm2VccpslpStaticPower(params, data);
+    float const pmc = sumOfStaticPowers(*this, params, data, pmcRails);
+    return (ps + pmc) * calculateStaticPowerAccuracyFactor(params, data) *
+           calculateStaticPowerManagementFactor(params, data);
+}
+
+float Model::computeNocStaticPower(Params& params, Data const& data) const {
+    return calculateStaticPower(params, data, Rail::VCCSOC) *
+           calculateStaticPowerAccuracyFactor(params, data) *
+           calculateStaticPowerManagementFactor(params, data);
+}
+
+float Model::computeGtStaticPower(Params& params, Data const& data) const {
+    static constexpr Rail rails[] = {Rail::MGTYAVCC,   Rail::MGTYAVTT,    Rail::MGTYVCCAUX, Rail::MGTYPAVCC,
+                                     Rail::MGTYPAVTT,  Rail::MGTYPVCCAUX, Rail::MGTMAVCC,   Rail::MGTMAVTT,
+                                     Rail::MGTMVCCAUX, Rail::VCCINTGT};
+    return sumOfStaticPowers(*this, params, data, rails) * calculateStaticPowerAccuracyFactor(params, data) *
+           calculateStaticPowerManagementFactor(params, data);
+}
+
+float Model::computeHbmStaticPower(Params& params, Data const& data) const {
+    static constexpr Rail rails[] = {Rail::VCCIOHBM, Rail::VCCHBM, Rail::VCCAUXHBM, Rail::VCCINTIOHBM};
+    return sumOfStaticPowers(*this, params, data, rails) * calculateStaticPowerAccuracyFactor(params, data) *
+           calculateStaticPowerManagementFactor(params, data);
+}
+
+float Model::computeTotalStaticPower(Params& params, Data const& data) const {
+    float total = 0.0f;
+    total += calculatePlStaticPower(params, data);
+    total += calculatePsPmcStaticPower(params, data);
+    total += calculateNocStaticPower(params, data);
+    total += calculateAieStaticPower(params, data);
+    total += calculateGtStaticPower(params, data);
+    total += calculateHbmStaticPower(params, data);
+    return total;
+}
