@@ -56,8 +56,30 @@ bool isGzip(std::string const& content) {
            static_cast<unsigned char>(content[1]) == 0x8b;
 }
 
+// Character classes of the scan, looked up by table: the scan runs over every byte of every file.
+enum CharClass : unsigned char { kOther, kNameStart = 1, kNameChar = 2, kNumberStart = 4 };
+
+struct CharClasses {
+    unsigned char of[256] = {};
+    constexpr CharClasses() {
+        for (int c = 'a'; c <= 'z'; ++c) of[c] = kNameStart | kNameChar;
+        for (int c = 'A'; c <= 'Z'; ++c) of[c] = kNameStart | kNameChar;
+        for (int c = '0'; c <= '9'; ++c) of[c] = kNameChar | kNumberStart;
+        of[static_cast<unsigned char>('*')] = kNameStart | kNameChar;
+        of[static_cast<unsigned char>('_')] = kNameChar;
+        of[static_cast<unsigned char>('-')] = kNameChar | kNumberStart;
+        of[static_cast<unsigned char>('+')] = kNumberStart;
+        of[static_cast<unsigned char>('.')] = kNumberStart;
+    }
+};
+constexpr CharClasses kClasses;
+
+bool is(char c, CharClass cls) {
+    return (kClasses.of[static_cast<unsigned char>(c)] & cls) != 0;
+}
+
 bool isNameChar(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '-' || c == '*';
+    return is(c, kNameChar);
 }
 
 bool isDigit(char c) {
@@ -185,10 +207,10 @@ private:
                     ++c.at;
                     break;
                 default:
-                    if (std::isalpha(static_cast<unsigned char>(ch)) != 0 || ch == '*') {
+                    if (is(ch, kNameStart)) {
                         while (++c.at < n && isNameChar(content[c.at])) {
                         }
-                    } else if (isDigit(ch) || ch == '+' || ch == '-' || ch == '.') {
+                    } else if (is(ch, kNumberStart)) {
                         number(c);
                     } else {
                         ++c.at;
