@@ -7,13 +7,10 @@
 #include <boost/iostreams/device/array.hpp>
 #include <boost/iostreams/filter/gzip.hpp>
 #include <boost/iostreams/filtering_stream.hpp>
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <libconfig.h++>
-#include <mutex>
 
 namespace fs = boost::filesystem;
 
@@ -127,8 +124,10 @@ std::string decompress(std::string const& file, std::string const& raw, std::siz
 
 class Assembler {
 public:
-    Assembler(std::vector<std::string> const& dataDirs, Limits const& limits)
-        : m_dataDirs(dataDirs), m_limits(limits), m_sources(std::make_shared<SourceMap>()) {}
+    Assembler(std::vector<std::string> const& dataDirs, Limits const& limits, std::size_t expectedSize)
+        : m_dataDirs(dataDirs), m_limits(limits), m_sources(std::make_shared<SourceMap>()) {
+        m_text.reserve(std::min(expectedSize, limits.maxBytes) + 64);
+    }
 
     void append(fs::path const& file, std::string const& raw, int depth) {
         std::string const name = file.string();
@@ -151,6 +150,14 @@ private:
         fail("data file " + file + " is larger than " + std::to_string(m_limits.maxBytes) +
              " bytes with what it includes, the loader's limit for a data file (PRSMData::setMaxDataBytes)");
     }
+
+    struct Cursor {
+        std::string const& text;
+        std::string const& name;
+        std::size_t at;      // next character to scan
+        std::size_t copied;  // text before this is in m_text already
+        int line;
+    };
 
     void scan(std::string const& content, std::string const& name, fs::path const& file, int depth) {
         std::size_t const nul = content.find('\0');
@@ -220,14 +227,6 @@ private:
         }
         flush(c, n);
     }
-
-    struct Cursor {
-        std::string const& text;
-        std::string const& name;
-        std::size_t at;      // next character to scan
-        std::size_t copied;  // text before this is in m_text already
-        int line;
-    };
 
     // Copies the text up to `upto` into the assembled text.
     void flush(Cursor& c, std::size_t upto) {
@@ -474,7 +473,7 @@ constexpr std::size_t kRemembered = 4;
 
 AssembledText assembleDataText(std::string const& file, std::string const& content,
                                std::vector<std::string> const& dataDirs, Limits const& limits) {
-    Assembler assembler(dataDirs, limits);
+    Assembler assembler(dataDirs, limits, content.size());
     assembler.append(fs::path(file), content, 0);
     return assembler.result();
 }
