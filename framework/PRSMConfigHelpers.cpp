@@ -1,7 +1,10 @@
 #include <prsm/framework/PRSMConfigHelpers.h>
 
+#include <prsm/framework/PRSMDataText.h>
 #include <prsm/framework/PRSMException.h>
 
+#include <climits>
+#include <cmath>
 #include <iostream>
 #include <libconfig.h++>
 #include <sstream>
@@ -43,26 +46,130 @@ bool isNumber(libconfig::Setting const& s) {
     return s.isNumber() || s.getType() == libconfig::Setting::TypeBoolean;
 }
 
-// Reads a scalar leaf as T; false when its type cannot be read as T.
-bool readScalar(libconfig::Setting const& s, float& value) {
-    if (!s.isNumber()) return false;
-    value = s;
-    return true;
+// What a leaf holds, for the loader's messages.
+char const* typeName(libconfig::Setting const& s) {
+    switch (s.getType()) {
+        case libconfig::Setting::TypeString:
+            return "a string";
+        case libconfig::Setting::TypeBoolean:
+            return "a boolean";
+        default:
+            return s.isNumber() ? "a number" : "a setting of another kind";
+    }
 }
-bool readScalar(libconfig::Setting const& s, int& value) {
-    if (!s.isNumber()) return false;
-    value = s;
-    return true;
+
+// Where a leaf sits, for the loader's messages: the key below its table, the table, the file.
+struct LeafContext {
+    libconfig::Config const* cfg;
+    std::string const& table;
+};
+
+std::string describeLeaf(LeafContext const& context, libconfig::Setting const& s, std::string const& key) {
+    std::string text = "key \"" + key + "\" of table " + context.table;
+    std::string const source = prsm::data::describeSource(context.cfg, s);
+    if (!source.empty()) text += " (" + source + ")";
+    return text;
 }
-bool readScalar(libconfig::Setting const& s, bool& value) {
-    if (s.getType() == libconfig::Setting::TypeBoolean)
-        value = s;
-    else if (s.isNumber())
-        value = static_cast<long long>(s) != 0;
-    else
-        return false;
-    return true;
+
+void reportNotLoaded(LeafContext const& context, libconfig::Setting const& s, std::string const& key,
+                     std::string const& why) {
+    std::cerr << "Unsupported cfg value error: " << describeLeaf(context, s, key) << " " << why
+              << "; the key is not loaded." << std::endl;
 }
+
+void reportDoesNotFit(LeafContext const& context, libconfig::Setting const& s, std::string const& key,
+                      char const* type) {
+    reportNotLoaded(context, s, key, "holds " + numberText(s) + ", which does not fit " + type);
+}
+
+// Reads a scalar leaf as T: false, after reporting it, when the leaf's type or value does not fit T.
+// The raw value is read by its own type (int, 64-bit int or double), never through a conversion of
+// the configuration library, so nothing wraps or overflows on the way.
+bool readScalar(LeafContext const& context, libconfig::Setting const& s, std::string const& key,
+                float& value) {
+    switch (s.getType()) {
+        case libconfig::Setting::TypeInt:
+            value = static_cast<float>(static_cast<int>(s));
+            return true;
+        case libconfig::Setting::TypeInt64:
+            value = static_cast<float>(static_cast<long long>(s));
+            return true;
+        case libconfig::Setting::TypeFloat: {
+            double const raw = s;
+            // Values from halfway between the largest float and 2^128 on round to infinity.
+            if (!(std::fabs(raw) < 0x1.ffffffp+127)) {
+                reportDoesNotFit(context, s, key, "a float");
+                return false;
+            }
+            value = static_cast<float>(raw);
+            return true;
+        }
+        default:
+            reportNotLoaded(
+                context, s, key,
+                std::string("has the wrong type: ") + typeName(s) + " where the table holds numbers");
+            return false;
+    }
+}
+
+bool readScalar(LeafContext const& context, libconfig::Setting const& s, std::string const& key, int& value) {
+    switch (s.getType()) {
+        case libconfig::Setting::TypeInt:
+            value = s;
+            return true;
+        case libconfig::Setting::TypeInt64: {
+            long long const raw = s;
+            if (raw < INT_MIN || raw > INT_MAX) {
+                reportDoesNotFit(context, s, key, "an int");
+                return false;
+            }
+            value = static_cast<int>(raw);
+            return true;
+        }
+        case libconfig::Setting::TypeFloat: {
+            double const raw = s;
+            if (!(raw > -2147483649.0 && raw < 2147483648.0)) {
+                reportDoesNotFit(context, s, key, "an int");
+                return false;
+            }
+            // Truncated toward zero, as the configuration library converts it.
+            value = static_cast<int>(raw);
+            if (static_cast<double>(value) != raw)
+                std::cerr << "Cfg value warning: " << describeLeaf(context, s, key) << " holds "
+                          << numberText(s) << ", not a whole number; loaded as " << value << "." << std::endl;
+            return true;
+        }
+        default:
+            reportNotLoaded(
+                context, s, key,
+                std::string("has the wrong type: ") + typeName(s) + " where the table holds whole numbers");
+            return false;
+    }
+}
+
+bool readScalar(LeafContext const& context, libconfig::Setting const& s, std::string const& key,
+                bool& value) {
+    switch (s.getType()) {
+        case libconfig::Setting::TypeBoolean:
+            value = s;
+            return true;
+        case libconfig::Setting::TypeInt:
+            value = static_cast<int>(s) != 0;
+            return true;
+        case libconfig::Setting::TypeInt64:
+            value = static_cast<long long>(s) != 0;
+            return true;
+        case libconfig::Setting::TypeFloat:
+            value = std::trunc(static_cast<double>(s)) != 0.0;
+            return true;
+        default:
+            reportNotLoaded(
+                context, s, key,
+                std::string("has the wrong type: ") + typeName(s) + " where the table holds booleans");
+            return false;
+    }
+}
+
 bool readScalar(libconfig::Setting const& s, std::string& value) {
     if (s.getType() == libconfig::Setting::TypeString)
         value = static_cast<char const*>(s);
@@ -71,6 +178,14 @@ bool readScalar(libconfig::Setting const& s, std::string& value) {
     else
         return false;
     return true;
+}
+
+bool readScalar(LeafContext const& context, libconfig::Setting const& s, std::string const& key,
+                std::string& value) {
+    if (readScalar(s, value)) return true;
+    reportNotLoaded(context, s, key,
+                    std::string("has the wrong type: ") + typeName(s) + " where the table holds text");
+    return false;
 }
 
 // Descends into `child`: its key below the table is `key` + "." + its name. Returns the length to
@@ -84,12 +199,13 @@ std::size_t enter(std::string& key, libconfig::Setting const& child) {
 
 // `key` is the setting's path below the table, kept in one buffer as the walk goes down and up.
 template <typename T>
-bool loadTree(libconfig::Setting const& setting, std::string& key, std::unordered_map<std::string, T>& out) {
+bool loadTree(LeafContext const& context, libconfig::Setting const& setting, std::string& key,
+              std::unordered_map<std::string, T>& out) {
     if (setting.isGroup()) {
         for (int i = 0; i < setting.getLength(); ++i) {
             libconfig::Setting const& child = setting[i];
             std::size_t const length = enter(key, child);
-            bool const ok = loadTree(child, key, out);
+            bool const ok = loadTree(context, child, key, out);
             key.resize(length);
             if (!ok) return false;
         }
@@ -103,12 +219,8 @@ bool loadTree(libconfig::Setting const& setting, std::string& key, std::unordere
         return false;
     }
     T value{};
-    if (!readScalar(setting, value)) {
-        std::cerr << "Unsupported value type in configuration setting " << setting.getPath() << "; skipped."
-                  << std::endl;
-        return true;
-    }
-    out.insert_or_assign(key, std::move(value));
+    // A value that does not fit is reported and left out: a later lookup fails as a missing key.
+    if (readScalar(context, setting, key, value)) out.insert_or_assign(key, std::move(value));
     return true;
 }
 
@@ -167,7 +279,8 @@ bool loadCfgDataToVar(libconfig::Config* cfg, std::vector<std::string>& path,
     if (!cfg->exists(key)) return false;
     AutoConvertScope const autoConvert(cfg, top);
     std::string below = joinPath(path, 2);
-    return loadTree(cfg->lookup(key), below, out);
+    std::string const table = path.size() >= 2 ? path[1] : key;
+    return loadTree(LeafContext{cfg, table}, cfg->lookup(key), below, out);
 }
 
 bool loadCfgDataToList(libconfig::Config* cfg, std::vector<std::string>& path,

@@ -1,3 +1,4 @@
+#include <prsm/framework/PRSMData.h>
 #include <prsm/framework/PRSMException.h>
 #include <prsm/host/Failures.h>
 
@@ -11,11 +12,15 @@ std::string describeCurrentException() {
     try {
         throw;
     } catch (libconfig::ParseException const& e) {
+        // The library parses data text from memory, so the exception knows no file: the loader does.
+        std::string const detail = PRSMData::lastLoadFailure();
+        if (!detail.empty()) return detail;
         std::string const file = e.getFile() != nullptr ? e.getFile() : "a data file";
         return "data file " + file + " does not parse at line " + std::to_string(e.getLine()) + ": " +
                e.getError();
     } catch (libconfig::FileIOException const&) {
-        return "a data file could not be found or read";
+        std::string const detail = PRSMData::lastLoadFailure();
+        return detail.empty() ? "a data file could not be found or read" : detail;
     } catch (libconfig::SettingException const& e) {
         return std::string("data setting ") + e.getPath() + ": " + e.what();
     } catch (PRSMException const& e) {

@@ -7,6 +7,7 @@
 
 #include <prsm/framework/PRSMReservedValues.h>
 
+#include <climits>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -45,13 +46,28 @@ inline float ROUNDUP(float value, unsigned int digits) {
     return std::ceil(value * scale) / scale;
 }
 
-// Nearest multiple, with halves up as in ROUND, returned as an int truncated toward zero.
-// No sign check: a negative multiple acts like its absolute value. A zero multiple gives 0.
+// The one conversion of a number to int in the library, defined for every value: it truncates toward
+// zero like a plain conversion inside the int range and saturates outside it. 2147483647.0 and above
+// (+inf too) give 2147483647, which is also the int error value, so IFERROR catches an overflowed
+// count; -2147483648.0 and below (-inf too) give -2147483648; a NaN gives 2147483647, the error value.
+inline int toIntSaturated(double value) {
+    if (!(value < 2147483647.0)) {  // also a NaN
+        return prsm::kIntNotSet;
+    }
+    if (value <= -2147483648.0) {
+        return INT_MIN;
+    }
+    return static_cast<int>(value);
+}
+
+// Nearest multiple, with halves up as in ROUND, returned as an int truncated toward zero (saturated as
+// toIntSaturated does). No sign check: a negative multiple acts like its absolute value. A zero
+// multiple gives 0.
 inline int MROUND(float value, float multiple) {
     if (multiple == 0.0f) {
         return 0;
     }
-    return static_cast<int>(multiple * ROUND(value / multiple, 0));
+    return toIntSaturated(multiple * ROUND(value / multiple, 0));
 }
 
 // Integer division truncated toward zero; 0 for a zero or negative denominator.

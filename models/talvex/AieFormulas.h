@@ -68,7 +68,7 @@ float arrayPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> cons
 
 template <typename Model>
 int defaultAieTiles(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
-    return static_cast<int>(
+    return PRSMHelperUtils::toIntSaturated(
         PRSMHelperUtils::MAX(static_cast<float>(model.getAieCores(params, data)),
                              static_cast<float>(model.getNumMemoryBanks(params, data)) * kBanksPerTile));
 }

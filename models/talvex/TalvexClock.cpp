@@ -10,6 +10,7 @@
 using Model = PRSMTalvexClockModel;
 using PRSMHelperUtils::IFERROR;
 using PRSMHelperUtils::MAX;
+using PRSMHelperUtils::toIntSaturated;
 
 namespace {
 
@@ -99,23 +100,23 @@ float Model::computeLeafUtil(Params& params, Data const& data) const {
 }
 
 int Model::computeHdCount(Params& params, Data const& data) const {
-    return static_cast<int>(calculateMaxHdist(params, data) * calculateHdistUtil(params, data));
+    return toIntSaturated(calculateMaxHdist(params, data) * calculateHdistUtil(params, data));
 }
 
 int Model::computeHdLocCount(Params& params, Data const& data) const {
-    return static_cast<int>(calculateMaxHdist(params, data) * calculateHdistUtil(params, data));
+    return toIntSaturated(calculateMaxHdist(params, data) * calculateHdistUtil(params, data));
 }
 
 int Model::computeLeaf1Count(Params& params, Data const& data) const {
-    return static_cast<int>(calculateMaxLeafs(params, data) * calculateLeafUtil(params, data));
+    return toIntSaturated(calculateMaxLeafs(params, data) * calculateLeafUtil(params, data));
 }
 
 int Model::computeNumFfSlices(Params& params, Data const& data) const {
-    return static_cast<int>(calculateSlices(params, data));
+    return toIntSaturated(calculateSlices(params, data));
 }
 
 int Model::computeNumClockedSlices(Params& params, Data const& data) const {
-    return static_cast<int>(calculateSlices(params, data));
+    return toIntSaturated(calculateSlices(params, data));
 }
 
 namespace {
@@ -124,7 +125,7 @@ namespace {
 int sharedSlices(float slices, int part, int lutrams, int ffs, int srls) {
     double const sum = static_cast<double>(lutrams) + ffs + srls;
     if (part <= 0 || sum == 0.0) return 0;
-    return static_cast<int>(static_cast<double>(slices) * part / sum);
+    return toIntSaturated(static_cast<double>(slices) * part / sum);
 }
 
 }  // namespace
@@ -142,7 +143,7 @@ int Model::computeNumSrlSlices(Params& params, Data const& data) const {
 }
 
 int Model::computeNonCleSiteFanout(Params& params, Data const& data) const {
-    return static_cast<int>(calculateSites(params, data) - calculateSlices(params, data));
+    return toIntSaturated(calculateSites(params, data) - calculateSlices(params, data));
 }
 
 // Before placement a quarter of the four clock-enable groups of a slice is assumed in use; afterwards the

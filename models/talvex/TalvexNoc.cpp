@@ -14,6 +14,7 @@
 using Model = PRSMTalvexNocModel;
 using PRSMHelperUtils::IFERROR;
 using PRSMHelperUtils::MIN;
+using PRSMHelperUtils::toIntSaturated;
 
 namespace {
 
@@ -172,15 +173,15 @@ int Model::defaultNumClockBuffers(Params& params, Data const& data) const {
 
 int Model::computeUsedClkBuffers(Params& params, Data const& data) const {
     auto const total = static_cast<float>(calculateTotalClockBuffers(params, data));
-    if (getIsClockGatingDisabled(params, data) == 1) return static_cast<int>(total);
+    if (getIsClockGatingDisabled(params, data) == 1) return toIntSaturated(total);
     int const imported = getNumImportedClkBuffers(params, data);
-    if (imported >= 1) return static_cast<int>(MIN(static_cast<float>(imported), total));
+    if (imported >= 1) return toIntSaturated(MIN(static_cast<float>(imported), total));
     auto const wanted = static_cast<float>(getNumClockBuffers(params, data));
     if (getNumCpmPaths(params, data) + getNumPlPaths(params, data) + getNumAiePaths(params, data) >= 1 ||
         getNumPs2aiePaths(params, data) > 0)
-        return static_cast<int>(MIN(wanted, total));
+        return toIntSaturated(MIN(wanted, total));
     // Only DDR traffic: the buffers of the memory-controller columns are all that run.
-    return static_cast<int>(MIN(wanted, static_cast<float>(calculateDdrOnlyClockBuffers(params, data))));
+    return toIntSaturated(MIN(wanted, static_cast<float>(calculateDdrOnlyClockBuffers(params, data))));
 }
 
 float Model::computeNocClkPwr(Params& params, Data const& data) const {

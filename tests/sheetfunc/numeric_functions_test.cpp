@@ -54,10 +54,28 @@ TEST(NumericFunctions, Rounding) {
     EXPECT_EQ(6, MROUND(7.0f, -2.0f));
     EXPECT_EQ(1, MROUND(1.3f, 0.5f));  // 1.5 truncated
     EXPECT_EQ(0, MROUND(12.0f, 0.0f));
+    // Beyond the int range the result saturates: -1.85e38 rounds to itself times -1.
+    EXPECT_EQ(INT_MIN, MROUND(-1.85e38f, -1.0f));
+    EXPECT_EQ(INT_MAX, MROUND(3.0e9f, 1.0f));
+    EXPECT_EQ(INT_MAX, MROUND(3.0e38f, 0.1f));  // 3e38 / 0.1 overflows float to inf
 
     EXPECT_EQ(3, QUOTIENT(7, 2));
     EXPECT_EQ(0, QUOTIENT(7, -2));
     EXPECT_EQ(0, QUOTIENT(5, 0));
+}
+
+TEST(NumericFunctions, ToIntSaturatedTruncatesAndSaturates) {
+    EXPECT_EQ(2, toIntSaturated(2.9));
+    EXPECT_EQ(-2, toIntSaturated(-2.9));
+    EXPECT_EQ(2147483646, toIntSaturated(2147483646.5));
+    EXPECT_EQ(INT_MAX, toIntSaturated(2147483647.0));
+    EXPECT_EQ(INT_MAX, toIntSaturated(1e30));
+    EXPECT_EQ(INT_MAX, toIntSaturated(HUGE_VAL));
+    EXPECT_EQ(INT_MIN, toIntSaturated(-2147483648.9));  // truncates to -2147483648, in range
+    EXPECT_EQ(INT_MIN, toIntSaturated(-2147483649.0));
+    EXPECT_EQ(INT_MIN, toIntSaturated(-HUGE_VAL));
+    EXPECT_EQ(INT_MAX, toIntSaturated(std::nan("")));  // the int error value
+    EXPECT_EQ(INT_MAX, toIntSaturated(static_cast<double>(FLT_MAX)));
 }
 
 TEST(NumericFunctions, MinMaxAverage) {

@@ -37,6 +37,16 @@ protected:
     Params p;
 };
 
+// The default tile count is formed in float: 2147483646 cores round up to 2^31 there, one past the int
+// range, and the count saturates at 2147483647 rather than wrapping; 2^30 cores convert exactly.
+TEST_F(Aie, DefaultTilesStayInTheIntRange) {
+    p[Params::AIE_CORES] = 1 << 30;
+    EXPECT_EQ(model.getAieTiles(p, data), 1 << 30);
+    Params q;
+    q[Params::AIE_CORES] = 2147483646;
+    EXPECT_EQ(model.getAieTiles(q, data), 2147483647);
+}
+
 TEST_F(Aie, NoCoresNoPower) {
     EXPECT_EQ(calc(Params::TOTAL_POWER), 0.0f);
     EXPECT_EQ(p[Params::AIE_VCCINT_POWER], 0.0f);

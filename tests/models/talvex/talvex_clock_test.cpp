@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
+
 namespace {
 
 using Params = PRSMTalvexClockParams;
@@ -104,6 +106,26 @@ TEST(TalvexClock, GuardsAndSliceShares) {
     EXPECT_EQ(p[Params::NUM_LUTRAM_SLICES], 24);
     EXPECT_EQ(p[Params::NUM_SRL_SLICES], 72);
     EXPECT_EQ(p[Params::NON_CLE_SITE_FANOUT], 10);
+}
+
+// A tiny fanout per site makes more sites than an int holds: the counts saturate instead of wrapping.
+TEST(TalvexClock, CountsSaturateAtTheIntRange) {
+    Params p = smallDevice();
+    p[Params::FANOUT_PER_SITE] = 1e-7f;
+    p[Params::DSPS_USING_CLK] = 1;
+    p[Params::LUTRAMS_USING_CLK] = 1;
+    p[Params::FFS_USING_CLK] = 1;
+    Model::getGlobal().calculate(p);
+    // 250 / 1e-7 = 2.5e9 sites and (almost) as many slices, above 2147483647.
+    EXPECT_GT(p[Params::SLICES], 2.4e9f);
+    EXPECT_EQ(p[Params::NUM_CLOCKED_SLICES], INT_MAX);
+    EXPECT_EQ(p[Params::NUM_FF_SLICES], INT_MAX);
+    // Half of 2.5e9 slices is 1.25e9, within the range; sites - slices is the one DSP site.
+    EXPECT_NEAR(p[Params::NUM_LUTRAM_SLICES], 1.25e9, 1e3);
+    EXPECT_EQ(p[Params::NON_CLE_SITE_FANOUT], 0);  // 2.5e9 - (2.5e9 - 1) in float: the 1 is lost
+    // The site utilisation is far above 1: all 10 distribution segments and every leaf are reached.
+    EXPECT_EQ(p[Params::HD_COUNT], 10);
+    EXPECT_EQ(p[Params::LEAF_1_COUNT], 25);  // 25.21 leaves
 }
 
 TEST(TalvexClock, DesignStateAfterSynthesis) {
