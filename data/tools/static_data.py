@@ -10,7 +10,8 @@ error over the description's fit range, and the fit's error is reported on stand
 follows I(V) = I(Vref) * exp(k * (V - Vref)), written as V_C1 = exp(-k * Vref), V_C2 = k.
 
 Python 3.11 standard library only. The description names the data class, the rails, the leaking
-blocks and the devices; another architecture's static sheet writes its own description.
+blocks and the devices; another architecture's static sheet writes its own description, and
+[sheet] grades = "bin" selects the tables of a sheet whose grades select a bin (BinnedGenerator).
 """
 
 from __future__ import annotations
@@ -182,6 +183,8 @@ class Generator:
                     for rail_name, (component, per_instance) in blk["rails"].items():
                         rail = self.rails[rail_name]
                         current = per_instance * p["leakage"]
+                        if blk.get("grows") == "size":  # one block per device, as large as its logic array
+                            current *= dev["size"]
                         if core.startswith("BRAM") and dev.get("bram_core_rev", 1) > 1:
                             component += f"_REV{dev['bram_core_rev']}"
                             current *= 0.8  # the later core revision leaks a fifth less
@@ -299,6 +302,56 @@ class Generator:
         return "\n".join(lines)
 
 
+class BinnedGenerator(Generator):
+    """An architecture whose grades select a bin (BIN_NAMES) rather than a SKU, without a thermal step,
+    whose memory stacks are scaled per device, and whose tables are those of its static sheet."""
+
+    def bins(self) -> dict[tuple[str, str], str]:
+        b, lists = self.desc["bins"], self.desc["lists"]
+        return {(s, t): f"B{s}{b['temp_code'][t]}" for s in lists["SPEED_GRADE_LIST"] for t in lists["TEMP_GRADE_LIST"]}
+
+    def tables(self) -> dict:
+        b, lists = self.desc["bins"], self.desc["lists"]
+        corners = self.desc["voltage_range"]
+        factor = {name: b["speed_binning"][s] * b["temp_binning"][t] for (s, t), name in self.bins().items()}
+        present = {d: [r for r, rail in self.rails.items() if self.rail_present(dev, rail)]
+                   for d, dev in self.devices.items()}
+        return {
+            "DROPDOWN_LISTS": dict(lists),
+            "DEVICE_TYPE": {d: {"CLASS": dev["class"], **{f.upper(): ("YES" if f in dev["features"] else "NO")
+                                                          for f in self.desc["device_type_features"]}}
+                            for d, dev in self.devices.items()},
+            "BIN_NAMES": {f"S{s}": {t: self.bins()[(s, t)] for t in lists["TEMP_GRADE_LIST"]}
+                          for s in lists["SPEED_GRADE_LIST"]},
+            "DEVICE_NAMES": {d: d for d in self.devices},
+            "VT_COEFFICIENT": self.vt_coefficient(),
+            "BINNING_FACTORS": {d: {proc: {c: dict(factor) for c in b["binned"]} for proc in self.processes}
+                                for d in self.devices},
+            "VOLTAGE_SCALING": {d: {r: {c: math.exp(self.rails[r]["k"] * self.rails[r]["v"] * (m - 1.0))
+                                        for c, m in corners.items()}
+                                    for r in b["binned"]}
+                                for d in self.devices},
+            "VOLTAGE_RANGE": {c: {r: round(rail["v"] * m, 4) for r, rail in self.rails.items()}
+                              for c, m in corners.items()},
+            "POWER_GATING": {d: dict(self.desc["power_gating"]) for d in self.devices},
+            "HBM_SCALE_FACTORS": {d: float(dev.get("hbm_scale", 0.0)) for d, dev in self.devices.items()},
+            "SYSMON": {d: dict(self.desc["sysmon"]) for d in self.devices},
+            "POWERUP_CURRENT": {d: {r: float(self.rails[r]["pu"] * (dev["size"] if self.rails[r]["scale"] == "size"
+                                                                    else 1.0))
+                                    for r in present[d]}
+                                for d, dev in self.devices.items()},
+            "TOTAL_POWER_FACTOR": {d: {r: float(rail["tpf"]) for r, rail in self.rails.items()} for d in self.devices},
+            "DEVICE_SPECIFIC_DYNAMIC_POWER_SCALE_FACTORS": {d: {r: float(dev.get("dynamic_scale", 1.0))
+                                                                for r in present[d]}
+                                                            for d, dev in self.devices.items()},
+            "MAX_CURRENT": {d: int(round(self.desc["max_current_per_size"] * dev["size"]))
+                            for d, dev in self.devices.items()},
+        }
+
+
+GENERATORS = {"sku": Generator, "bin": BinnedGenerator}
+
+
 def render(desc: dict, tables: dict) -> str:
     header = "".join(f"// {line}\n" for line in desc["sheet"]["header"].splitlines())
     depth = {"DROPDOWN_LISTS": 1, "SKU_LIST": 4, "VT_COEFFICIENT": 3, "BINNING_FACTORS": 3, "VOLTAGE_SCALING": 3,
@@ -317,7 +370,7 @@ def main() -> int:
         return 2
     with open(args[0], "rb") as f:
         desc = tomllib.load(f)
-    gen = Generator(desc)
+    gen = GENERATORS[desc["sheet"].get("grades", "sku")](desc)
     text = render(desc, gen.tables())
     output = Path(args[1])
     if "--check" in sys.argv:

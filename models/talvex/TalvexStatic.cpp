@@ -10,6 +10,7 @@
 // Rail outputs are the rail's own leakage plus the blocks on it; a rail at 0 V carries nothing. Under
 // the worst process ("MAX") the currents are also given scaled by the rail's total-power factor, and
 // every rail has a power-up current: its leakage at 25 degrees, scaled, plus a constant.
+#include <prsm/models/talvex/LeakageFormulas.h>
 #include <prsm/models/talvex/PRSMTalvexStaticModel.h>
 
 #include <prsm/framework/PRSMCellSupport.h>
@@ -33,7 +34,6 @@ namespace {
 using Params = Model::Params;
 using Data = Model::Data;
 
-constexpr char kWorstProcess[] = "MAX";
 constexpr char kYes[] = "YES";
 // The component key of VCCAUX's coefficients while the logic (VCCINT) is powered down.
 constexpr char kVccauxPoweredDown[] = "VCCAUX_PL_POWERED_DOWN";
@@ -43,21 +43,13 @@ constexpr char kValidMax[] = "VALID_MAX";
 // Keys of the voltage coefficients in VT_COEFFICIENT, after the letters A to E and CONST.
 constexpr std::string_view kVoltageCoefficient[] = {"V_C1", "V_C2", "V_C3", "V_C4", "V_C5", "V_C6"};
 
-// A string cell read in place, after its getter or cell function has filled it: the operands of every
-// table lookup, read a thousand times a calculate, are not copied each time.
-template <typename Fill>
-std::string const& inPlace(Params& params, Params::StringEnum cell, Fill fill) {
-    if (params[cell] == prsm::kStringNotSet) fill();
-    return params[cell];
-}
-
-std::string const& deviceName(Model const& model, Params& params, Data const& data) {
-    return inPlace(params, Params::DEVICE_NAME, [&] { model.getDeviceName(params, data); });
-}
-
-std::string const& process(Model const& model, Params& params, Data const& data) {
-    return inPlace(params, Params::PROCESS, [&] { model.getProcess(params, data); });
-}
+using prsm::leakage::deviceName;
+using prsm::leakage::inPlace;
+using prsm::leakage::isWorstProcess;
+using prsm::leakage::kWorstProcess;
+using prsm::leakage::leakagePolynomial;
+using prsm::leakage::singleSupplyScaling;
+using prsm::leakage::vtCoefficient;
 
 std::string const& skuName(Model const& model, Params& params, Data const& data) {
     return inPlace(params, Params::SKU_NAME, [&] { model.calculateSkuName(params, data); });
@@ -68,43 +60,9 @@ std::string const& gtPackage(Model const& model, Params& params, Data const& dat
     return inPlace(params, Params::GT_PACKAGE, [&] { model.getGtPackage(params, data); });
 }
 
-bool isWorstProcess(Model const& model, Params& params, Data const& data) {
-    return process(model, params, data) == kWorstProcess;
-}
-
-// IFERROR(VT_COEFFICIENT(device, process, component, key), 0).
-float vtCoefficient(Model const& model, Params& params, Data const& data, std::string_view component,
-                    std::string_view key) {
-    return IFERROR(data.getVtCoefficientOrError(deviceName(model, params, data), process(model, params, data),
-                                                component, key),
-                   0.0f);
-}
-
 // IFERROR(BINNING_FACTORS(device, process, component, SKU), 1).
 float voltBinning(Model const& model, Params& params, Data const& data, std::string_view component) {
-    return IFERROR(
-        data.getBinningFactorsOrError(deviceName(model, params, data), process(model, params, data),
-                                      component, skuName(model, params, data)),
-        1.0f);
-}
-
-// A·t⁵ + B·t⁴ + C·t³ + D·t² + E·t + CONST, the powers of t in double, the result stored as float.
-float leakagePolynomial(float a, float b, float c, float d, float e, float constant, double t) {
-    double const t2 = t * t;
-    double const t3 = t2 * t;
-    double const t4 = t3 * t;
-    double const t5 = t4 * t;
-    return static_cast<float>(a * t5 + b * t4 + c * t3 + d * t2 + e * t + constant);
-}
-
-// The same polynomial at exactly 25 degrees, its powers written out.
-float leakageAt25(float a, float b, float c, float d, float e, float constant) {
-    return static_cast<float>(a * 9765625.0 + b * 390625.0 + c * 15625.0 + d * 625.0 + e * 25.0 + constant);
-}
-
-// C1·exp(C2·V) (the caller has found C1 non-zero).
-float singleSupplyScaling(float c1, float c2, float volts) {
-    return static_cast<float>(c1 * std::exp(static_cast<double>(c2) * volts));
+    return prsm::leakage::voltBinning(model, params, data, component, skuName(model, params, data));
 }
 
 // VCCAUX: 1 when C1 is 0, else C1·exp(C2·VCCAUX)·exp(C3·VCCINT)·(C4·VCCINT² + C5·VCCINT + C6).
@@ -644,61 +602,16 @@ float Model::computeTjDeltaAie(Params& params, Data const& data) const {
 
 // ---- A rail's own leakage (COMMON_<RAIL>_...) ----
 
-float Model::computeCommonVtA(Params& params, Data const& data, Rail rail) const {
-    return vtCoefficient(*this, params, data, memberName(rail), "A");
-}
-
-float Model::computeCommonVtB(Params& params, Data const& data, Rail rail) const {
-    return vtCoefficient(*this, params, data, memberName(rail), "B");
-}
-
-float Model::computeCommonVtC(Params& params, Data const& data, Rail rail) const {
-    return vtCoefficient(*this, params, data, memberName(rail), "C");
-}
-
-float Model::computeCommonVtD(Params& params, Data const& data, Rail rail) const {
-    return vtCoefficient(*this, params, data, memberName(rail), "D");
-}
-
-float Model::computeCommonVtE(Params& params, Data const& data, Rail rail) const {
-    return vtCoefficient(*this, params, data, memberName(rail), "E");
-}
-
-float Model::computeCommonVtConst(Params& params, Data const& data, Rail rail) const {
-    return vtCoefficient(*this, params, data, memberName(rail), "CONST");
-}
-
 // At the junction temperature less the rise of the logic (of the AI engines for VCCME).
 float Model::computeCommonVtLeakage(Params& params, Data const& data, Rail rail) const {
     float const rise =
         rail == Rail::VCCME ? calculateTjDeltaAie(params, data) : calculateTjDeltaPl(params, data);
-    double const t = static_cast<double>(getJunctionTemperature(params, data)) - rise;
-    return leakagePolynomial(calculateCommonVtA(params, data, rail), calculateCommonVtB(params, data, rail),
-                             calculateCommonVtC(params, data, rail), calculateCommonVtD(params, data, rail),
-                             calculateCommonVtE(params, data, rail),
-                             calculateCommonVtConst(params, data, rail), t);
+    return prsm::leakage::commonLeakageAt(*this, params, data, rail,
+                                          static_cast<double>(getJunctionTemperature(params, data)) - rise);
 }
 
 float Model::computeCommonPass1VtLeakage(Params& params, Data const& data, Rail rail) const {
-    return leakagePolynomial(calculateCommonVtA(params, data, rail), calculateCommonVtB(params, data, rail),
-                             calculateCommonVtC(params, data, rail), calculateCommonVtD(params, data, rail),
-                             calculateCommonVtE(params, data, rail),
-                             calculateCommonVtConst(params, data, rail),
-                             getJunctionTemperature(params, data));
-}
-
-float Model::computeCommonVtLeakage25(Params& params, Data const& data, Rail rail) const {
-    return leakageAt25(calculateCommonVtA(params, data, rail), calculateCommonVtB(params, data, rail),
-                       calculateCommonVtC(params, data, rail), calculateCommonVtD(params, data, rail),
-                       calculateCommonVtE(params, data, rail), calculateCommonVtConst(params, data, rail));
-}
-
-float Model::computeCommonVC1(Params& params, Data const& data, Rail rail) const {
-    return vtCoefficient(*this, params, data, memberName(rail), kVoltageCoefficient[0]);
-}
-
-float Model::computeCommonVC2(Params& params, Data const& data, Rail rail) const {
-    return vtCoefficient(*this, params, data, memberName(rail), kVoltageCoefficient[1]);
+    return prsm::leakage::commonLeakageAt(*this, params, data, rail, getJunctionTemperature(params, data));
 }
 
 float Model::computeCommonVccauxVC3(Params& params, Data const& data) const {
@@ -732,10 +645,6 @@ float Model::computeCommonVScaling(Params& params, Data const& data, Rail rail) 
     return twoSupplyScaling(c, getVccaux(params, data), getVccint(params, data));
 }
 
-float Model::computeCommonVoltBinning(Params& params, Data const& data, Rail rail) const {
-    return voltBinning(*this, params, data, memberName(rail));
-}
-
 float Model::computeCommonLutToCram1Ratio(Params& params, Data const& data) const {
     return IFERROR(data.getLutCramInfoOrError(deviceName(*this, params, data), "LUT_TO_CRAM_1_RATIO"), 0.0f);
 }
@@ -767,8 +676,7 @@ float Model::computeCommonStaticCurrent(Params& params, Data const& data, Rail r
                calculateCommonVccauxPlPoweredDownVScaling(params, data) *
                calculateCommonVccauxPlPoweredDownVoltBinning(params, data) *
                calculateCommonMultiplier(params, data, rail);
-    return calculateCommonVtLeakage(params, data, rail) * calculateCommonVScaling(params, data, rail) *
-           calculateCommonVoltBinning(params, data, rail) * calculateCommonMultiplier(params, data, rail);
+    return prsm::leakage::commonStaticCurrent(*this, params, data, rail);
 }
 
 float Model::computeCommonPass1StaticCurrent(Params& params, Data const& data, Rail rail) const {
@@ -786,21 +694,6 @@ float Model::computePass1StaticPower(Params& params, Data const& data, Rail rail
 // process, the one case that reads the factor.
 float Model::computeCommonTotalPowerFactor(Params& params, Data const& data, Rail rail) const {
     return data.getTotalPowerFactors(deviceName(*this, params, data), memberName(rail));
-}
-
-float Model::computeCommonPowerupConst(Params& params, Data const& data, Rail rail) const {
-    return IFERROR(data.getPowerupCurrentOrError(deviceName(*this, params, data), memberName(rail)), 0.0f) /
-           1000.0f;
-}
-
-// A worst-process figure at 25 degrees: the scaled 25-degree leakage plus a constant.
-float Model::computeCommonPowerupCurrent(Params& params, Data const& data, Rail rail) const {
-    float const multiplier = calculateCommonMultiplier(params, data, rail);
-    if (!(multiplier > 0.0f) || !isWorstProcess(*this, params, data)) return 0.0f;
-    float const factor = calculateCommonTotalPowerFactor(params, data, rail);
-    return calculateCommonVtLeakage25(params, data, rail) * calculateCommonVScaling(params, data, rail) *
-               calculateCommonVoltBinning(params, data, rail) * multiplier * factor +
-           calculateCommonPowerupConst(params, data, rail);
 }
 
 // ---- VCCAUX with the logic powered down ----
@@ -920,12 +813,6 @@ float Model::computePass1VtLeakage(Params& params, Data const& data, Block block
                              calculateVtC(params, data, block), calculateVtD(params, data, block),
                              calculateVtE(params, data, block), calculateVtConst(params, data, block),
                              getJunctionTemperature(params, data));
-}
-
-float Model::computeVtLeakage25(Params& params, Data const& data, Block block) const {
-    return leakageAt25(calculateVtA(params, data, block), calculateVtB(params, data, block),
-                       calculateVtC(params, data, block), calculateVtD(params, data, block),
-                       calculateVtE(params, data, block), calculateVtConst(params, data, block));
 }
 
 float Model::computeVC1(Params& params, Data const& data, Block block) const {
@@ -1114,21 +1001,6 @@ float Model::computeVcciohbmFpgaStaticCurrent(Params& params, Data const& data) 
 float Model::computeVcciohbmDramStaticCurrent(Params& params, Data const& data) const {
     return calculateStaticCurrent(params, data, Block::HBM_4H_VCCIOHBM) +
            calculateStaticCurrent(params, data, Block::HBM_8H_VCCIOHBM);
-}
-
-float Model::computeStaticPower(Params& params, Data const& data, Rail rail) const {
-    return getRail(params, data, rail) * calculateStaticCurrent(params, data, rail);
-}
-
-// Scaled by the rail's total-power factor under the worst process only.
-float Model::computeStaticCurrentTpfScaled(Params& params, Data const& data, Rail rail) const {
-    float const current = calculateStaticCurrent(params, data, rail);
-    if (!isWorstProcess(*this, params, data)) return current;
-    return current * calculateCommonTotalPowerFactor(params, data, rail);
-}
-
-float Model::computePowerupCurrent(Params& params, Data const& data, Rail rail) const {
-    return calculateCommonPowerupCurrent(params, data, rail);
 }
 
 // ---- The X5IO banks of VCCO10, VCCO11 and VCCO12 ----
