@@ -6,6 +6,7 @@
 #include <prsm/host/Presets.h>
 #include <prsm/host/Render.h>
 #include <prsm/host/Suggest.h>
+#include <prsm/host/SweepCommand.h>
 
 #include <ostream>
 #include <sstream>
@@ -87,6 +88,8 @@ int runRequest(Request const& request, DataDirChoice const& dataDir, std::ostrea
                 return runCalc(request, out, err);
             case Command::Presets:
                 return runPresets(findSheet(request.model), out);
+            case Command::Sweep:
+                return runSweepRequest(request, out, err);
         }
     } catch (HostError const& e) {
         printLines(err, "error: ", e.what());
