@@ -11,6 +11,7 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <dlfcn.h>
 #include <sys/stat.h>
 
 #include <cstdlib>
@@ -25,10 +26,20 @@ using namespace prsm::host;
 
 namespace {
 
+// QDI_DATADIR when set; otherwise the installed data (found relative to this module's folder) when
+// it is there, else the source tree's data. The choice is made once, when the package is imported.
 std::string chooseDataDir() {
     if (char const* set = std::getenv("QDI_DATADIR")) return set;
     struct stat info {};
-    std::string const installed = PRSM_PY_INSTALLED_DATADIR;
+    Dl_info self{};
+    dladdr(reinterpret_cast<void*>(&chooseDataDir), &self);
+    std::string folder = self.dli_fname != nullptr ? self.dli_fname : ".";
+    folder = folder.substr(0, folder.find_last_of('/') == std::string::npos ? 0 : folder.find_last_of('/'));
+    std::string installed = folder + "/" + PRSM_PY_INSTALLED_DATADIR;
+    if (char* resolved = realpath(installed.c_str(), nullptr)) {
+        installed = resolved;
+        std::free(resolved);
+    }
     std::string const dir =
         stat((installed + "/powercfg").c_str(), &info) == 0 ? installed : PRSM_PY_SOURCE_DATADIR;
     ::setenv("QDI_DATADIR", dir.c_str(), 1);
