@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <ostream>
 #include <sstream>
 
@@ -119,6 +120,13 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
     script << "set xlabel " << quoted(withUnit(x.quantity.name, x.quantity.unit)) << "\n";
     script << "set ylabel " << quoted(yLabel(outputs)) << "\n";
     script << "set grid\nset key outside right top\nset datafile missing \"NaN\"\n";
+    // Colours that stay apart on white and for most colour-blind readers; pale yellow last.
+    char const* const colours[] = {"#0072B2", "#D55E00", "#009E73", "#CC79A7", "#E69F00",
+                                   "#56B4E9", "#000000", "#999999", "#F0E442"};
+    for (std::size_t i = 0; i < std::size(colours); ++i)
+        script << "set linetype " << i + 1 << " linecolor rgb \"" << colours[i] << "\" pointtype "
+               << 5 + 2 * (i % 4) << "\n";
+    script << "set linetype cycle " << std::size(colours) << "\n";
     if (xText) script << "set xtics rotate by -30\n";
 
     for (std::size_t s = 0; s < seriesRows.size(); ++s) {
@@ -148,7 +156,7 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
             std::size_t const column = (xText ? 3 : 2) + k;
             script << (first ? " " : ", \\\n     ") << "$line" << s << " using "
                    << (xText ? "1:" + std::to_string(column) + ":xtic(2)" : "1:" + std::to_string(column))
-                   << " with linespoints linewidth 1.5 pointtype 7 pointsize 0.5 title " << quoted(label);
+                   << " with linespoints linewidth 1.5 pointsize 0.6 title " << quoted(label);
             first = false;
         }
     script << "\n";

@@ -35,6 +35,8 @@ public:
         action.sa_handler = onInterrupt;
         sigemptyset(&action.sa_mask);
         sigaction(SIGINT, &action, &m_previous);
+        // A program started with Ctrl-C ignored (in the background of a script) keeps ignoring it.
+        if (m_previous.sa_handler == SIG_IGN) sigaction(SIGINT, &m_previous, nullptr);
     }
     ~InterruptGuard() { sigaction(SIGINT, &m_previous, nullptr); }
     InterruptGuard(InterruptGuard const&) = delete;
