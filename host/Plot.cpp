@@ -98,8 +98,9 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
     script << "set output " << quoted(picturePath) << "\n";
 
     std::string title = result.target + ": ";
-    if (outputs.size() == 1)
-        title += outputs.front()->quantity.name;
+    if (outputs.size() <= 3)
+        for (std::size_t k = 0; k < outputs.size(); ++k)
+            title += (k == 0 ? "" : k + 1 == outputs.size() ? " and " : ", ") + outputs[k]->quantity.name;
     else
         title += "outputs";
     title += " against " + x.quantity.name;
