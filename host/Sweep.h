@@ -21,7 +21,7 @@ struct Column {
     std::vector<std::string> texts;
 
     std::size_t size() const { return quantity.type == CellType::String ? texts.size() : numbers.size(); }
-    // The text that sets the cell to the value exactly ("250", "0.100000001", "LUT_LOGIC").
+    // The text that sets the cell to the value exactly ("250", "0.1", "LUT_LOGIC").
     std::string cellText(std::size_t point) const;
     // The value as people read it: floats in their shortest exact form.
     std::string displayText(std::size_t point) const;

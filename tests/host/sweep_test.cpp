@@ -79,7 +79,9 @@ TEST(SweepValues, RangesAndListsGiveTheValuesAsTheCellHoldsThem) {
 
     // Handed over as numbers (the Python module): floats kept in single precision, ints whole.
     EXPECT_EQ(numberColumn(variable("RATE"), {0.1}).numbers, (std::vector<double>{f(0.1)}));
-    EXPECT_EQ(numberColumn(variable("RATE"), {0.1}).cellText(0), "0.100000001");
+    EXPECT_EQ(std::strtof(numberColumn(variable("RATE"), {0.1}).cellText(0).c_str(), nullptr), 0.1f);
+    EXPECT_EQ(numberFromText(CellType::Float, "0.100000001"), f(0.1));
+    EXPECT_EQ(numberFromText(CellType::Float, "3.40282347e+38"), 3.4028234663852886e38);
     EXPECT_EQ(numberColumn(variable("COUNT"), {3}).cellText(0), "3");
 }
 
