@@ -10,8 +10,6 @@ Errors are prsm.InputError (a name or value the model refuses; also a ValueError
 (data that cannot be loaded, a calculation that fails; also a RuntimeError), both prsm.Error.
 """
 
-import numpy as _np
-
 from ._core import Cell, DataError, Error, InputError, _Sheet, data_dir, models
 
 __all__ = ["Cell", "DataError", "Error", "InputError", "Sheet", "data_dir", "models"]
@@ -45,6 +43,8 @@ class Sheet(_Sheet):
         lists the outputs to return (all when None). `threads` defaults to one per core; the GIL is
         released while the points are calculated, and Ctrl-C stops the sweep.
         """
+        import numpy as _np
+
         if not inputs:
             raise InputError("a sweep needs at least one input with values")
         names = list(inputs)
@@ -73,6 +73,8 @@ class Sheet(_Sheet):
 
 
 def _is_text(value):
+    import numpy as _np
+
     if isinstance(value, str):
         return True
     if isinstance(value, _np.ndarray):
