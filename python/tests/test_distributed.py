@@ -1,7 +1,8 @@
 # The distributed example on a local two-worker cluster (loopback only) gives the single-process
 # sweep's arrays bit for bit.
-import importlib.util
+import importlib
 import pathlib
+import sys
 
 import numpy as np
 import pytest
@@ -11,14 +12,13 @@ import prsm
 distributed = pytest.importorskip("distributed")
 pytestmark = pytest.mark.filterwarnings("ignore::DeprecationWarning")  # from the event-loop library
 
-EXAMPLE = pathlib.Path(__file__).resolve().parents[2] / "examples" / "distributed_sweep.py"
+EXAMPLES = pathlib.Path(__file__).resolve().parents[2] / "examples"
 
 
 def load_example():
-    spec = importlib.util.spec_from_file_location("distributed_sweep", EXAMPLE)
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
-    return module
+    if str(EXAMPLES) not in sys.path:
+        sys.path.insert(0, str(EXAMPLES))
+    return importlib.import_module("distributed_sweep")
 
 
 def test_a_sweep_split_over_two_workers_equals_the_single_process_sweep():
