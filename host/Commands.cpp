@@ -7,6 +7,7 @@
 #include <prsm/host/Presets.h>
 #include <prsm/host/Render.h>
 #include <prsm/host/Suggest.h>
+#include <prsm/host/SweepCommand.h>
 
 #include <fnmatch.h>
 
@@ -116,6 +117,9 @@ int runRequest(Request const& request, DataDirChoice const& dataDir, std::ostrea
                 break;
             case Command::Presets:
                 code = runPresets(findSheet(request.model), out);
+                break;
+            case Command::Sweep:
+                code = runSweepRequest(request, out, err);
                 break;
         }
     } catch (HostError const& e) {

@@ -1,5 +1,6 @@
 #include <prsm/host/HostError.h>
 #include <prsm/host/Request.h>
+#include <prsm/host/SweepCommand.h>
 
 #include <CLI/CLI.hpp>
 
@@ -43,6 +44,8 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
     CLI::App* presets = app.add_subcommand("presets", "List a model's ready-made input sets");
     presets->add_option("model", request.model, "Model name (see `prsm models`)")->required();
 
+    CLI::App* sweep = addSweepSubcommand(app, request);
+
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const& e) {
@@ -53,6 +56,7 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
     if (models->parsed()) request.command = Command::Models;
     if (cells->parsed()) request.command = Command::Cells;
     if (presets->parsed()) request.command = Command::Presets;
+    if (sweep->parsed()) request.command = Command::Sweep;
     if (calc->parsed()) {
         request.command = Command::Calc;
         if (*json) request.format = OutputFormat::Json;

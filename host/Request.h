@@ -8,8 +8,17 @@
 
 namespace prsm::host {
 
-enum class Command { Models, Cells, Calc, Presets };
+enum class Command { Models, Cells, Calc, Presets, Sweep };
 enum class OutputFormat { Table, Json, Reflect };
+
+// `sweep`: which outputs, the output format and the picture.
+struct SweepSettings {
+    std::string outputs;  // comma-separated names or patterns; empty for all
+    bool csv = false;
+    bool json = false;
+    std::string plot;  // FILE.png or FILE.svg; empty for none
+    unsigned threads = 0;
+};
 
 struct Request {
     Command command = Command::Models;
@@ -21,6 +30,7 @@ struct Request {
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
     std::string outputs;   // `calc`: show only the outputs whose name matches this glob; empty for all
     bool verbose = false;
+    SweepSettings sweep;
 };
 
 struct ParsedCommandLine {

@@ -6,6 +6,7 @@ packages=(
   build-essential cmake pkg-config python3
   libconfig++-dev libboost-filesystem-dev libboost-iostreams-dev libboost-system-dev zlib1g-dev
   libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev
+  gnuplot-nox pybind11-dev python3-dev python3-numpy python3-pytest python3-dask python3-distributed
 )
 
 missing=()

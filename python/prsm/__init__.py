@@ -1,0 +1,84 @@
+"""Power models of programmable-logic blocks, from Python.
+
+    >>> import prsm
+    >>> sheet = prsm.Sheet("TalvexCleLogic")
+    >>> sheet.set("CLOCK_FREQ", 250)
+    >>> sheet.calculate()["LOGIC_POWER"]
+    >>> sheet.sweep({"CLOCK_FREQ": numpy.linspace(100, 500, 5)}, outputs=["LOGIC_POWER"])
+
+Errors are prsm.InputError (a name or value the model refuses; also a ValueError) and prsm.DataError
+(data that cannot be loaded, a calculation that fails; also a RuntimeError), both prsm.Error.
+"""
+
+from ._core import Cell, DataError, Error, InputError, _Sheet, data_dir, models
+
+__all__ = ["Cell", "DataError", "Error", "InputError", "Sheet", "data_dir", "models"]
+
+
+class Sheet(_Sheet):
+    """One parameter set of a model: set inputs by name, calculate, read outputs, sweep."""
+
+    def __getitem__(self, name):
+        return self.get(name)
+
+    def __setitem__(self, name, value):
+        self.set(name, value)
+
+    def __repr__(self):
+        return f"<prsm.Sheet {self.name}: {self.description}>"
+
+    def cell(self, name):
+        """The Cell called `name`."""
+        for cell in self.cells:
+            if cell.name == name:
+                return cell
+        raise InputError(f"{self.name} has no cell {name}")
+
+    def sweep(self, inputs, outputs=None, threads=None):
+        """Calculates the sheet at every point of `inputs` and returns {output: numpy array}.
+
+        `inputs` maps input names to arrays (or scalars, or lists of strings for string inputs);
+        they broadcast together as NumPy arrays do, and every result has the broadcast shape. Inputs
+        set on the sheet and not swept hold their values; the others take their defaults. `outputs`
+        lists the outputs to return (all when None). `threads` defaults to one per core; the GIL is
+        released while the points are calculated, and Ctrl-C stops the sweep.
+        """
+        import numpy as _np
+
+        if not inputs:
+            raise InputError("a sweep needs at least one input with values")
+        names = list(inputs)
+        arrays = []
+        for name in names:
+            value = inputs[name]
+            array = _np.asarray(value, dtype=object if _is_text(value) else None)
+            arrays.append(array)
+        shaped = _np.broadcast_arrays(*arrays)
+        shape = shaped[0].shape
+        columns = []
+        for name, array in zip(names, shaped):
+            flat = array.reshape(-1)
+            if array.dtype.kind in "OUS":
+                columns.append([str(v) if array.dtype.kind in "US" else v for v in flat.tolist()])
+            elif array.dtype.kind in "biuf":
+                if array.dtype.kind == "b":
+                    raise InputError(f"{name} takes numbers, not booleans")
+                columns.append(_np.ascontiguousarray(flat, dtype=_np.float64))
+            else:
+                raise InputError(f"{name} takes numbers or text, not an array of {array.dtype}")
+        if any(len(c) == 0 for c in columns):
+            raise InputError(f"no values for {names[0]}: an empty array")
+        results = self._sweep_flat(names, columns, None if outputs is None else list(outputs), threads or 0)
+        return {name: values.reshape(shape) for name, values in results.items()}
+
+
+def _is_text(value):
+    import numpy as _np
+
+    if isinstance(value, str):
+        return True
+    if isinstance(value, _np.ndarray):
+        return value.dtype.kind in "USO"
+    if isinstance(value, (list, tuple)) and value:
+        return any(isinstance(v, str) for v in value)
+    return False
