@@ -200,7 +200,7 @@ TEST_F(S26, LinearOutputsDrawFromTheThreePointThreeVoltBuck) {
 
 TEST_F(S26, MemoryStorageAndTotals) {
     // Defaults: no device current. Memory 0.56 A = 0.672 W; eMMC 0.01 A at 3.3 V and 0.01 A at 1.8 V;
-    // parts 0.01 x 3.3 + 0.02 x 1.8 + 0.03 x 3.3.
+    // board loads 0.01 x 3.3 + 0.02 x 1.8 + 0.03 x 3.3.
     model.calculate(p);
     EXPECT_NEAR(p[Params::LOAD_DDR4_VDD], 0.56f, 1e-6);
     EXPECT_EQ(p[Params::LOAD_DDR4_VPP], 0.0f);  // no rows for the other memory rails
