@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
 #include <stdexcept>
 #include <utility>
 
@@ -27,11 +28,12 @@ public:
     using ValidValues = std::string (*)(Model const&, Params&, Data const&, std::string const&);
 
     GeneratedSheet(std::string name, std::string description, std::vector<CellInfo> cells,
-                   ValidValues validValues)
+                   ValidValues validValues, SheetDesign design = {})
         : m_name(std::move(name)),
           m_description(std::move(description)),
           m_cells(std::move(cells)),
-          m_validValues(validValues) {
+          m_validValues(validValues),
+          m_design(std::move(design)) {
         SheetRegistry::instance().add(*this);
     }
 
@@ -39,8 +41,29 @@ public:
     std::string const& description() const override { return m_description; }
     std::vector<CellInfo> const& cells() const override { return m_cells; }
     std::unique_ptr<SheetInstance> create() const override { return std::make_unique<Instance>(*this); }
+    SheetDesign const& design() const override { return m_design; }
 
 private:
+    // A cell's enumerator, by its position in m_cells; resolved once, on first typed access.
+    struct Slot {
+        CellType type;
+        int index;
+    };
+    std::vector<Slot> const& slots() const {
+        std::call_once(m_slotsOnce, [this] {
+            m_slots.reserve(m_cells.size());
+            for (CellInfo const& cell : m_cells) {
+                int index = 0;
+                if (cell.type == CellType::Int)
+                    index = static_cast<int>(Params::string_to_int_enum(cell.name));
+                else if (cell.type == CellType::Float)
+                    index = static_cast<int>(Params::string_to_float_enum(cell.name));
+                m_slots.push_back({cell.type, index});
+            }
+        });
+        return m_slots;
+    }
+
     class Instance final : public SheetInstance {
     public:
         explicit Instance(GeneratedSheet const& sheet) : m_sheet(sheet) {}
@@ -92,6 +115,22 @@ private:
         void resetUserInputs() override { m_params.resetUserInputs(); }
         std::string reflect() const override { return m_params.reflect(); }
 
+        double storedNumber(std::size_t cell) const override {
+            Slot const slot = m_sheet.slots().at(cell);
+            if (slot.type == CellType::Int)
+                return m_params[static_cast<typename Params::IntEnum>(slot.index)];
+            if (slot.type == CellType::Float)
+                return m_params[static_cast<typename Params::FloatEnum>(slot.index)];
+            return 0.0;
+        }
+        void setNumber(std::size_t cell, double value) override {
+            Slot const slot = m_sheet.slots().at(cell);
+            if (slot.type == CellType::Int)
+                m_params[static_cast<typename Params::IntEnum>(slot.index)] = static_cast<int>(value);
+            else if (slot.type == CellType::Float)
+                m_params[static_cast<typename Params::FloatEnum>(slot.index)] = static_cast<float>(value);
+        }
+
     private:
         GeneratedSheet const& m_sheet;
         Params m_params;
@@ -101,6 +140,9 @@ private:
     std::string m_description;
     std::vector<CellInfo> m_cells;
     ValidValues m_validValues;
+    SheetDesign m_design;
+    mutable std::once_flag m_slotsOnce;
+    mutable std::vector<Slot> m_slots;
 };
 
 }  // namespace prsm

@@ -3,6 +3,9 @@
 // type-erased interface: the command-line host, the sweeping tests and the benchmarks drive any sheet
 // by name through it without knowing its classes.
 
+#include <prsm/framework/PRSMSheetDesign.h>
+
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -44,6 +47,12 @@ public:
     virtual void calculate() = 0;
     virtual void resetUserInputs() = 0;
     virtual std::string reflect() const = 0;
+
+    // Typed access by a cell's position in Sheet::cells(), without a name lookup or text: for hosts that
+    // drive many instances. `storedNumber` is the stored value of an int or float cell (sentinels
+    // included, 0 for a string cell); `setNumber` writes an int (truncated) or float cell.
+    virtual double storedNumber(std::size_t cell) const = 0;
+    virtual void setNumber(std::size_t cell, double value) = 0;
 };
 
 class Sheet {
@@ -53,6 +62,8 @@ public:
     virtual std::string const& description() const = 0;
     virtual std::vector<CellInfo> const& cells() const = 0;
     virtual std::unique_ptr<SheetInstance> create() const = 0;
+    // The sheet's declarations for whole-design estimates; empty when the table declares none.
+    virtual SheetDesign const& design() const;
 
     CellInfo const* findCell(std::string const& name) const;
 };

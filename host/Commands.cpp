@@ -1,6 +1,7 @@
 #include <prsm/host/Calculation.h>
 #include <prsm/host/CellListing.h>
 #include <prsm/host/Commands.h>
+#include <prsm/host/Estimate.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Inputs.h>
 #include <prsm/host/Render.h>
@@ -43,6 +44,7 @@ int runCalc(Request const& request, std::ostream& out, std::ostream& err) {
     CalcResult const result = runCalculation(sheet, inputs);
     switch (request.format) {
         case OutputFormat::Table:
+        case OutputFormat::Csv:  // `calc` offers no CSV
             out << renderCalcTable(result);
             break;
         case OutputFormat::Json:
@@ -77,6 +79,8 @@ int runRequest(Request const& request, DataDirChoice const& dataDir, std::ostrea
                 return runCells(request, out, err);
             case Command::Calc:
                 return runCalc(request, out, err);
+            case Command::Estimate:
+                return runEstimate(request, out, err);
         }
     } catch (HostError const& e) {
         printLines(err, "error: ", e.what());

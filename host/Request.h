@@ -8,14 +8,15 @@
 
 namespace prsm::host {
 
-enum class Command { Models, Cells, Calc };
-enum class OutputFormat { Table, Json, Reflect };
+enum class Command { Models, Cells, Calc, Estimate };
+enum class OutputFormat { Table, Json, Reflect, Csv };
 
 struct Request {
     Command command = Command::Models;
     std::string model;
     std::vector<std::string> assignments;  // NAME=VALUE, in command-line order
     std::string inputFile;                 // a JSON object of NAME: value; empty when none
+    std::string designFile;                // `estimate`: the design file
     OutputFormat format = OutputFormat::Table;
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
     bool verbose = false;
