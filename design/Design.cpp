@@ -14,7 +14,7 @@ namespace prsm::design {
 
 namespace {
 
-using Json = nlohmann::json;
+using Json = nlohmann::ordered_json;
 
 char const* const kDeviceFields[] = {
     "part",          "internal_part", "package", "speed_grade", "temperature_grade",

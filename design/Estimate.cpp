@@ -1,6 +1,8 @@
 #include <prsm/design/Estimate.h>
 #include <prsm/design/Rails.h>
+#include <prsm/framework/PRSMCommonParamControlData.h>
 #include <prsm/framework/PRSMException.h>
+#include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
 #include <algorithm>
@@ -62,6 +64,22 @@ std::vector<Term> parseSelector(std::string const& text) {
         terms.push_back(std::move(term));
     }
     return terms;
+}
+
+// The internal name of a part from the device catalogue (DEVICE.<family>.<part>), or "" when the
+// catalogue does not list it or cannot be read.
+std::string internalPart(std::string const& part) {
+    try {
+        PRSMCommonParamControlData const& catalogue = PRSMCommonParamControlData::getGlobal();
+        std::string name = catalogue.getDeviceAliasOrError(part);
+        if (name == prsm::kStringNotSet) name = part;
+        std::string const suffix = "." + name;
+        for (auto const& [key, value] : catalogue.m_Device)
+            if (key.size() > suffix.size() && key.compare(key.size() - suffix.size(), suffix.size(), suffix) == 0)
+                return value;
+    } catch (...) {  // no catalogue: the sheets keep their own default
+    }
+    return {};
 }
 
 std::string what(std::exception const& e) {
@@ -155,6 +173,9 @@ void Estimator::State::prepareBlock(BlockState& block) {
 }
 
 void Estimator::State::setup() {
+    if (std::string const* part = design.device.find("part"); part && !design.device.find("internal_part"))
+        if (std::string internal = internalPart(*part); !internal.empty())
+            design.device.fields.emplace_back("internal_part", std::move(internal));
     for (auto const& [name, value] : design.rails)
         voltage.resize(rail(name) + 1), voltage[rail(name)] = value;
     blocks.reserve(design.blocks.size());
