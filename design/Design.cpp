@@ -118,7 +118,8 @@ bool knownRegion(std::string const& region) {
     return false;
 }
 
-// The cells a design may not set in a block: voltages and device fields come from the design.
+}  // namespace
+
 std::string designOwned(SheetDesign const& design, std::string const& cell) {
     for (auto const& [input, rail] : design.voltageInputs)
         if (input == cell) return "the voltage of rail " + rail + ": set it once under /rails";
@@ -129,6 +130,8 @@ std::string designOwned(SheetDesign const& design, std::string const& cell) {
         if (input == cell) return "summed from the design's dynamic power (" + selector + ")";
     return {};
 }
+
+namespace {
 
 Block readBlock(Checker& check, Json const& json, std::string const& pointer, bool isStatic) {
     Block block;

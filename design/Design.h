@@ -3,6 +3,8 @@
 // the blocks (each a registered sheet with its inputs) and the extra loads of rails that no sheet
 // models. docs/design-files.md describes the file.
 
+#include <prsm/framework/PRSMSheetDesign.h>
+
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -66,6 +68,10 @@ struct Design {
     std::vector<Block> blocks;
     std::vector<Load> loads;
 };
+
+// Why a block of a design may not set `cell` of a sheet with these declarations (a rail voltage, a
+// device field, the junction temperature or a fed input: the design sets those), or "" when it may.
+std::string designOwned(SheetDesign const& declared, std::string const& cell);
 
 // Reads and checks a design file against the registered sheets. Throws DesignError listing every
 // problem found; nothing is estimated from a design that fails.

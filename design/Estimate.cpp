@@ -75,7 +75,8 @@ std::string internalPart(std::string const& part) {
         if (name == prsm::kStringNotSet) name = part;
         std::string const suffix = "." + name;
         for (auto const& [key, value] : catalogue.m_Device)
-            if (key.size() > suffix.size() && key.compare(key.size() - suffix.size(), suffix.size(), suffix) == 0)
+            if (key.size() > suffix.size() &&
+                key.compare(key.size() - suffix.size(), suffix.size(), suffix) == 0)
                 return value;
     } catch (...) {  // no catalogue: the sheets keep their own default
     }
@@ -93,6 +94,7 @@ struct Estimator::State {
         std::size_t cell;
         std::size_t rail;
         bool current;
+        std::size_t aggregate = kNone;  // its rail, region and tag in `cells`
     };
     struct BlockState {
         Block const* spec;
@@ -102,6 +104,7 @@ struct Estimator::State {
         std::vector<Output> outputs;
         std::vector<double> power;  // W per output, one instance
         bool dirty = true;
+        bool changed = true;  // calculated since the report last described it
         bool checkValidity = true;
         std::string error;
         std::vector<Warning> warnings;
@@ -124,7 +127,9 @@ struct Estimator::State {
     std::vector<std::string> tags{""};
     std::vector<BlockState> blocks;
     std::map<std::string, std::size_t> blockIndex;
-    std::vector<std::size_t> loadRail, loadRegion, loadTag;
+    std::vector<std::size_t> loadRail, loadRegion, loadTag, loadCell;
+    std::vector<Cell> cells;  // the dynamic power per rail, region and tag, summed by build()
+    std::vector<double> scratchRail, scratchRegion;
 
     // The static sheet.
     std::unique_ptr<BlockState> statics;
@@ -146,6 +151,8 @@ struct Estimator::State {
     void calculateBlock(BlockState& block);
     void checkValidity(BlockState& block);
     bool staticAt(double junction, double& staticPower);
+    std::size_t cellOf(std::size_t r, std::size_t region, std::size_t tag);
+    void describe(BlockState const& block, BlockResult& result) const;
     void build();
 };
 
@@ -240,6 +247,11 @@ void Estimator::State::setup() {
     for (std::size_t i = 0; i < design.loads.size(); ++i)
         if (design.loads[i].current) design.loads[i].power = *design.loads[i].current * voltage[loadRail[i]];
 
+    for (BlockState& block : blocks)
+        for (Output& out : block.outputs) out.aggregate = cellOf(out.rail, block.region, 0);
+    for (std::size_t i = 0; i < design.loads.size(); ++i)
+        loadCell.push_back(cellOf(loadRail[i], loadRegion[i], loadTag[i]));
+
     if (statics) {
         std::string const& pattern = statics->sheet->design().staticCurrent;
         staticCurrentCell.assign(rails.size(), kNone);
@@ -272,6 +284,7 @@ void Estimator::State::calculateBlock(BlockState& block) {
         block.error = e.what();
     }
     block.dirty = false;
+    block.changed = true;
 }
 
 void Estimator::State::checkValidity(BlockState& block) {
@@ -308,57 +321,84 @@ bool Estimator::State::staticAt(double junction, double& staticPower) {
     return std::isfinite(staticPower) && std::fabs(staticPower) < kFloatNotSet;
 }
 
+std::size_t Estimator::State::cellOf(std::size_t r, std::size_t region, std::size_t tag) {
+    for (std::size_t i = 0; i < cells.size(); ++i)
+        if (cells[i].rail == r && cells[i].region == region && cells[i].tag == tag) return i;
+    cells.push_back({r, region, tag, 0.0});
+    return cells.size() - 1;
+}
+
+// A block's line of the report; refreshed only when the block was calculated again.
+void Estimator::State::describe(BlockState const& block, BlockResult& result) const {
+    result.name = block.spec->name;
+    result.model = block.spec->model;
+    result.region = block.sheet->design().region;
+    result.count = block.spec->count;
+    result.error = block.error;
+    result.power = 0;
+    result.rails.clear();
+    if (!block.error.empty()) return;
+    for (std::size_t i = 0; i < block.outputs.size(); ++i) {
+        double const power = block.power[i] * block.spec->count;
+        result.power += power;
+        std::string const& railName = rails[block.outputs[i].rail];
+        bool merged = false;
+        for (auto& entry : result.rails)
+            if (entry.first == railName) entry.second += power, merged = true;
+        if (!merged) result.rails.emplace_back(railName, power);
+    }
+}
+
 void Estimator::State::build() {
     Report& out = report;
-    out = Report{};
     out.source = design.source;
+    out.complete = true;
+    out.failures.clear();
+    out.warnings.clear();
+    out.staticInputs.clear();
+    out.thermal = ThermalResult{};
     std::size_t const regionCount = regionNames().size();
 
-    std::vector<double> railDynamic(rails.size(), 0.0), regionDynamic(regionCount, 0.0);
-    std::vector<Cell> cells;
-    auto add = [&](std::size_t r, std::size_t region, std::size_t tag, double power) {
-        railDynamic[r] += power;
-        if (region != kNone) regionDynamic[region] += power;
-        for (Cell& c : cells)
-            if (c.rail == r && c.region == region && c.tag == tag) return void(c.power += power);
-        cells.push_back({r, region, tag, power});
+    std::vector<double>& railDynamic = scratchRail;
+    std::vector<double>& regionDynamic = scratchRegion;
+    railDynamic.assign(rails.size(), 0.0);
+    regionDynamic.assign(regionCount, 0.0);
+    for (Cell& c : cells) c.power = 0;
+    auto add = [&](std::size_t cell, double power) {
+        Cell& c = cells[cell];
+        railDynamic[c.rail] += power;
+        if (c.region != kNone) regionDynamic[c.region] += power;
+        c.power += power;
     };
 
-    for (BlockState& block : blocks) {
-        BlockResult result;
-        result.name = block.spec->name;
-        result.model = block.spec->model;
-        result.region = block.sheet->design().region;
-        result.count = block.spec->count;
-        result.error = block.error;
+    bool const fresh = out.blocks.size() != blocks.size() + design.loads.size();
+    if (fresh) out.blocks.assign(blocks.size() + design.loads.size(), BlockResult{});
+    for (std::size_t b = 0; b < blocks.size(); ++b) {
+        BlockState& block = blocks[b];
+        if (fresh || block.changed) describe(block, out.blocks[b]);
+        block.changed = false;
         if (!block.error.empty()) {
             out.complete = false;
-            out.failures.push_back("block \"" + result.name + "\" (" + result.model + "): " + block.error);
+            out.failures.push_back("block \"" + block.spec->name + "\" (" + block.spec->model +
+                                   "): " + block.error);
         } else {
-            for (std::size_t i = 0; i < block.outputs.size(); ++i) {
-                double const power = block.power[i] * block.spec->count;
-                result.power += power;
-                std::string const& railName = rails[block.outputs[i].rail];
-                bool merged = false;
-                for (auto& entry : result.rails)
-                    if (entry.first == railName) entry.second += power, merged = true;
-                if (!merged) result.rails.emplace_back(railName, power);
-                add(block.outputs[i].rail, block.region, 0, power);
-            }
+            for (std::size_t i = 0; i < block.outputs.size(); ++i)
+                add(block.outputs[i].aggregate, block.power[i] * block.spec->count);
         }
-        out.warnings.insert(out.warnings.end(), block.warnings.begin(), block.warnings.end());
-        out.blocks.push_back(std::move(result));
+        if (!block.warnings.empty())
+            out.warnings.insert(out.warnings.end(), block.warnings.begin(), block.warnings.end());
     }
     for (std::size_t i = 0; i < design.loads.size(); ++i) {
         Load const& load = design.loads[i];
-        BlockResult result;
-        result.name = load.name;
-        result.model = "load";
-        result.region = load.region;
-        result.power = load.power;
-        result.rails.emplace_back(load.rail, load.power);
-        add(loadRail[i], loadRegion[i], loadTag[i], load.power);
-        out.blocks.push_back(std::move(result));
+        if (fresh) {
+            BlockResult& result = out.blocks[blocks.size() + i];
+            result.name = load.name;
+            result.model = "load";
+            result.region = load.region;
+            result.power = load.power;
+            result.rails.emplace_back(load.rail, load.power);
+        }
+        add(loadCell[i], load.power);
     }
 
     double dynamic = 0;
@@ -443,6 +483,8 @@ void Estimator::State::build() {
         out.warnings.insert(out.warnings.end(), statics->warnings.begin(), statics->warnings.end());
     }
 
+    out.rails.clear();
+    out.regions.clear();
     for (std::size_t r = 0; r < rails.size(); ++r) {
         RailResult rail;
         rail.rail = rails[r];
@@ -504,6 +546,8 @@ void Estimator::setInput(std::string const& block, std::string const& cell, std:
     CellInfo const* info = target->sheet->findCell(cell);
     if (info == nullptr || info->category != CellCategory::UserInput)
         throw DesignError("block \"" + block + "\": " + cell + " is not an input of " + target->spec->model);
+    if (std::string const owner = designOwned(target->sheet->design(), cell); !owner.empty())
+        throw DesignError("block \"" + block + "\": cell " + cell + " is " + owner);
     try {
         target->instance->set(cell, text);
     } catch (std::invalid_argument const& e) {

@@ -110,6 +110,10 @@ TEST(DesignEstimate, SmallDesignRailsFeedsAndThermalByHand) {
     double const updated = estimator.update().dynamicPower;
     EXPECT_NEAR(updated, kDynamic - kSlow + 500e-12 * 0.64 * 150e6, 1e-6);
     EXPECT_NEAR(estimator.estimate().dynamicPower, updated, 1e-12);
+    // The design owns rail voltages; unknown blocks and text that is no number are refused.
+    EXPECT_THROW(estimator.setInput("core", "VCCINT", "0.7"), DesignError);
+    EXPECT_THROW(estimator.setInput("nobody", "CLOCK_FREQ", "1"), DesignError);
+    EXPECT_THROW(estimator.setInput("core", "CLOCK_FREQ", "fast"), DesignError);
 }
 
 TEST(DesignEstimate, GivenJunctionTemperature) {
