@@ -130,6 +130,7 @@ struct Estimator::State {
     std::vector<std::size_t> loadRail, loadRegion, loadTag, loadCell;
     std::vector<Cell> cells;  // the dynamic power per rail, region and tag, summed by build()
     std::vector<double> scratchRail, scratchRegion;
+    std::vector<Warning> deviceWarnings;
 
     // The static sheet.
     std::unique_ptr<BlockState> statics;
@@ -180,9 +181,15 @@ void Estimator::State::prepareBlock(BlockState& block) {
 }
 
 void Estimator::State::setup() {
-    if (std::string const* part = design.device.find("part"); part && !design.device.find("internal_part"))
-        if (std::string internal = internalPart(*part); !internal.empty())
+    if (std::string const* part = design.device.find("part"); part && !design.device.find("internal_part")) {
+        std::string const name = *part;
+        if (std::string internal = internalPart(name); !internal.empty())
             design.device.fields.emplace_back("internal_part", std::move(internal));
+        else
+            deviceWarnings.push_back(
+                {"", "/device/part",
+                 name + " is not in the device catalogue; sheets may fall back to defaults"});
+    }
     for (auto const& [name, value] : design.rails)
         voltage.resize(rail(name) + 1), voltage[rail(name)] = value;
     blocks.reserve(design.blocks.size());
@@ -227,8 +234,12 @@ void Estimator::State::setup() {
     auto adoptDefaults = [&](BlockState& block) {
         for (auto const& [cell, railName] : block.sheet->design().voltageInputs) {
             std::size_t const r = railIndex[railName];
-            if (std::isnan(voltage[r]))
-                voltage[r] = std::strtod(block.instance->evaluate(cell).c_str(), nullptr);
+            if (!std::isnan(voltage[r])) continue;
+            // The sheet's float default, to the 7 digits a float holds (0.8, not 0.800000012).
+            char text[32];
+            std::snprintf(text, sizeof text, "%.7g",
+                          std::strtod(block.instance->evaluate(cell).c_str(), nullptr));
+            voltage[r] = std::strtod(text, nullptr);
         }
     };
     if (statics) adoptDefaults(*statics);
@@ -354,7 +365,7 @@ void Estimator::State::build() {
     out.source = design.source;
     out.complete = true;
     out.failures.clear();
-    out.warnings.clear();
+    out.warnings = deviceWarnings;
     out.staticInputs.clear();
     out.thermal = ThermalResult{};
     std::size_t const regionCount = regionNames().size();

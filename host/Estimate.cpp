@@ -83,9 +83,14 @@ int runEstimate(Request const& request, std::ostream& out, std::ostream& err) {
     } catch (design::DesignError const& e) {
         throw HostError(kExitBadInput, e.what());
     }
-    for (design::Warning const& w : report.warnings)
-        err << "prsm: warning: block \"" << w.block
-            << "\": " << (w.cell.empty() ? "" : "cell " + w.cell + ": ") << w.message << "\n";
+    for (design::Warning const& w : report.warnings) {
+        err << "prsm: warning: ";
+        if (w.block.empty())  // the design itself: the cell is a JSON pointer
+            err << w.cell << ": ";
+        else
+            err << "block \"" << w.block << "\": " << (w.cell.empty() ? "" : "cell " + w.cell + ": ");
+        err << w.message << "\n";
+    }
     switch (request.format) {
         case OutputFormat::Json:
             out << design::toJson(report);

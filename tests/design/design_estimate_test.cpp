@@ -146,7 +146,8 @@ TEST(DesignEstimate, ThermalRunawayIsReportedNotLooped) {
 
 TEST(DesignEstimate, FailedBlockAndInvalidInputsAreNamed) {
     Design design = parseDesign(R"({
-      "schema_version": 1, "device": {"part": "TESTDEV"}, "thermal": {"junction_temperature": 25},
+      "schema_version": 1, "device": {"part": "TESTDEV", "internal_part": "TESTDEV"},
+      "thermal": {"junction_temperature": 25},
       "blocks": [
         {"name": "fine", "model": "TestLoad", "inputs": {"CLOCK_FREQ": -5, "MODE": "FAST"}},
         {"name": "broken", "model": "TestLoad", "inputs": {"MODE": "BROKEN"}}
@@ -189,6 +190,13 @@ TEST(DesignEstimate, ShippedSheetsDeclareTheirRails) {
     double const own = std::stod(sheet->evaluate("LOGIC_POWER"));
     EXPECT_GT(own, 0.0);
     EXPECT_NEAR(rail(report, "VCCINT").dynamicCurrent, 3 * own / 0.7, 1e-6 * own);
+    EXPECT_TRUE(report.warnings.empty());
+
+    // A part the device catalogue does not list is estimated, with a warning on /device/part.
+    design.device.fields[0].second = "ZQVX9999";
+    Report const unknown = Estimator(design).estimate();
+    ASSERT_FALSE(unknown.warnings.empty());
+    EXPECT_EQ(unknown.warnings[0].cell, "/device/part");
 }
 
 }  // namespace
