@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -112,6 +114,42 @@ private:
     bool m_failed = false;
 };
 
+// The closest of `names` to a misspelt one, as " (did you mean X?)", or "" when none is close.
+std::string closest(std::string const& wrong, std::vector<std::string> const& names) {
+    std::string best;
+    std::size_t bestDistance = std::max<std::size_t>(2, wrong.size() / 4) + 1;
+    for (std::string const& name : names) {
+        std::vector<std::size_t> row(name.size() + 1);
+        for (std::size_t j = 0; j <= name.size(); ++j) row[j] = j;
+        for (std::size_t i = 1; i <= wrong.size(); ++i) {
+            std::size_t diagonal = row[0];
+            row[0] = i;
+            for (std::size_t j = 1; j <= name.size(); ++j) {
+                std::size_t const above = row[j];
+                bool const same = std::toupper(static_cast<unsigned char>(wrong[i - 1])) ==
+                                  std::toupper(static_cast<unsigned char>(name[j - 1]));
+                row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (same ? 0 : 1)});
+                diagonal = above;
+            }
+        }
+        if (row[name.size()] < bestDistance) bestDistance = row[name.size()], best = name;
+    }
+    return best.empty() ? std::string() : " (did you mean " + best + "?)";
+}
+
+std::vector<std::string> modelNames() {
+    std::vector<std::string> names;
+    for (Sheet const* sheet : SheetRegistry::instance().sheets()) names.push_back(sheet->name());
+    return names;
+}
+
+std::vector<std::string> inputNames(Sheet const& sheet) {
+    std::vector<std::string> names;
+    for (CellInfo const& cell : sheet.cells())
+        if (cell.category == CellCategory::UserInput) names.push_back(cell.name);
+    return names;
+}
+
 bool knownRegion(std::string const& region) {
     for (char const* r : kRegions)
         if (region == r) return true;
@@ -161,7 +199,8 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, bo
         block.model = *model;
         sheet = SheetRegistry::instance().find(*model);
         if (sheet == nullptr)
-            check.fail(pointer + "/model", who + ": unknown model " + *model + "; `prsm models` lists them");
+            check.fail(pointer + "/model", who + ": unknown model " + *model + closest(*model, modelNames()) +
+                                               "; `prsm models` lists them");
         else if (isStatic && !sheet->design().isStatic())
             check.fail(pointer + "/model",
                        who + ": " + *model + " does not declare itself a static-power sheet");
@@ -183,7 +222,8 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, bo
         if (sheet == nullptr) continue;
         CellInfo const* info = sheet->findCell(cell);
         if (info == nullptr) {
-            check.fail(at, who + ": " + block.model + " has no cell " + cell);
+            check.fail(at,
+                       who + ": " + block.model + " has no cell " + cell + closest(cell, inputNames(*sheet)));
             continue;
         }
         if (info->category != CellCategory::UserInput) {
