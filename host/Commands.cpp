@@ -80,7 +80,7 @@ int runRequest(Request const& request, DataDirChoice const& dataDir, std::ostrea
             case Command::Calc:
                 return runCalc(request, out, err);
             case Command::Estimate:
-                return runEstimate(request, out, err);
+                return runEstimate(request, describeDataDir(dataDir), out, err);
         }
     } catch (HostError const& e) {
         printLines(err, "error: ", e.what());

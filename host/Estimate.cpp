@@ -3,6 +3,7 @@
 #include <prsm/host/HostError.h>
 #include <prsm/host/TextTable.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <ostream>
 #include <sstream>
@@ -76,7 +77,7 @@ std::string renderEstimateTable(design::Report const& report) {
     return text.str();
 }
 
-int runEstimate(Request const& request, std::ostream& out, std::ostream& err) {
+int runEstimate(Request const& request, std::string const& dataHint, std::ostream& out, std::ostream& err) {
     design::Report report;
     try {
         report = design::estimateFile(request.designFile);
@@ -104,6 +105,9 @@ int runEstimate(Request const& request, std::ostream& out, std::ostream& err) {
             break;
     }
     for (std::string const& failure : report.failures) err << "prsm: error: " << failure << "\n";
+    bool const blockFailed = std::any_of(report.blocks.begin(), report.blocks.end(),
+                                         [](design::BlockResult const& b) { return !b.error.empty(); });
+    if (blockFailed && !dataHint.empty()) err << "prsm: hint: " << dataHint << "\n";
     return report.complete ? kExitOk : kExitDataFailure;
 }
 

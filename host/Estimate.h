@@ -14,7 +14,7 @@ std::string renderEstimateTable(design::Report const& report);
 
 // Runs the request: the report on `out`, invalid inputs as warnings and failures as errors on `err`.
 // A design that is refused ends with kExitBadInput, a failed block or a thermal runaway with
-// kExitDataFailure and no totals.
-int runEstimate(Request const& request, std::ostream& out, std::ostream& err);
+// kExitDataFailure and no totals; a failed block adds `dataHint` (where the data was looked for).
+int runEstimate(Request const& request, std::string const& dataHint, std::ostream& out, std::ostream& err);
 
 }  // namespace prsm::host
