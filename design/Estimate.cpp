@@ -136,6 +136,7 @@ struct Estimator::State {
     std::unique_ptr<BlockState> statics;
     std::size_t temperatureCell = kNone, totalCell = kNone;
     std::vector<std::size_t> staticCurrentCell;                         // per rail
+    std::vector<std::size_t> maxCurrentCell;                            // per rail
     std::vector<std::pair<std::size_t, std::size_t>> staticRegionCell;  // region, cell
     std::vector<Feed> feeds;
 
@@ -264,14 +265,16 @@ void Estimator::State::setup() {
         loadCell.push_back(cellOf(loadRail[i], loadRegion[i], loadTag[i]));
 
     if (statics) {
-        std::string const& pattern = statics->sheet->design().staticCurrent;
-        staticCurrentCell.assign(rails.size(), kNone);
-        for (std::size_t r = 0; r < rails.size(); ++r) {
-            if (pattern.empty()) break;
-            std::string name = pattern;
-            name.replace(name.find("{}"), 2, rails[r]);
-            staticCurrentCell[r] = cellIndex(*statics->sheet, name);
-        }
+        auto perRail = [&](std::string const& pattern, std::vector<std::size_t>& cells) {
+            cells.assign(rails.size(), kNone);
+            for (std::size_t r = 0; r < rails.size() && !pattern.empty(); ++r) {
+                std::string name = pattern;
+                name.replace(name.find("{}"), 2, rails[r]);
+                cells[r] = cellIndex(*statics->sheet, name);
+            }
+        };
+        perRail(statics->sheet->design().staticCurrent, staticCurrentCell);
+        perRail(statics->sheet->design().maxCurrent, maxCurrentCell);
     }
 }
 
@@ -504,6 +507,19 @@ void Estimator::State::build() {
         rail.staticCurrent = staticCurrent[r];
         rail.totalCurrent = rail.dynamicCurrent + rail.staticCurrent;
         rail.power = voltage[r] * rail.totalCurrent;
+        if (statics && staticOk && maxCurrentCell[r] != kNone) {
+            double const limit = statics->instance->storedNumber(maxCurrentCell[r]);
+            if (limit > 0 && limit < kFloatNotSet) {
+                rail.maxCurrent = limit;
+                rail.overLimit = rail.totalCurrent > limit;
+            }
+            if (rail.overLimit) {
+                char text[160];
+                std::snprintf(text, sizeof text, "total current %.4g A exceeds the device's maximum %.4g A",
+                              rail.totalCurrent, limit);
+                out.warnings.push_back({"", "/rails/" + rails[r], text});
+            }
+        }
         bool const declaredByDesign = std::any_of(design.rails.begin(), design.rails.end(),
                                                   [&](auto const& e) { return e.first == rails[r]; });
         if (railDynamic[r] != 0 || rail.staticCurrent != 0 || declaredByDesign) out.rails.push_back(rail);

@@ -20,6 +20,8 @@ struct RailResult {
     double staticCurrent = 0;   // A
     double totalCurrent = 0;    // A
     double power = 0;           // W: voltage times the total current
+    double maxCurrent = 0;      // A: the device's limit where the static sheet's data has one, else 0
+    bool overLimit = false;     // the total current exceeds maxCurrent
 };
 
 struct BlockResult {

@@ -54,7 +54,9 @@ std::string toJson(Report const& report) {
                          {"dynamic_current", r.dynamicCurrent},
                          {"static_current", r.staticCurrent},
                          {"total_current", r.totalCurrent},
-                         {"power", r.power}});
+                         {"power", r.power},
+                         {"max_current", r.maxCurrent > 0 ? Json(r.maxCurrent) : Json(nullptr)},
+                         {"over_limit", r.overLimit}});
     out["rails"] = rails;
     Json blocks = Json::array();
     for (BlockResult const& b : report.blocks) {
@@ -101,6 +103,10 @@ std::string toCsv(Report const& report) {
         line("rail", r.rail, r.rail, "static_current", number(r.staticCurrent), "A");
         line("rail", r.rail, r.rail, "total_current", number(r.totalCurrent), "A");
         line("rail", r.rail, r.rail, "power", number(r.power), "W");
+        if (r.maxCurrent > 0) {
+            line("rail", r.rail, r.rail, "max_current", number(r.maxCurrent), "A");
+            line("rail", r.rail, r.rail, "over_limit", r.overLimit ? "1" : "0", "");
+        }
     }
     for (BlockResult const& b : report.blocks) {
         if (!b.error.empty()) {

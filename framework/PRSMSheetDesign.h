@@ -21,10 +21,12 @@ struct SheetDesign {
     Pairs deviceInputs;    // input cell -> field of the design's device ("part", "process", ...)
 
     // The static sheet: the junction-temperature input, the pattern of the per-rail leakage currents
-    // ("{}_STATIC_CURRENT"), the total static power, the static power per region and the inputs that
-    // receive summed dynamic power (input cell -> selector such as "rail:VCCINT !region:aie").
+    // ("{}_STATIC_CURRENT") and of the device's maximum currents, the total static power, the static power
+    // per region and the inputs that receive summed dynamic power (input cell -> selector such as
+    // "rail:VCCINT !region:aie").
     std::string temperatureInput;
     std::string staticCurrent;
+    std::string maxCurrent;  // "{}_MAX_CURRENT": the device's limit per rail in A, where the data has one
     std::string staticTotal;
     Pairs staticRegions;  // region -> computed cell in W
     Pairs feeds;

@@ -39,10 +39,12 @@ std::string renderEstimateTable(design::Report const& report) {
     std::vector<TextRow> rails;
     for (design::RailResult const& r : report.rails)
         rails.push_back({r.rail, fixed(r.voltage, 3), fixed(r.dynamicCurrent, 4), fixed(r.staticCurrent, 4),
-                         fixed(r.totalCurrent, 4), fixed(r.power, 4)});
+                         fixed(r.totalCurrent, 4), fixed(r.power, 4),
+                         r.maxCurrent > 0 ? fixed(r.maxCurrent, 3) + (r.overLimit ? " EXCEEDED" : "") : "-"});
     text << "\n"
-         << formatTable({"rail", "voltage (V)", "dynamic (A)", "static (A)", "total (A)", "power (W)"},
-                        rails);
+         << formatTable(
+                {"rail", "voltage (V)", "dynamic (A)", "static (A)", "total (A)", "power (W)", "max (A)"},
+                rails);
 
     std::vector<TextRow> blocks;
     for (design::BlockResult const& b : report.blocks) {

@@ -23,6 +23,7 @@ class DesignDecl:
     device: list[tuple[str, str]] = field(default_factory=list)
     temperature: str = ""
     static_current: str = ""
+    max_current: str = ""
     static_total: str = ""
     static_regions: list[tuple[str, str]] = field(default_factory=list)
     feeds: list[tuple[str, str]] = field(default_factory=list)
@@ -64,7 +65,8 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
     design = doc.get("design", {})
     if unknown := set(rails) - {"voltage", "power", "current"}:
         raise SheetError(f"rails: unknown keys {sorted(unknown)}")
-    known = {"region", "device", "temperature", "static_current", "static_total", "static_regions", "feeds"}
+    known = {"region", "device", "temperature", "static_current", "max_current", "static_total", "static_regions",
+             "feeds"}
     if unknown := set(design) - known:
         raise SheetError(f"design: unknown keys {sorted(unknown)}")
     decl = DesignDecl()
@@ -95,7 +97,7 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
         if fld not in DEVICE_FIELDS:
             raise SheetError(f"design.device.{name}: unknown field {fld!r}; one of {', '.join(DEVICE_FIELDS)}")
 
-    static_keys = {"temperature", "static_current", "static_total", "static_regions", "feeds"} & set(design)
+    static_keys = {"temperature", "static_current", "max_current", "static_total", "static_regions", "feeds"} & set(design)
     if static_keys and "temperature" not in design:
         raise SheetError("design: a static sheet names its junction-temperature input in design.temperature")
     if "temperature" in design:
@@ -109,6 +111,14 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
                 name = decl.static_current.replace("{}", rail)
                 if name in sheet.by_name:
                     cell(name, "design.static_current", ("float",), False)
+        decl.max_current = design.get("max_current", "")
+        if decl.max_current and decl.max_current.count("{}") != 1:
+            raise SheetError("design.max_current: a cell pattern with one {} for the rail")
+        if decl.max_current:
+            for _, rail in decl.voltage:
+                name = decl.max_current.replace("{}", rail)
+                if name in sheet.by_name:
+                    cell(name, "design.max_current", ("float",), False)
         decl.static_total = design.get("static_total", "")
         if decl.static_total:
             cell(decl.static_total, "design.static_total", ("float",), False)
@@ -132,5 +142,5 @@ def initializer(decl: DesignDecl) -> str:
     """The prsm::SheetDesign aggregate, member by member in declaration order."""
     return (f'prsm::SheetDesign{{"{decl.region}", {_cpp_pairs(decl.voltage)}, {_cpp_pairs(decl.power)}, '
             f'{_cpp_pairs(decl.current)}, {_cpp_pairs(decl.device)}, "{decl.temperature}", '
-            f'"{decl.static_current}", "{decl.static_total}", {_cpp_pairs(decl.static_regions)}, '
+            f'"{decl.static_current}", "{decl.max_current}", "{decl.static_total}", {_cpp_pairs(decl.static_regions)}, '
             f'{_cpp_pairs(decl.feeds)}}}')

@@ -1,5 +1,7 @@
 // Formulas of the test-only static sheet: I = I25 + SLOPE * (t - 25) on each rail, 0 when the rail is
-// off, with t the junction temperature less HEATING degrees per watt of logic dynamic power.
+// off, with t the junction temperature less HEATING degrees per watt of logic dynamic power. A rail's
+// maximum current is its MAX_CURRENT row, 0 (no limit) without one.
+#include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/tests/design/PRSMTestLeakageModel.h>
 
 using Model = PRSMTestLeakageModel;
@@ -36,4 +38,14 @@ float Model::computeLogicStaticPower(Params& params, Data const& data) const {
 
 float Model::computeTotalStaticPower(Params& params, Data const& data) const {
     return calculateLogicStaticPower(params, data);
+}
+
+float Model::computeVccintMaxCurrent(Params& params, Data const& data) const {
+    float const limit = data.getMaxCurrentOrError(getDeviceName(params, data), "VCCINT");
+    return limit == prsm::kFloatNotSet ? 0.0f : limit;
+}
+
+float Model::computeVccauxMaxCurrent(Params& params, Data const& data) const {
+    float const limit = data.getMaxCurrentOrError(getDeviceName(params, data), "VCCAUX");
+    return limit == prsm::kFloatNotSet ? 0.0f : limit;
 }

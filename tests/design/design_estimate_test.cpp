@@ -79,6 +79,8 @@ TEST(DesignEstimate, SmallDesignRailsFeedsAndThermalByHand) {
     EXPECT_NEAR(vccint.staticCurrent, vccintLeak(u), 1e-5);
     EXPECT_NEAR(vccint.totalCurrent, 0.43 + vccintLeak(u), 1e-5);
     EXPECT_NEAR(vccint.power, 0.8 * (0.43 + vccintLeak(u)), 1e-5);
+    EXPECT_DOUBLE_EQ(vccint.maxCurrent, 1.0);  // MAX_CURRENT of the test data
+    EXPECT_FALSE(vccint.overLimit);            // 0.43 + 0.519 A
     RailResult const& vccaux = rail(report, "VCCAUX");
     EXPECT_NEAR(vccaux.dynamicCurrent, 0.020, 1e-7);
     EXPECT_NEAR(vccaux.staticCurrent, vccauxLeak(u), 1e-5);
@@ -127,6 +129,11 @@ TEST(DesignEstimate, GivenJunctionTemperature) {
     EXPECT_NEAR(rail(report, "VCCINT").staticCurrent, 0.64652, 1e-5);
     EXPECT_NEAR(rail(report, "VCCAUX").staticCurrent, 0.129304, 1e-5);
     EXPECT_NEAR(report.staticPower, 0.8 * 0.64652 + 1.5 * 0.129304, 1e-5);  // 0.711172 W
+    // VCCINT now draws 0.43 + 0.64652 = 1.07652 A, over its 1 A limit; VCCAUX has no limit.
+    EXPECT_TRUE(rail(report, "VCCINT").overLimit);
+    EXPECT_EQ(rail(report, "VCCAUX").maxCurrent, 0.0);
+    ASSERT_EQ(report.warnings.size(), 1u);
+    EXPECT_EQ(report.warnings[0].cell, "/rails/VCCINT");
 }
 
 TEST(DesignEstimate, ThermalRunawayIsReportedNotLooped) {
