@@ -83,6 +83,17 @@ std::string internalPart(std::string const& part) {
     return {};
 }
 
+// The highest junction temperature the device catalogue allows (THERMAL.MAX_JUNCTION_TEMP), 0 if none.
+double maxJunctionTemperature() {
+    try {
+        int const limit =
+            PRSMCommonParamControlData::getGlobal().getParamVarsIntOrError("THERMAL", "MAX_JUNCTION_TEMP");
+        return limit == prsm::kIntNotSet ? 0.0 : limit;
+    } catch (...) {
+        return 0.0;
+    }
+}
+
 std::string what(std::exception const& e) {
     return e.what();
 }
@@ -458,14 +469,16 @@ void Estimator::State::build() {
             if (statics && !(staticOk = staticAt(t, staticPower))) break;
             double const next = ta + theta * (dynamic + staticPower);
             out.thermal.iterations = i;
-            if (!std::isfinite(next) || next > kRunawayTemperature || i >= kMaxThermalIterations) {
+            bool const converged = !statics || std::fabs(next - t) < kThermalTolerance;
+            // Without leakage there is nothing to iterate: however hot, the temperature is a result.
+            if (!std::isfinite(next) ||
+                (!converged && (next > kRunawayTemperature || i >= kMaxThermalIterations))) {
                 out.thermal.runaway = true;
                 out.thermal.junction = next;
                 break;
             }
-            bool const converged = std::fabs(next - t) < kThermalTolerance;
             t = next;
-            if (converged || !statics) break;
+            if (converged) break;
         }
         if (!out.thermal.runaway) {
             out.thermal.junction = t;
@@ -477,9 +490,19 @@ void Estimator::State::build() {
             std::snprintf(
                 text, sizeof text,
                 "thermal runaway: no steady junction temperature at ambient %.1f degC and theta_ja %.3g "
-                "degC/W (%.1f degC after %d iterations)",
+                "degC/W (%.1f degC after %d rounds)",
                 ta, theta, out.thermal.junction, out.thermal.iterations);
             out.failures.push_back(text);
+        }
+    }
+    if (!out.thermal.runaway && out.thermal.solved) {
+        double const limit = maxJunctionTemperature();
+        if (limit > 0 && out.thermal.junction > limit) {
+            char text[160];
+            std::snprintf(text, sizeof text,
+                          "junction temperature %.1f degC exceeds the device's maximum %.0f degC",
+                          out.thermal.junction, limit);
+            out.warnings.push_back({"", "/thermal", text});
         }
     }
     if (statics) {
