@@ -241,16 +241,24 @@ void Estimator::State::setup() {
 
     // Voltages: the design's, else the static sheet's default, else the first block's default.
     voltage.resize(rails.size(), std::nan(""));
-    std::vector<bool> given(rails.size(), false);
-    for (auto const& entry : design.rails) given[railIndex[entry.first]] = true;
+    std::vector<std::string> why(rails.size());  // a default that could not be evaluated
     auto adoptDefaults = [&](BlockState& block) {
         for (auto const& [cell, railName] : block.sheet->design().voltageInputs) {
             std::size_t const r = railIndex[railName];
             if (!std::isnan(voltage[r])) continue;
+            std::string value;
+            try {
+                value = block.instance->evaluate(cell);
+            } catch (PRSMException const& e) {
+                why[r] = " (block \"" + block.spec->name + "\": " + e.what() + ")";
+                continue;
+            } catch (std::exception const& e) {
+                why[r] = " (block \"" + block.spec->name + "\": " + e.what() + ")";
+                continue;
+            }
             // The sheet's float default, to the 7 digits a float holds (0.8, not 0.800000012).
             char text[32];
-            std::snprintf(text, sizeof text, "%.7g",
-                          std::strtod(block.instance->evaluate(cell).c_str(), nullptr));
+            std::snprintf(text, sizeof text, "%.7g", std::strtod(value.c_str(), nullptr));
             voltage[r] = std::strtod(text, nullptr);
         }
     };
@@ -258,9 +266,9 @@ void Estimator::State::setup() {
     for (BlockState& block : blocks) adoptDefaults(block);
     for (std::size_t r = 0; r < rails.size(); ++r)
         if (std::isnan(voltage[r]))
-            throw DesignError(
-                design.source + ": /rails: rail " + rails[r] +
-                " is in use but has no voltage and no sheet gives a default: set it under /rails");
+            throw DesignError(design.source + ": /rails: rail " + rails[r] +
+                              " is in use but has no voltage and no sheet gives a default" + why[r] +
+                              ": set it under /rails");
     auto writeVoltages = [&](BlockState& block) {
         for (auto const& [cell, railName] : block.sheet->design().voltageInputs)
             block.instance->setNumber(cellIndex(*block.sheet, cell), voltage[railIndex[railName]]);

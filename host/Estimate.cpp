@@ -1,4 +1,5 @@
 #include <prsm/design/ReportFormat.h>
+#include <prsm/framework/PRSMException.h>
 #include <prsm/host/Estimate.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/TextTable.h>
@@ -85,6 +86,10 @@ int runEstimate(Request const& request, std::string const& dataHint, std::ostrea
         report = design::estimateFile(request.designFile);
     } catch (design::DesignError const& e) {
         throw HostError(kExitBadInput, e.what());
+    } catch (PRSMException const& e) {
+        throw HostError(kExitDataFailure, e.what());
+    } catch (std::exception const& e) {
+        throw HostError(kExitDataFailure, e.what());
     }
     for (design::Warning const& w : report.warnings) {
         err << "prsm: warning: ";
