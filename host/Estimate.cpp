@@ -1,3 +1,4 @@
+#include <prsm/design/Rails.h>
 #include <prsm/design/ReportFormat.h>
 #include <prsm/framework/PRSMException.h>
 #include <prsm/host/Estimate.h>
@@ -60,7 +61,7 @@ std::string renderEstimateTable(design::Report const& report) {
 
     std::vector<TextRow> regions;
     for (design::RegionResult const& r : report.regions)
-        regions.push_back({r.region, fixed(r.dynamicPower, 4), fixed(r.staticPower, 4),
+        regions.push_back({design::regionTitle(r.region), fixed(r.dynamicPower, 4), fixed(r.staticPower, 4),
                            fixed(r.dynamicPower + r.staticPower, 4)});
     text << "\n" << formatTable({"region", "dynamic (W)", "static (W)", "total (W)"}, regions);
 
