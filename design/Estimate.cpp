@@ -108,7 +108,7 @@ struct Estimator::State {
         std::size_t aggregate = kNone;  // its rail, region and tag in `cells`
     };
     struct BlockState {
-        Block const* spec;
+        Block const* given;  // the block as the design file gives it
         Sheet const* sheet;
         std::unique_ptr<SheetInstance> instance;
         std::size_t region = kNone;
@@ -176,11 +176,11 @@ void Estimator::State::prepareBlock(BlockState& block) {
     block.region = regionIndex(declared.region);
     for (auto const& [cell, field] : declared.deviceInputs)
         if (std::string const* value = design.device.find(field)) block.instance->set(cell, *value);
-    for (Input const& input : block.spec->inputs) {
+    for (Input const& input : block.given->inputs) {
         try {
             block.instance->set(input.cell, input.text);
         } catch (std::invalid_argument const& e) {
-            throw DesignError(design.source + ": " + input.pointer + ": block \"" + block.spec->name +
+            throw DesignError(design.source + ": " + input.pointer + ": block \"" + block.given->name +
                               "\": " + what(e));
         }
     }
@@ -205,14 +205,14 @@ void Estimator::State::setup() {
     for (auto const& [name, value] : design.rails)
         voltage.resize(rail(name) + 1), voltage[rail(name)] = value;
     blocks.reserve(design.blocks.size());
-    for (Block const& spec : design.blocks) {
+    for (Block const& entry : design.blocks) {
         BlockState block;
-        block.spec = &spec;
-        block.sheet = SheetRegistry::instance().find(spec.model);
+        block.given = &entry;
+        block.sheet = SheetRegistry::instance().find(entry.model);
         if (block.sheet == nullptr)
-            throw DesignError(design.source + ": " + spec.pointer + ": unknown model " + spec.model);
+            throw DesignError(design.source + ": " + entry.pointer + ": unknown model " + entry.model);
         prepareBlock(block);
-        blockIndex[spec.name] = blocks.size();
+        blockIndex[entry.name] = blocks.size();
         blocks.push_back(std::move(block));
     }
     for (Load const& load : design.loads) {
@@ -225,7 +225,7 @@ void Estimator::State::setup() {
     }
     if (design.staticSheet) {
         statics = std::make_unique<BlockState>();
-        statics->spec = &*design.staticSheet;
+        statics->given = &*design.staticSheet;
         statics->sheet = SheetRegistry::instance().find(design.staticSheet->model);
         if (statics->sheet == nullptr)
             throw DesignError(design.source + ": /static/model: unknown model " + design.staticSheet->model);
@@ -250,10 +250,10 @@ void Estimator::State::setup() {
             try {
                 value = block.instance->evaluate(cell);
             } catch (PRSMException const& e) {
-                why[r] = " (block \"" + block.spec->name + "\": " + e.what() + ")";
+                why[r] = " (block \"" + block.given->name + "\": " + e.what() + ")";
                 continue;
             } catch (std::exception const& e) {
-                why[r] = " (block \"" + block.spec->name + "\": " + e.what() + ")";
+                why[r] = " (block \"" + block.given->name + "\": " + e.what() + ")";
                 continue;
             }
             // The sheet's float default, to the 7 digits a float holds (0.8, not 0.800000012).
@@ -330,12 +330,12 @@ void Estimator::State::checkValidity(BlockState& block) {
             if (block.instance->isValid(cell.name) != 0) continue;
             std::string message = "value " + block.instance->evaluate(cell.name) + " is not valid";
             if (!cell.rule.empty()) message += " (" + cell.rule + ")";
-            block.warnings.push_back({block.spec->name, cell.name, message});
+            block.warnings.push_back({block.given->name, cell.name, message});
         }
     } catch (PRSMException const& e) {
-        block.warnings.push_back({block.spec->name, "", std::string("validity not checked: ") + e.what()});
+        block.warnings.push_back({block.given->name, "", std::string("validity not checked: ") + e.what()});
     } catch (std::exception const& e) {
-        block.warnings.push_back({block.spec->name, "", std::string("validity not checked: ") + e.what()});
+        block.warnings.push_back({block.given->name, "", std::string("validity not checked: ") + e.what()});
     }
 }
 
@@ -363,16 +363,16 @@ std::size_t Estimator::State::cellOf(std::size_t r, std::size_t region, std::siz
 
 // A block's line of the report; refreshed only when the block was calculated again.
 void Estimator::State::describe(BlockState const& block, BlockResult& result) const {
-    result.name = block.spec->name;
-    result.model = block.spec->model;
+    result.name = block.given->name;
+    result.model = block.given->model;
     result.region = block.sheet->design().region;
-    result.count = block.spec->count;
+    result.count = block.given->count;
     result.error = block.error;
     result.power = 0;
     result.rails.clear();
     if (!block.error.empty()) return;
     for (std::size_t i = 0; i < block.outputs.size(); ++i) {
-        double const power = block.power[i] * block.spec->count;
+        double const power = block.power[i] * block.given->count;
         result.power += power;
         std::string const& railName = rails[block.outputs[i].rail];
         bool merged = false;
@@ -412,11 +412,11 @@ void Estimator::State::build() {
         block.changed = false;
         if (!block.error.empty()) {
             out.complete = false;
-            out.failures.push_back("block \"" + block.spec->name + "\" (" + block.spec->model +
+            out.failures.push_back("block \"" + block.given->name + "\" (" + block.given->model +
                                    "): " + block.error);
         } else {
             for (std::size_t i = 0; i < block.outputs.size(); ++i)
-                add(block.outputs[i].aggregate, block.power[i] * block.spec->count);
+                add(block.outputs[i].aggregate, block.power[i] * block.given->count);
         }
         if (!block.warnings.empty())
             out.warnings.insert(out.warnings.end(), block.warnings.begin(), block.warnings.end());
@@ -444,7 +444,7 @@ void Estimator::State::build() {
     out.thermal.ambient = design.thermal.ambient;
     out.thermal.thetaJa = design.thermal.thetaJa;
     if (statics) {
-        out.staticModel = statics->spec->model;
+        out.staticModel = statics->given->model;
         for (Feed const& feed : feeds) {
             double sum = 0;
             for (Cell const& c : cells) {
@@ -517,7 +517,7 @@ void Estimator::State::build() {
         if (!staticOk) {
             out.complete = false;
             out.failures.push_back(
-                "static sheet (" + statics->spec->model + "): " +
+                "static sheet (" + statics->given->model + "): " +
                 (statics->error.empty() ? std::string("the static power is not a number") : statics->error));
         } else {
             for (std::size_t r = 0; r < rails.size(); ++r)
@@ -603,7 +603,7 @@ void Estimator::setInput(std::string const& block, std::string const& cell, std:
     if (target == nullptr) throw DesignError("no block \"" + block + "\" in " + s.design.source);
     CellInfo const* info = target->sheet->findCell(cell);
     if (info == nullptr || info->category != CellCategory::UserInput)
-        throw DesignError("block \"" + block + "\": " + cell + " is not an input of " + target->spec->model);
+        throw DesignError("block \"" + block + "\": " + cell + " is not an input of " + target->given->model);
     if (std::string const owner = designOwned(target->sheet->design(), cell); !owner.empty())
         throw DesignError("block \"" + block + "\": cell " + cell + " is " + owner);
     try {
