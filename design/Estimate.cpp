@@ -83,6 +83,21 @@ std::string internalPart(std::string const& part) {
     return {};
 }
 
+// The catalogue's nominal voltage of a rail (PARAM_VARS_FLOAT.VOLTAGE.<RAIL>_NOMINAL), NaN if none.
+double nominalVoltage(std::string const& rail) {
+    try {
+        float const v =
+            PRSMCommonParamControlData::getGlobal().getParamVarsFloatOrError("VOLTAGE", rail + "_NOMINAL");
+        if (v != prsm::kFloatNotSet) {
+            char text[32];
+            std::snprintf(text, sizeof text, "%.7g", static_cast<double>(v));
+            return std::strtod(text, nullptr);
+        }
+    } catch (...) {  // no catalogue
+    }
+    return std::nan("");
+}
+
 // The highest junction temperature the device catalogue allows (THERMAL.MAX_JUNCTION_TEMP), 0 if none.
 double maxJunctionTemperature() {
     try {
@@ -265,10 +280,13 @@ void Estimator::State::setup() {
     if (statics) adoptDefaults(*statics);
     for (BlockState& block : blocks) adoptDefaults(block);
     for (std::size_t r = 0; r < rails.size(); ++r)
+        if (std::isnan(voltage[r])) voltage[r] = nominalVoltage(rails[r]);
+    for (std::size_t r = 0; r < rails.size(); ++r)
         if (std::isnan(voltage[r]))
-            throw DesignError(design.source + ": /rails: rail " + rails[r] +
-                              " is in use but has no voltage and no sheet gives a default" + why[r] +
-                              ": set it under /rails");
+            throw DesignError(
+                design.source + ": /rails: rail " + rails[r] +
+                " is in use but has no voltage, no sheet gives a default and the catalogue no nominal" +
+                why[r] + ": set it under /rails");
     auto writeVoltages = [&](BlockState& block) {
         for (auto const& [cell, railName] : block.sheet->design().voltageInputs)
             block.instance->setNumber(cellIndex(*block.sheet, cell), voltage[railIndex[railName]]);
