@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
 #include <set>
 #include <stdexcept>
 #include <string_view>
@@ -52,12 +53,13 @@ public:
                                                     std::string const& value);
 
     GeneratedSheet(std::string name, std::string description, std::vector<CellInfo> cells,
-                   ValidValues validValues, RowsLacking rowsLacking = nullptr)
+                   ValidValues validValues, RowsLacking rowsLacking = nullptr, SheetDesign design = {})
         : m_name(std::move(name)),
           m_description(std::move(description)),
           m_cells(std::move(cells)),
           m_validValues(validValues),
-          m_rowsLacking(rowsLacking) {
+          m_rowsLacking(rowsLacking),
+          m_design(std::move(design)) {
         SheetRegistry::instance().add(*this);
     }
 
@@ -65,8 +67,29 @@ public:
     std::string const& description() const override { return m_description; }
     std::vector<CellInfo> const& cells() const override { return m_cells; }
     std::unique_ptr<SheetInstance> create() const override { return std::make_unique<Instance>(*this); }
+    SheetDesign const& design() const override { return m_design; }
 
 private:
+    // A cell's enumerator, by its position in m_cells; resolved once, on first typed access.
+    struct Slot {
+        CellType type;
+        int index;
+    };
+    std::vector<Slot> const& slots() const {
+        std::call_once(m_slotsOnce, [this] {
+            m_slots.reserve(m_cells.size());
+            for (CellInfo const& cell : m_cells) {
+                int index = 0;
+                if (cell.type == CellType::Int)
+                    index = static_cast<int>(Params::string_to_int_enum(cell.name));
+                else if (cell.type == CellType::Float)
+                    index = static_cast<int>(Params::string_to_float_enum(cell.name));
+                m_slots.push_back({cell.type, index});
+            }
+        });
+        return m_slots;
+    }
+
     class Instance final : public SheetInstance {
     public:
         explicit Instance(GeneratedSheet const& sheet) : m_sheet(sheet) {}
@@ -125,6 +148,22 @@ private:
             return m_sheet.m_rowsLacking(Data::getGlobal(), input, m_params[s]);
         }
 
+        double storedNumber(std::size_t cell) const override {
+            Slot const slot = m_sheet.slots().at(cell);
+            if (slot.type == CellType::Int)
+                return m_params[static_cast<typename Params::IntEnum>(slot.index)];
+            if (slot.type == CellType::Float)
+                return m_params[static_cast<typename Params::FloatEnum>(slot.index)];
+            return 0.0;
+        }
+        void setNumber(std::size_t cell, double value) override {
+            Slot const slot = m_sheet.slots().at(cell);
+            if (slot.type == CellType::Int)
+                m_params[static_cast<typename Params::IntEnum>(slot.index)] = static_cast<int>(value);
+            else if (slot.type == CellType::Float)
+                m_params[static_cast<typename Params::FloatEnum>(slot.index)] = static_cast<float>(value);
+        }
+
     private:
         GeneratedSheet const& m_sheet;
         Params m_params;
@@ -135,6 +174,9 @@ private:
     std::vector<CellInfo> m_cells;
     ValidValues m_validValues;
     RowsLacking m_rowsLacking;
+    SheetDesign m_design;
+    mutable std::once_flag m_slotsOnce;
+    mutable std::vector<Slot> m_slots;
 };
 
 }  // namespace prsm

@@ -34,6 +34,11 @@ CellInfo const* Sheet::findCell(std::string const& name) const {
     return nullptr;
 }
 
+SheetDesign const& Sheet::design() const {
+    static SheetDesign const none;
+    return none;
+}
+
 SheetRegistry& SheetRegistry::instance() {
     static SheetRegistry registry;
     return registry;

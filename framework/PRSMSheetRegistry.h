@@ -3,6 +3,9 @@
 // type-erased interface: the command-line host, the sweeping tests and the benchmarks drive any sheet
 // by name through it without knowing its classes.
 
+#include <prsm/framework/PRSMSheetDesign.h>
+
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -56,6 +59,12 @@ public:
     // For a string input that selects rows of the sheet's tables: the tables without a row for the
     // value it holds (none while it holds no value). Loads the data on first use.
     virtual std::vector<MissingRow> tablesWithoutRow(std::string const& /*input*/) { return {}; }
+
+    // Typed access by a cell's position in Sheet::cells(), without a name lookup or text: for hosts that
+    // drive many instances. `storedNumber` is the stored value of an int or float cell (sentinels
+    // included, 0 for a string cell); `setNumber` writes an int (truncated) or float cell.
+    virtual double storedNumber(std::size_t cell) const = 0;
+    virtual void setNumber(std::size_t cell, double value) = 0;
 };
 
 class Sheet {
@@ -65,6 +74,8 @@ public:
     virtual std::string const& description() const = 0;
     virtual std::vector<CellInfo> const& cells() const = 0;
     virtual std::unique_ptr<SheetInstance> create() const = 0;
+    // The sheet's declarations for whole-design estimates; empty when the table declares none.
+    virtual SheetDesign const& design() const;
 
     CellInfo const* findCell(std::string const& name) const;
 };

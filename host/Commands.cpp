@@ -1,6 +1,7 @@
 #include <prsm/host/Calculation.h>
 #include <prsm/host/CellListing.h>
 #include <prsm/host/Commands.h>
+#include <prsm/host/Estimate.h>
 #include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Inputs.h>
@@ -72,6 +73,7 @@ int runCalc(Request const& request, std::ostream& out, std::ostream& err) {
     if (!request.outputs.empty()) keepMatchingOutputs(result, request.outputs);
     switch (request.format) {
         case OutputFormat::Table:
+        case OutputFormat::Csv:  // `calc` offers no CSV
             out << renderCalcTable(result);
             break;
         case OutputFormat::Json:
@@ -120,6 +122,9 @@ int runRequest(Request const& request, DataDirChoice const& dataDir, std::ostrea
                 break;
             case Command::Sweep:
                 code = runSweepRequest(request, out, err);
+                break;
+            case Command::Estimate:
+                code = runEstimate(request, describeDataDir(dataDir), out, err);
                 break;
         }
     } catch (HostError const& e) {

@@ -46,6 +46,14 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
 
     CLI::App* sweep = addSweepSubcommand(app, request);
 
+    CLI::App* estimate = app.add_subcommand(
+        "estimate", "Estimate a whole design: every block on its rails, leakage at the junction temperature");
+    estimate->add_option("design", request.designFile, "Design file (JSON, see docs/design-files.md)")
+        ->required();
+    CLI::Option* estimateJson = estimate->add_flag("--json", "Print the report as JSON");
+    CLI::Option* estimateCsv = estimate->add_flag("--csv", "Print the report as CSV, one quantity per line");
+    estimateJson->excludes(estimateCsv);
+
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const& e) {
@@ -61,6 +69,11 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
         request.command = Command::Calc;
         if (*json) request.format = OutputFormat::Json;
         if (*reflect) request.format = OutputFormat::Reflect;
+    }
+    if (estimate->parsed()) {
+        request.command = Command::Estimate;
+        if (*estimateJson) request.format = OutputFormat::Json;
+        if (*estimateCsv) request.format = OutputFormat::Csv;
     }
     return {request, kExitOk};
 }

@@ -8,8 +8,8 @@
 
 namespace prsm::host {
 
-enum class Command { Models, Cells, Calc, Presets, Sweep };
-enum class OutputFormat { Table, Json, Reflect };
+enum class Command { Models, Cells, Calc, Presets, Sweep, Estimate };
+enum class OutputFormat { Table, Json, Reflect, Csv };
 
 // `sweep`: which outputs, the output format and the picture.
 struct SweepSettings {
@@ -26,6 +26,7 @@ struct Request {
     std::vector<std::string> assignments;  // NAME=VALUE, in command-line order
     std::string inputFile;                 // a JSON object of NAME: value; empty when none
     std::string preset;  // `calc --preset`: a preset of the model, or "list"; empty when none
+    std::string designFile;  // `estimate`: the design file
     OutputFormat format = OutputFormat::Table;
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
     std::string outputs;   // `calc`: show only the outputs whose name matches this glob; empty for all

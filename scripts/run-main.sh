@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The main job: build the library and the prsm host, then estimate a logic design on the shipped data.
+# The main job: build the library and the prsm host, then estimate the example accelerator design.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
@@ -7,4 +7,4 @@ cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DPRSM_BUILD_TESTS=OFF -DPRSM_BUI
 cmake --build build -j"$(nproc)" >/dev/null
 build/host/prsm models
 echo
-build/host/prsm calc TalvexCleLogic INSTANCE_TYPE=LUT_LOGIC INSTANCE_COUNT=100000 CLOCK_FREQ=200 "$@"
+build/host/prsm estimate examples/accelerator.json "$@"

@@ -1,6 +1,7 @@
 """Emits a sheet's model class: getters, memoised cells, validity, dispatch tables, calculate and the
 registration that makes the sheet reachable by name. Formulas stay hand-written."""
 
+import design_decl
 from emit_params import HEADER_NOTE
 from sheet import CPP_TYPE, NOT_SET, TYPES, Cell, Family, Sheet, SheetError, camel, cpp_literal
 
@@ -511,7 +512,7 @@ std::vector<prsm::MissingRow> rowsLacking({cls}::Data const& data, std::string c
 }}
 
 prsm::GeneratedSheet<{cls}> const registration("{sheet.stem}", "{esc_desc}", cellInfos(), &validValuesByName,
-                                                &rowsLacking);
+                                                &rowsLacking, {design_decl.initializer(sheet.design)});
 
 }}  // namespace
 """)

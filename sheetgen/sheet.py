@@ -212,6 +212,7 @@ class Sheet:
     formulas: dict[str, "Delegate"] = field(default_factory=dict)  # pattern or cell -> shared formula
     formula_header: str | None = None
     methods: list[str] = field(default_factory=list)  # "type name": hand-written public members
+    design: object = None  # design_decl.DesignDecl: rails, region and static-sheet declarations
 
     @property
     def prefix(self) -> str:
@@ -421,9 +422,12 @@ def load(path: Path, source_root: Path) -> Sheet:
         if not re.fullmatch(r"(int|float|std::string|bool) [a-z]\w*", method):
             raise SheetError(f"sheet.methods: {method!r} is not 'type name'")
     subdir = path.parent.resolve().relative_to(source_root.resolve()).as_posix()
-    return Sheet(path.stem, subdir, meta.get("description", ""), meta.get("data_file"), has_model,
-                 cells, by_name, inputs, constants, families, tables, load_order, calculate, formulas,
-                 meta.get("formula_header"), methods)
+    sheet = Sheet(path.stem, subdir, meta.get("description", ""), meta.get("data_file"), has_model,
+                  cells, by_name, inputs, constants, families, tables, load_order, calculate, formulas,
+                  meta.get("formula_header"), methods)
+    import design_decl  # the whole-design declarations check against the cells above
+    sheet.design = design_decl.load(doc, sheet)
+    return sheet
 
 
 def _read_input(inp: Input, entry: dict, tables: list[Table]) -> None:

@@ -1,0 +1,84 @@
+// Whole-design estimates: a 1,000-block design re-estimated in full, and re-estimated after one block's
+// input changes (that block and the static sheet only). Run from the build tree:
+//   build-bench/bench/prsm_design_bench [Google Benchmark options]
+// The designs use the shipped sheets; the device's static-power sheet joins them when the library
+// registers one (a sheet whose table declares a junction-temperature input).
+#include <prsm/design/Estimate.h>
+#include <prsm/framework/PRSMSheetRegistry.h>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+using namespace prsm::design;
+
+char const* const kLogicTypes[] = {"LUT_LOGIC", "LUT_DRAM", "LUT_SRL", "REG_FF", "OFMUX", "LOOKAHEAD8"};
+
+std::string staticSheetJson() {
+    for (prsm::Sheet const* sheet : prsm::SheetRegistry::instance().sheets())
+        if (sheet->design().isStatic()) return R"("static": {"model": ")" + sheet->name() + R"("},)";
+    return "";
+}
+
+// 1,000 blocks: all logic, or a mix of logic, clock managers, network-on-chip paths and AI-engine arrays.
+std::string designJson(bool mixed) {
+    std::string text = R"({"schema_version": 1, "device": {"part": "ZQVC1902"},
+        "thermal": {"ambient_temperature": 40, "theta_ja": 1.3}, "rails": {"VCCINT": 0.8}, )" +
+                       staticSheetJson() + R"("blocks": [)";
+    for (int i = 0; i < 1000; ++i) {
+        char block[320];
+        int const kind = mixed ? i % 10 : 0;
+        if (kind < 7)
+            std::snprintf(block, sizeof block,
+                          R"({"name": "b%d", "model": "TalvexCleLogic", "inputs": {"INSTANCE_TYPE": "%s",
+                          "INSTANCE_COUNT": %d, "CLOCK_FREQ": %d}})",
+                          i, kLogicTypes[i % 6], 100 + 37 * i, 150 + i % 300);
+        else if (kind == 7)
+            std::snprintf(block, sizeof block, R"({"name": "b%d", "model": "TalvexMmcm"})", i);
+        else if (kind == 8)
+            std::snprintf(block, sizeof block,
+                          R"({"name": "b%d", "model": "TalvexNoc", "inputs": {"BANDWITH_READ": %d}})", i,
+                          100 + i);
+        else
+            std::snprintf(
+                block, sizeof block,
+                R"({"name": "b%d", "model": "TalvexAie", "inputs": {"AIE_CORES": 8, "CORE_LOAD": 0.5}})", i);
+        text += (i ? "," : "") + std::string(block);
+    }
+    return text + "]}";
+}
+
+void full(benchmark::State& state, bool mixed) {
+    Estimator estimator(parseDesign(designJson(mixed), "bench.json"));
+    if (!estimator.estimate().complete) state.SkipWithError("the bench design does not estimate");
+    for (auto _ : state) benchmark::DoNotOptimize(estimator.estimate().totalPower);
+}
+
+void oneBlock(benchmark::State& state, bool mixed) {
+    Estimator estimator(parseDesign(designJson(mixed), "bench.json"));
+    if (!estimator.estimate().complete) state.SkipWithError("the bench design does not estimate");
+    bool flip = false;
+    for (auto _ : state) {
+        estimator.setInput("b500", "CLOCK_FREQ", (flip = !flip) ? "250" : "300");
+        benchmark::DoNotOptimize(estimator.update().totalPower);
+    }
+}
+
+BENCHMARK_CAPTURE(full, logic_1000, false)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(full, mixed_1000, true)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(oneBlock, logic_1000, false)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(oneBlock, mixed_1000, true)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (std::getenv("QDI_DATADIR") == nullptr) setenv("QDI_DATADIR", PRSM_BENCH_SOURCE_DATADIR, 1);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

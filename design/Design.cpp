@@ -1,0 +1,427 @@
+#include <prsm/design/Design.h>
+#include <prsm/design/Rails.h>
+#include <prsm/framework/PRSMSheetRegistry.h>
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+namespace prsm::design {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+char const* const kDeviceFields[] = {
+    "part",          "internal_part", "package", "speed_grade", "temperature_grade",
+    "voltage_grade", "power_screen",  "process"};
+char const* const kRegions[] = {"logic", "io", "gt", "ps_pmc", "noc", "aie", "hbm"};
+
+std::string escapePointer(std::string const& token) {
+    std::string out;
+    for (char c : token) {
+        if (c == '~')
+            out += "~0";
+        else if (c == '/')
+            out += "~1";
+        else
+            out += c;
+    }
+    return out;
+}
+
+std::string typeName(Json const& value) {
+    if (value.is_number_integer()) return "an integer";
+    if (value.is_number()) return "a number";
+    return std::string(value.is_string() ? "a string" : value.is_boolean() ? "a boolean" : value.type_name());
+}
+
+std::string formatNumber(double value) {
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%.17g", value);
+    return buffer;
+}
+
+// Collects every problem of a file, one line each, before refusing it.
+class Checker {
+public:
+    explicit Checker(std::string source) : m_source(std::move(source)) {}
+
+    void fail(std::string const& pointer, std::string const& message) {
+        m_problems << m_source << ": " << (pointer.empty() ? "/" : pointer) << ": " << message << "\n";
+        m_failed = true;
+    }
+    void finish() const {
+        if (m_failed) {
+            std::string text = m_problems.str();
+            text.pop_back();
+            throw DesignError(text);
+        }
+    }
+
+    // The member as an object, or null after reporting why not.
+    Json const* object(Json const& parent, char const* key, std::string const& pointer, bool required) {
+        auto const it = parent.find(key);
+        if (it == parent.end()) {
+            if (required) fail(pointer, std::string("missing \"") + key + "\"");
+            return nullptr;
+        }
+        if (!it->is_object()) {
+            fail(pointer + "/" + key, "an object expected, found " + typeName(*it));
+            return nullptr;
+        }
+        return &*it;
+    }
+    std::optional<double> number(Json const& value, std::string const& pointer) {
+        if (!value.is_number()) {
+            fail(pointer, "a number expected, found " + typeName(value));
+            return std::nullopt;
+        }
+        double const x = value.get<double>();
+        if (!std::isfinite(x)) {
+            fail(pointer, "a finite number expected");
+            return std::nullopt;
+        }
+        return x;
+    }
+    std::optional<std::string> string(Json const& value, std::string const& pointer) {
+        if (!value.is_string()) {
+            fail(pointer, "a string expected, found " + typeName(value));
+            return std::nullopt;
+        }
+        return value.get<std::string>();
+    }
+    void onlyKeys(Json const& object, std::string const& pointer, std::set<std::string> const& known) {
+        for (auto const& [key, value] : object.items()) {
+            (void)value;
+            if (known.count(key) == 0) {
+                std::string list;
+                for (std::string const& k : known) list += (list.empty() ? "" : ", ") + k;
+                fail(pointer + "/" + escapePointer(key), "unknown key \"" + key + "\"; known: " + list);
+            }
+        }
+    }
+
+private:
+    std::string m_source;
+    std::ostringstream m_problems;
+    bool m_failed = false;
+};
+
+// The closest of `names` to a misspelt one, as " (did you mean X?)", or "" when none is close.
+std::string closest(std::string const& wrong, std::vector<std::string> const& names) {
+    std::string best;
+    std::size_t bestDistance = std::max<std::size_t>(2, wrong.size() / 4) + 1;
+    for (std::string const& name : names) {
+        std::vector<std::size_t> row(name.size() + 1);
+        for (std::size_t j = 0; j <= name.size(); ++j) row[j] = j;
+        for (std::size_t i = 1; i <= wrong.size(); ++i) {
+            std::size_t diagonal = row[0];
+            row[0] = i;
+            for (std::size_t j = 1; j <= name.size(); ++j) {
+                std::size_t const above = row[j];
+                bool const same = std::toupper(static_cast<unsigned char>(wrong[i - 1])) ==
+                                  std::toupper(static_cast<unsigned char>(name[j - 1]));
+                row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (same ? 0 : 1)});
+                diagonal = above;
+            }
+        }
+        if (row[name.size()] < bestDistance) bestDistance = row[name.size()], best = name;
+    }
+    return best.empty() ? std::string() : " (did you mean " + best + "?)";
+}
+
+std::vector<std::string> modelNames() {
+    std::vector<std::string> names;
+    for (Sheet const* sheet : SheetRegistry::instance().sheets()) names.push_back(sheet->name());
+    return names;
+}
+
+std::vector<std::string> inputNames(Sheet const& sheet) {
+    std::vector<std::string> names;
+    for (CellInfo const& cell : sheet.cells())
+        if (cell.category == CellCategory::UserInput) names.push_back(cell.name);
+    return names;
+}
+
+bool knownRegion(std::string const& region) {
+    for (char const* r : kRegions)
+        if (region == r) return true;
+    return false;
+}
+
+}  // namespace
+
+std::string designOwned(SheetDesign const& design, std::string const& cell) {
+    for (auto const& [input, rail] : design.voltageInputs)
+        if (input == cell) return "the voltage of rail " + rail + ": set it once under /rails";
+    for (auto const& [input, field] : design.deviceInputs)
+        if (input == cell) return "taken from /device/" + field;
+    if (cell == design.temperatureInput) return "the junction temperature: set it under /thermal";
+    for (auto const& [input, selector] : design.feeds)
+        if (input == cell) return "summed from the design's dynamic power (" + selector + ")";
+    return {};
+}
+
+namespace {
+
+Block readBlock(Checker& check, Json const& json, std::string const& pointer, bool isStatic) {
+    Block block;
+    block.pointer = pointer;
+    if (!json.is_object()) {
+        check.fail(pointer, "a block object expected, found " + typeName(json));
+        return block;
+    }
+    check.onlyKeys(json, pointer,
+                   isStatic ? std::set<std::string>{"model", "inputs"}
+                            : std::set<std::string>{"name", "model", "count", "inputs"});
+    if (!isStatic) {
+        if (auto it = json.find("name"); it == json.end())
+            check.fail(pointer, "missing \"name\"");
+        else if (auto name = check.string(*it, pointer + "/name")) {
+            if (name->empty()) check.fail(pointer + "/name", "a block name may not be empty");
+            block.name = *name;
+        }
+    } else {
+        block.name = "static";
+    }
+    std::string const who = "block \"" + block.name + "\"";
+    Sheet const* sheet = nullptr;
+    if (auto it = json.find("model"); it == json.end())
+        check.fail(pointer, who + ": missing \"model\"");
+    else if (auto model = check.string(*it, pointer + "/model")) {
+        block.model = *model;
+        sheet = SheetRegistry::instance().find(*model);
+        if (sheet == nullptr)
+            check.fail(pointer + "/model", who + ": unknown model " + *model + closest(*model, modelNames()) +
+                                               "; `prsm models` lists them");
+        else if (isStatic && !sheet->design().isStatic())
+            check.fail(pointer + "/model",
+                       who + ": " + *model + " does not declare itself a static-power sheet");
+        else if (!isStatic && sheet->design().isStatic())
+            check.fail(pointer + "/model",
+                       who + ": " + *model + " is the static-power sheet: name it under /static");
+    }
+    if (auto it = json.find("count"); it != json.end()) {
+        if (!it->is_number_integer() || it->get<long long>() < 0 || it->get<long long>() > 1000000000)
+            check.fail(pointer + "/count",
+                       who + ": the instance count is a whole number from 0, found " + it->dump());
+        else
+            block.count = it->get<int>();
+    }
+    Json const* inputs = check.object(json, "inputs", pointer, false);
+    if (inputs == nullptr) return block;
+    for (auto const& [cell, value] : inputs->items()) {
+        std::string const at = pointer + "/inputs/" + escapePointer(cell);
+        if (sheet == nullptr) continue;
+        CellInfo const* info = sheet->findCell(cell);
+        if (info == nullptr) {
+            check.fail(at,
+                       who + ": " + block.model + " has no cell " + cell + closest(cell, inputNames(*sheet)));
+            continue;
+        }
+        if (info->category != CellCategory::UserInput) {
+            check.fail(at, who + ": cell " + cell + " is an " + toString(info->category) + ", not an input");
+            continue;
+        }
+        if (std::string const owner = designOwned(sheet->design(), cell); !owner.empty()) {
+            check.fail(at, who + ": cell " + cell + " is " + owner);
+            continue;
+        }
+        std::string text;
+        switch (info->type) {
+            case CellType::String:
+                if (!value.is_string()) {
+                    check.fail(at, who + ": cell " + cell + " takes a string, found " + typeName(value));
+                    continue;
+                }
+                text = value.get<std::string>();
+                break;
+            case CellType::Int:
+                if (value.is_number_integer() && value.get<long long>() >= -2147483647LL &&
+                    value.get<long long>() <= 2147483647LL) {
+                    text = std::to_string(value.get<long long>());
+                } else {
+                    check.fail(at, who + ": cell " + cell + " takes a whole number, found " +
+                                       typeName(value) +
+                                       (value.is_number() ? " (" + value.dump() + ")" : ""));
+                    continue;
+                }
+                break;
+            case CellType::Float:
+                if (!value.is_number()) {
+                    check.fail(at, who + ": cell " + cell + " takes a number, found " + typeName(value));
+                    continue;
+                }
+                text = formatNumber(value.get<double>());
+                break;
+        }
+        block.inputs.push_back({cell, text, at});
+    }
+    return block;
+}
+
+}  // namespace
+
+std::string const* Device::find(std::string const& field) const {
+    for (auto const& entry : fields)
+        if (entry.first == field) return &entry.second;
+    return nullptr;
+}
+
+Design parseDesign(std::string const& text, std::string const& source) {
+    Checker check(source);
+    Json json;
+    try {
+        json = Json::parse(text);
+    } catch (Json::parse_error const& e) {
+        check.fail("", std::string("not valid JSON: ") + e.what());
+        check.finish();
+    }
+    Design design;
+    design.source = source;
+    if (!json.is_object()) {
+        check.fail("", "a design is a JSON object, found " + typeName(json));
+        check.finish();
+    }
+    check.onlyKeys(
+        json, "",
+        {"schema_version", "description", "device", "thermal", "rails", "static", "blocks", "loads"});
+
+    if (auto it = json.find("schema_version"); it == json.end())
+        check.fail("", "missing \"schema_version\" (this build reads version " +
+                           std::to_string(kSchemaVersion) + ")");
+    else if (!it->is_number_integer() || it->get<long long>() != kSchemaVersion)
+        check.fail("/schema_version", "version " + it->dump() + " is not one this build reads (" +
+                                          std::to_string(kSchemaVersion) + ")");
+
+    if (Json const* device = check.object(json, "device", "", true)) {
+        std::set<std::string> known(std::begin(kDeviceFields), std::end(kDeviceFields));
+        check.onlyKeys(*device, "/device", known);
+        for (char const* field : kDeviceFields)
+            if (auto it = device->find(field); it != device->end())
+                if (auto value = check.string(*it, std::string("/device/") + field))
+                    design.device.fields.emplace_back(field, *value);
+        if (device->find("part") == device->end()) check.fail("/device", "missing \"part\"");
+    }
+
+    if (Json const* thermal = check.object(json, "thermal", "", true)) {
+        check.onlyKeys(*thermal, "/thermal", {"junction_temperature", "ambient_temperature", "theta_ja"});
+        bool const hasJunction = thermal->contains("junction_temperature");
+        bool const hasAmbient = thermal->contains("ambient_temperature") || thermal->contains("theta_ja");
+        if (hasJunction && hasAmbient)
+            check.fail("/thermal", "give either junction_temperature, or ambient_temperature and theta_ja");
+        else if (hasJunction) {
+            design.thermal.junction =
+                check.number(thermal->at("junction_temperature"), "/thermal/junction_temperature");
+        } else if (thermal->contains("ambient_temperature") && thermal->contains("theta_ja")) {
+            if (auto ta = check.number(thermal->at("ambient_temperature"), "/thermal/ambient_temperature"))
+                design.thermal.ambient = *ta;
+            if (auto theta = check.number(thermal->at("theta_ja"), "/thermal/theta_ja")) {
+                if (*theta < 0) check.fail("/thermal/theta_ja", "a thermal resistance is not negative");
+                design.thermal.thetaJa = *theta;
+            }
+        } else {
+            check.fail("/thermal", "give either junction_temperature, or ambient_temperature and theta_ja");
+        }
+    }
+
+    if (Json const* rails = check.object(json, "rails", "", false)) {
+        for (auto const& [rail, value] : rails->items()) {
+            std::string const at = "/rails/" + escapePointer(rail);
+            if (!isKnownRail(rail)) {
+                check.fail(at, "unknown rail " + rail);
+                continue;
+            }
+            if (auto v = check.number(value, at)) {
+                if (*v < 0)
+                    check.fail(at, "rail " + rail + ": a voltage is not negative");
+                else
+                    design.rails.emplace_back(rail, *v);
+            }
+        }
+    }
+
+    if (auto it = json.find("static"); it != json.end())
+        design.staticSheet = readBlock(check, *it, "/static", true);
+
+    std::set<std::string> names;
+    if (auto it = json.find("blocks"); it == json.end() || !it->is_array()) {
+        check.fail(it == json.end() ? "" : "/blocks",
+                   it == json.end() ? "missing \"blocks\"" : "an array of blocks expected");
+    } else {
+        for (std::size_t i = 0; i < it->size(); ++i) {
+            std::string const pointer = "/blocks/" + std::to_string(i);
+            Block block = readBlock(check, (*it)[i], pointer, false);
+            if (!block.name.empty() && !names.insert(block.name).second)
+                check.fail(pointer + "/name",
+                           "block \"" + block.name + "\": the name is used by an earlier block");
+            design.blocks.push_back(std::move(block));
+        }
+    }
+
+    if (auto it = json.find("loads"); it != json.end()) {
+        if (!it->is_array()) check.fail("/loads", "an array of loads expected");
+        for (std::size_t i = 0; it->is_array() && i < it->size(); ++i) {
+            std::string const pointer = "/loads/" + std::to_string(i);
+            Json const& entry = (*it)[i];
+            if (!entry.is_object()) {
+                check.fail(pointer, "a load object expected, found " + typeName(entry));
+                continue;
+            }
+            check.onlyKeys(entry, pointer, {"name", "rail", "power", "current", "region", "tag"});
+            Load load;
+            load.pointer = pointer;
+            if (auto n = entry.find("name"); n != entry.end())
+                if (auto name = check.string(*n, pointer + "/name")) load.name = *name;
+            if (load.name.empty()) load.name = "load " + std::to_string(i);
+            if (!names.insert(load.name).second)
+                check.fail(pointer + "/name",
+                           "load \"" + load.name + "\": the name is used by an earlier block or load");
+            if (auto r = entry.find("rail"); r == entry.end())
+                check.fail(pointer, "load \"" + load.name + "\": missing \"rail\"");
+            else if (auto rail = check.string(*r, pointer + "/rail")) {
+                if (!isKnownRail(*rail))
+                    check.fail(pointer + "/rail", "load \"" + load.name + "\": unknown rail " + *rail);
+                load.rail = *rail;
+            }
+            bool const hasPower = entry.contains("power"), hasCurrent = entry.contains("current");
+            if (hasPower == hasCurrent)
+                check.fail(pointer, "load \"" + load.name + "\": give either power (W) or current (A)");
+            else if (hasPower) {
+                if (auto p = check.number(entry.at("power"), pointer + "/power")) load.power = *p;
+            } else if (auto c = check.number(entry.at("current"), pointer + "/current")) {
+                load.current = *c;
+            }
+            if (auto g = entry.find("region"); g == entry.end())
+                check.fail(pointer, "load \"" + load.name + "\": missing \"region\"");
+            else if (auto region = check.string(*g, pointer + "/region")) {
+                if (!knownRegion(*region))
+                    check.fail(pointer + "/region", "load \"" + load.name + "\": unknown region " + *region +
+                                                        "; one of logic, io, gt, ps_pmc, noc, aie, hbm");
+                load.region = *region;
+            }
+            if (auto t = entry.find("tag"); t != entry.end())
+                if (auto tag = check.string(*t, pointer + "/tag")) load.tag = *tag;
+            design.loads.push_back(std::move(load));
+        }
+    }
+    check.finish();
+    return design;
+}
+
+Design readDesignFile(std::string const& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw DesignError(path + ": cannot be read");
+    std::ostringstream text;
+    text << file.rdbuf();
+    return parseDesign(text.str(), path);
+}
+
+}  // namespace prsm::design

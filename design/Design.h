@@ -1,0 +1,82 @@
+#pragma once
+// A whole design as read from a design file: the device, the thermal conditions, the rail voltages,
+// the blocks (each a registered sheet with its inputs) and the extra loads of rails that no sheet
+// models. docs/design-files.md describes the file.
+
+#include <prsm/framework/PRSMSheetDesign.h>
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace prsm::design {
+
+// The file's layout version this build reads.
+constexpr int kSchemaVersion = 1;
+
+// A design that cannot be estimated. The message holds one line per problem, each naming the file,
+// the JSON pointer of the offending value and, where there is one, the block and the cell.
+class DesignError : public std::runtime_error {
+public:
+    explicit DesignError(std::string const& message) : std::runtime_error(message) {}
+};
+
+struct Device {
+    // Field name ("part", "package", "speed_grade", ...) -> value; see docs/design-files.md.
+    std::vector<std::pair<std::string, std::string>> fields;
+    std::string const* find(std::string const& field) const;
+};
+
+struct Thermal {
+    std::optional<double> junction;  // given: used as it is
+    double ambient = 25.0;           // otherwise solved from the ambient and theta_ja
+    double thetaJa = 0.0;
+};
+
+struct Input {
+    std::string cell;
+    std::string text;     // the value as the sheet's text (numbers in full precision)
+    std::string pointer;  // JSON pointer of the value in the file, for messages
+};
+
+struct Block {
+    std::string name;
+    std::string model;
+    int count = 1;
+    std::vector<Input> inputs;
+    std::string pointer;
+};
+
+struct Load {
+    std::string name;
+    std::string rail;
+    double power = 0.0;  // W; a load given as a current is converted with the rail's voltage
+    std::optional<double> current;
+    std::string region;
+    std::string tag;
+    std::string pointer;
+};
+
+struct Design {
+    std::string source;  // the file name, for messages
+    Device device;
+    Thermal thermal;
+    std::vector<std::pair<std::string, double>> rails;  // rail -> voltage in V
+    std::optional<Block> staticSheet;                   // the static-power sheet, when named
+    std::vector<Block> blocks;
+    std::vector<Load> loads;
+};
+
+// Why a block of a design may not set `cell` of a sheet with these declarations (a rail voltage, a
+// device field, the junction temperature or a fed input: the design sets those), or "" when it may.
+std::string designOwned(SheetDesign const& declared, std::string const& cell);
+
+// Reads and checks a design file against the registered sheets. Throws DesignError listing every
+// problem found; nothing is estimated from a design that fails.
+Design readDesignFile(std::string const& path);
+// The same from text; `source` names it in messages.
+Design parseDesign(std::string const& text, std::string const& source);
+
+}  // namespace prsm::design

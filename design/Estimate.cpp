@@ -1,0 +1,641 @@
+#include <prsm/design/Estimate.h>
+#include <prsm/design/Rails.h>
+#include <prsm/framework/PRSMCommonParamControlData.h>
+#include <prsm/framework/PRSMException.h>
+#include <prsm/framework/PRSMReservedValues.h>
+#include <prsm/framework/PRSMSheetRegistry.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <stdexcept>
+
+namespace prsm::design {
+
+namespace {
+
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+constexpr double kFloatNotSet = 3.4028234663852886e38;
+
+std::size_t cellIndex(Sheet const& sheet, std::string const& name) {
+    std::vector<CellInfo> const& cells = sheet.cells();
+    for (std::size_t i = 0; i < cells.size(); ++i)
+        if (cells[i].name == name) return i;
+    return kNone;
+}
+
+std::size_t regionIndex(std::string const& region) {
+    std::vector<std::string> const& names = regionNames();
+    for (std::size_t i = 0; i < names.size(); ++i)
+        if (names[i] == region) return i;
+    return kNone;
+}
+
+// One term of a feed selector: rail:A,B / region:r / tag:t, possibly negated.
+struct Term {
+    enum Key { Rail, Region, Tag } key;
+    bool negate = false;
+    std::vector<std::string> names;
+};
+
+std::vector<Term> parseSelector(std::string const& text) {
+    std::vector<Term> terms;
+    std::size_t pos = 0;
+    while (pos < text.size()) {
+        std::size_t const start = text.find_first_not_of(' ', pos);
+        if (start == std::string::npos) break;
+        std::size_t end = text.find(' ', start);
+        if (end == std::string::npos) end = text.size();
+        std::string word = text.substr(start, end - start);
+        pos = end;
+        Term term{Term::Rail, false, {}};
+        if (word[0] == '!') term.negate = true, word.erase(0, 1);
+        std::size_t const colon = word.find(':');
+        std::string const key = word.substr(0, colon);
+        term.key = key == "region" ? Term::Region : key == "tag" ? Term::Tag : Term::Rail;
+        for (std::size_t p = colon + 1; p <= word.size();) {
+            std::size_t comma = word.find(',', p);
+            if (comma == std::string::npos) comma = word.size();
+            term.names.push_back(word.substr(p, comma - p));
+            p = comma + 1;
+        }
+        terms.push_back(std::move(term));
+    }
+    return terms;
+}
+
+// The internal name of a part from the device catalogue (DEVICE.<family>.<part>), or "" when the
+// catalogue does not list it or cannot be read.
+std::string internalPart(std::string const& part) {
+    try {
+        PRSMCommonParamControlData const& catalogue = PRSMCommonParamControlData::getGlobal();
+        std::string name = catalogue.getDeviceAliasOrError(part);
+        if (name == prsm::kStringNotSet) name = part;
+        std::string const suffix = "." + name;
+        for (auto const& [key, value] : catalogue.m_Device)
+            if (key.size() > suffix.size() &&
+                key.compare(key.size() - suffix.size(), suffix.size(), suffix) == 0)
+                return value;
+    } catch (...) {  // no catalogue: the sheets keep their own default
+    }
+    return {};
+}
+
+// The catalogue's nominal voltage of a rail (PARAM_VARS_FLOAT.VOLTAGE.<RAIL>_NOMINAL), NaN if none.
+double nominalVoltage(std::string const& rail) {
+    try {
+        float const v =
+            PRSMCommonParamControlData::getGlobal().getParamVarsFloatOrError("VOLTAGE", rail + "_NOMINAL");
+        if (v != prsm::kFloatNotSet) {
+            char text[32];
+            std::snprintf(text, sizeof text, "%.7g", static_cast<double>(v));
+            return std::strtod(text, nullptr);
+        }
+    } catch (...) {  // no catalogue
+    }
+    return std::nan("");
+}
+
+// The highest junction temperature the device catalogue allows (THERMAL.MAX_JUNCTION_TEMP), 0 if none.
+double maxJunctionTemperature() {
+    try {
+        int const limit =
+            PRSMCommonParamControlData::getGlobal().getParamVarsIntOrError("THERMAL", "MAX_JUNCTION_TEMP");
+        return limit == prsm::kIntNotSet ? 0.0 : limit;
+    } catch (...) {
+        return 0.0;
+    }
+}
+
+std::string what(std::exception const& e) {
+    return e.what();
+}
+
+}  // namespace
+
+struct Estimator::State {
+    struct Output {
+        std::size_t cell;
+        std::size_t rail;
+        bool current;
+        std::size_t aggregate = kNone;  // its rail, region and tag in `cells`
+    };
+    struct BlockState {
+        Block const* given;  // the block as the design file gives it
+        Sheet const* sheet;
+        std::unique_ptr<SheetInstance> instance;
+        std::size_t region = kNone;
+        std::vector<Output> outputs;
+        std::vector<double> power;  // W per output, one instance
+        bool dirty = true;
+        bool changed = true;  // calculated since the report last described it
+        bool checkValidity = true;
+        std::string error;
+        std::vector<Warning> warnings;
+    };
+    // The dynamic power of one rail, region and tag, the unit that feeds select from.
+    struct Cell {
+        std::size_t rail, region, tag;
+        double power;
+    };
+    struct Feed {
+        std::size_t cell;
+        std::string name;
+        std::vector<Term> terms;
+    };
+
+    Design design;
+    std::vector<std::string> rails;
+    std::map<std::string, std::size_t> railIndex;
+    std::vector<double> voltage;
+    std::vector<std::string> tags{""};
+    std::vector<BlockState> blocks;
+    std::map<std::string, std::size_t> blockIndex;
+    std::vector<std::size_t> loadRail, loadRegion, loadTag, loadCell;
+    std::vector<Cell> cells;  // the dynamic power per rail, region and tag, summed by build()
+    std::vector<double> scratchRail, scratchRegion;
+    std::vector<Warning> deviceWarnings;
+
+    // The static sheet.
+    std::unique_ptr<BlockState> statics;
+    std::size_t temperatureCell = kNone, totalCell = kNone;
+    std::vector<std::size_t> staticCurrentCell;                         // per rail
+    std::vector<std::size_t> maxCurrentCell;                            // per rail
+    std::vector<std::pair<std::size_t, std::size_t>> staticRegionCell;  // region, cell
+    std::vector<Feed> feeds;
+
+    Report report;
+
+    std::size_t rail(std::string const& name) {
+        auto const [it, added] = railIndex.emplace(name, rails.size());
+        if (added) rails.push_back(name);
+        return it->second;
+    }
+
+    void setup();
+    void prepareBlock(BlockState& block);
+    void calculateBlock(BlockState& block);
+    void checkValidity(BlockState& block);
+    bool staticAt(double junction, double& staticPower);
+    std::size_t cellOf(std::size_t r, std::size_t region, std::size_t tag);
+    void describe(BlockState const& block, BlockResult& result) const;
+    void build();
+};
+
+void Estimator::State::prepareBlock(BlockState& block) {
+    Sheet const& sheet = *block.sheet;
+    SheetDesign const& declared = sheet.design();
+    block.instance = sheet.create();
+    block.region = regionIndex(declared.region);
+    for (auto const& [cell, field] : declared.deviceInputs)
+        if (std::string const* value = design.device.find(field)) block.instance->set(cell, *value);
+    for (Input const& input : block.given->inputs) {
+        try {
+            block.instance->set(input.cell, input.text);
+        } catch (std::invalid_argument const& e) {
+            throw DesignError(design.source + ": " + input.pointer + ": block \"" + block.given->name +
+                              "\": " + what(e));
+        }
+    }
+    for (auto const& [cell, railName] : declared.powerOutputs)
+        block.outputs.push_back({cellIndex(sheet, cell), rail(railName), false});
+    for (auto const& [cell, railName] : declared.currentOutputs)
+        block.outputs.push_back({cellIndex(sheet, cell), rail(railName), true});
+    for (auto const& entry : declared.voltageInputs) rail(entry.second);
+    block.power.assign(block.outputs.size(), 0.0);
+}
+
+void Estimator::State::setup() {
+    if (std::string const* part = design.device.find("part"); part && !design.device.find("internal_part")) {
+        std::string const name = *part;
+        if (std::string internal = internalPart(name); !internal.empty())
+            design.device.fields.emplace_back("internal_part", std::move(internal));
+        else
+            deviceWarnings.push_back(
+                {"", "/device/part",
+                 name + " is not in the device catalogue; sheets may fall back to defaults"});
+    }
+    for (auto const& [name, value] : design.rails)
+        voltage.resize(rail(name) + 1), voltage[rail(name)] = value;
+    blocks.reserve(design.blocks.size());
+    for (Block const& entry : design.blocks) {
+        BlockState block;
+        block.given = &entry;
+        block.sheet = SheetRegistry::instance().find(entry.model);
+        if (block.sheet == nullptr)
+            throw DesignError(design.source + ": " + entry.pointer + ": unknown model " + entry.model);
+        prepareBlock(block);
+        blockIndex[entry.name] = blocks.size();
+        blocks.push_back(std::move(block));
+    }
+    for (Load const& load : design.loads) {
+        loadRail.push_back(rail(load.rail));
+        loadRegion.push_back(regionIndex(load.region));
+        std::size_t tag = 0;
+        while (tag < tags.size() && tags[tag] != load.tag) ++tag;
+        if (tag == tags.size()) tags.push_back(load.tag);
+        loadTag.push_back(tag);
+    }
+    if (design.staticSheet) {
+        statics = std::make_unique<BlockState>();
+        statics->given = &*design.staticSheet;
+        statics->sheet = SheetRegistry::instance().find(design.staticSheet->model);
+        if (statics->sheet == nullptr)
+            throw DesignError(design.source + ": /static/model: unknown model " + design.staticSheet->model);
+        prepareBlock(*statics);
+        SheetDesign const& declared = statics->sheet->design();
+        temperatureCell = cellIndex(*statics->sheet, declared.temperatureInput);
+        if (!declared.staticTotal.empty()) totalCell = cellIndex(*statics->sheet, declared.staticTotal);
+        for (auto const& [region, cell] : declared.staticRegions)
+            staticRegionCell.emplace_back(regionIndex(region), cellIndex(*statics->sheet, cell));
+        for (auto const& [cell, selector] : declared.feeds)
+            feeds.push_back({cellIndex(*statics->sheet, cell), cell, parseSelector(selector)});
+    }
+
+    // Voltages: the design's, else the static sheet's default, else the first block's default.
+    voltage.resize(rails.size(), std::nan(""));
+    std::vector<std::string> why(rails.size());  // a default that could not be evaluated
+    auto adoptDefaults = [&](BlockState& block) {
+        for (auto const& [cell, railName] : block.sheet->design().voltageInputs) {
+            std::size_t const r = railIndex[railName];
+            if (!std::isnan(voltage[r])) continue;
+            std::string value;
+            try {
+                value = block.instance->evaluate(cell);
+            } catch (PRSMException const& e) {
+                why[r] = " (block \"" + block.given->name + "\": " + e.what() + ")";
+                continue;
+            } catch (std::exception const& e) {
+                why[r] = " (block \"" + block.given->name + "\": " + e.what() + ")";
+                continue;
+            }
+            // The sheet's float default, to the 7 digits a float holds (0.8, not 0.800000012).
+            char text[32];
+            std::snprintf(text, sizeof text, "%.7g", std::strtod(value.c_str(), nullptr));
+            voltage[r] = std::strtod(text, nullptr);
+        }
+    };
+    if (statics) adoptDefaults(*statics);
+    for (BlockState& block : blocks) adoptDefaults(block);
+    for (std::size_t r = 0; r < rails.size(); ++r)
+        if (std::isnan(voltage[r])) voltage[r] = nominalVoltage(rails[r]);
+    for (std::size_t r = 0; r < rails.size(); ++r)
+        if (std::isnan(voltage[r]))
+            throw DesignError(
+                design.source + ": /rails: rail " + rails[r] +
+                " is in use but has no voltage, no sheet gives a default and the catalogue no nominal" +
+                why[r] + ": set it under /rails");
+    auto writeVoltages = [&](BlockState& block) {
+        for (auto const& [cell, railName] : block.sheet->design().voltageInputs)
+            block.instance->setNumber(cellIndex(*block.sheet, cell), voltage[railIndex[railName]]);
+    };
+    if (statics) writeVoltages(*statics);
+    for (BlockState& block : blocks) writeVoltages(block);
+    for (std::size_t i = 0; i < design.loads.size(); ++i)
+        if (design.loads[i].current) design.loads[i].power = *design.loads[i].current * voltage[loadRail[i]];
+
+    for (BlockState& block : blocks)
+        for (Output& out : block.outputs) out.aggregate = cellOf(out.rail, block.region, 0);
+    for (std::size_t i = 0; i < design.loads.size(); ++i)
+        loadCell.push_back(cellOf(loadRail[i], loadRegion[i], loadTag[i]));
+
+    if (statics) {
+        auto perRail = [&](std::string const& pattern, std::vector<std::size_t>& cells) {
+            cells.assign(rails.size(), kNone);
+            for (std::size_t r = 0; r < rails.size() && !pattern.empty(); ++r) {
+                std::string name = pattern;
+                name.replace(name.find("{}"), 2, rails[r]);
+                cells[r] = cellIndex(*statics->sheet, name);
+            }
+        };
+        perRail(statics->sheet->design().staticCurrent, staticCurrentCell);
+        perRail(statics->sheet->design().maxCurrent, maxCurrentCell);
+    }
+}
+
+void Estimator::State::calculateBlock(BlockState& block) {
+    block.error.clear();
+    try {
+        block.instance->calculate();
+        for (std::size_t i = 0; i < block.outputs.size(); ++i) {
+            Output const& out = block.outputs[i];
+            double value = block.instance->storedNumber(out.cell);
+            if (value >= kFloatNotSet)  // not computed by calculate(): evaluate it by name
+                value = std::strtod(block.instance->evaluate(block.sheet->cells()[out.cell].name).c_str(),
+                                    nullptr);
+            if (!std::isfinite(value) || std::fabs(value) >= kFloatNotSet)
+                throw std::runtime_error(block.sheet->cells()[out.cell].name + " is not a number");
+            block.power[i] = out.current ? value * voltage[out.rail] : value;
+        }
+    } catch (PRSMException const& e) {
+        block.error = e.what();
+    } catch (std::exception const& e) {
+        block.error = e.what();
+    }
+    block.dirty = false;
+    block.changed = true;
+}
+
+void Estimator::State::checkValidity(BlockState& block) {
+    block.warnings.clear();
+    block.checkValidity = false;
+    if (!block.error.empty()) return;
+    try {
+        for (CellInfo const& cell : block.sheet->cells()) {
+            if (cell.category != CellCategory::UserInput || cell.validityKey.empty()) continue;
+            if (block.instance->isValid(cell.name) != 0) continue;
+            std::string message = "value " + block.instance->evaluate(cell.name) + " is not valid";
+            if (!cell.rule.empty()) message += " (" + cell.rule + ")";
+            block.warnings.push_back({block.given->name, cell.name, message});
+        }
+    } catch (PRSMException const& e) {
+        block.warnings.push_back({block.given->name, "", std::string("validity not checked: ") + e.what()});
+    } catch (std::exception const& e) {
+        block.warnings.push_back({block.given->name, "", std::string("validity not checked: ") + e.what()});
+    }
+}
+
+bool Estimator::State::staticAt(double junction, double& staticPower) {
+    statics->instance->setNumber(temperatureCell, junction);
+    calculateBlock(*statics);
+    if (!statics->error.empty()) return false;
+    staticPower = 0;
+    if (totalCell != kNone) {
+        staticPower = statics->instance->storedNumber(totalCell);
+    } else {
+        for (std::size_t r = 0; r < rails.size(); ++r)
+            if (staticCurrentCell[r] != kNone)
+                staticPower += voltage[r] * statics->instance->storedNumber(staticCurrentCell[r]);
+    }
+    return std::isfinite(staticPower) && std::fabs(staticPower) < kFloatNotSet;
+}
+
+std::size_t Estimator::State::cellOf(std::size_t r, std::size_t region, std::size_t tag) {
+    for (std::size_t i = 0; i < cells.size(); ++i)
+        if (cells[i].rail == r && cells[i].region == region && cells[i].tag == tag) return i;
+    cells.push_back({r, region, tag, 0.0});
+    return cells.size() - 1;
+}
+
+// A block's line of the report; refreshed only when the block was calculated again.
+void Estimator::State::describe(BlockState const& block, BlockResult& result) const {
+    result.name = block.given->name;
+    result.model = block.given->model;
+    result.region = block.sheet->design().region;
+    result.count = block.given->count;
+    result.error = block.error;
+    result.power = 0;
+    result.rails.clear();
+    if (!block.error.empty()) return;
+    for (std::size_t i = 0; i < block.outputs.size(); ++i) {
+        double const power = block.power[i] * block.given->count;
+        result.power += power;
+        std::string const& railName = rails[block.outputs[i].rail];
+        bool merged = false;
+        for (auto& entry : result.rails)
+            if (entry.first == railName) entry.second += power, merged = true;
+        if (!merged) result.rails.emplace_back(railName, power);
+    }
+}
+
+void Estimator::State::build() {
+    Report& out = report;
+    out.source = design.source;
+    out.complete = true;
+    out.failures.clear();
+    out.warnings = deviceWarnings;
+    out.staticInputs.clear();
+    out.thermal = ThermalResult{};
+    std::size_t const regionCount = regionNames().size();
+
+    std::vector<double>& railDynamic = scratchRail;
+    std::vector<double>& regionDynamic = scratchRegion;
+    railDynamic.assign(rails.size(), 0.0);
+    regionDynamic.assign(regionCount, 0.0);
+    for (Cell& c : cells) c.power = 0;
+    auto add = [&](std::size_t cell, double power) {
+        Cell& c = cells[cell];
+        railDynamic[c.rail] += power;
+        if (c.region != kNone) regionDynamic[c.region] += power;
+        c.power += power;
+    };
+
+    bool const fresh = out.blocks.size() != blocks.size() + design.loads.size();
+    if (fresh) out.blocks.assign(blocks.size() + design.loads.size(), BlockResult{});
+    for (std::size_t b = 0; b < blocks.size(); ++b) {
+        BlockState& block = blocks[b];
+        if (fresh || block.changed) describe(block, out.blocks[b]);
+        block.changed = false;
+        if (!block.error.empty()) {
+            out.complete = false;
+            out.failures.push_back("block \"" + block.given->name + "\" (" + block.given->model +
+                                   "): " + block.error);
+        } else {
+            for (std::size_t i = 0; i < block.outputs.size(); ++i)
+                add(block.outputs[i].aggregate, block.power[i] * block.given->count);
+        }
+        if (!block.warnings.empty())
+            out.warnings.insert(out.warnings.end(), block.warnings.begin(), block.warnings.end());
+    }
+    for (std::size_t i = 0; i < design.loads.size(); ++i) {
+        Load const& load = design.loads[i];
+        if (fresh) {
+            BlockResult& result = out.blocks[blocks.size() + i];
+            result.name = load.name;
+            result.model = "load";
+            result.region = load.region;
+            result.power = load.power;
+            result.rails.emplace_back(load.rail, load.power);
+        }
+        add(loadCell[i], load.power);
+    }
+
+    double dynamic = 0;
+    for (double p : railDynamic) dynamic += p;
+    out.dynamicPower = dynamic;
+
+    // The static sheet: fed with the dynamic power, evaluated at the junction temperature.
+    std::vector<double> staticCurrent(rails.size(), 0.0);
+    double staticPower = 0;
+    out.thermal.ambient = design.thermal.ambient;
+    out.thermal.thetaJa = design.thermal.thetaJa;
+    if (statics) {
+        out.staticModel = statics->given->model;
+        for (Feed const& feed : feeds) {
+            double sum = 0;
+            for (Cell const& c : cells) {
+                bool match = true;
+                for (Term const& term : feed.terms) {
+                    std::string const& value =
+                        term.key == Term::Rail ? rails[c.rail]
+                        : term.key == Term::Region
+                            ? (c.region == kNone ? std::string() : regionNames()[c.region])
+                            : tags[c.tag];
+                    bool found = false;
+                    for (std::string const& name : term.names) found = found || name == value;
+                    if (found == term.negate) match = false;
+                }
+                if (match) sum += c.power;
+            }
+            statics->instance->setNumber(feed.cell, sum);
+            out.staticInputs.emplace_back(feed.name, sum);
+        }
+    }
+    bool staticOk = true;
+    if (design.thermal.junction) {
+        out.thermal.junction = *design.thermal.junction;
+        if (statics) staticOk = staticAt(out.thermal.junction, staticPower);
+    } else {
+        out.thermal.solved = true;
+        double const ta = design.thermal.ambient, theta = design.thermal.thetaJa;
+        double t = ta;
+        for (int i = 1;; ++i) {
+            if (statics && !(staticOk = staticAt(t, staticPower))) break;
+            double const next = ta + theta * (dynamic + staticPower);
+            out.thermal.iterations = i;
+            bool const converged = !statics || std::fabs(next - t) < kThermalTolerance;
+            // Without leakage there is nothing to iterate: however hot, the temperature is a result.
+            if (!std::isfinite(next) ||
+                (!converged && (next > kRunawayTemperature || i >= kMaxThermalIterations))) {
+                out.thermal.runaway = true;
+                out.thermal.junction = next;
+                break;
+            }
+            t = next;
+            if (converged) break;
+        }
+        if (!out.thermal.runaway) {
+            out.thermal.junction = t;
+            if (statics && staticOk) staticOk = staticAt(t, staticPower);
+        }
+        if (out.thermal.runaway) {
+            out.complete = false;
+            char text[200];
+            std::snprintf(
+                text, sizeof text,
+                "thermal runaway: no steady junction temperature at ambient %.1f degC and theta_ja %.3g "
+                "degC/W (%.1f degC after %d rounds)",
+                ta, theta, out.thermal.junction, out.thermal.iterations);
+            out.failures.push_back(text);
+        }
+    }
+    if (!out.thermal.runaway && out.thermal.solved) {
+        double const limit = maxJunctionTemperature();
+        if (limit > 0 && out.thermal.junction > limit) {
+            char text[160];
+            std::snprintf(text, sizeof text,
+                          "junction temperature %.1f degC exceeds the device's maximum %.0f degC",
+                          out.thermal.junction, limit);
+            out.warnings.push_back({"", "/thermal", text});
+        }
+    }
+    if (statics) {
+        if (!staticOk) {
+            out.complete = false;
+            out.failures.push_back(
+                "static sheet (" + statics->given->model + "): " +
+                (statics->error.empty() ? std::string("the static power is not a number") : statics->error));
+        } else {
+            for (std::size_t r = 0; r < rails.size(); ++r)
+                if (staticCurrentCell[r] != kNone)
+                    staticCurrent[r] = statics->instance->storedNumber(staticCurrentCell[r]);
+        }
+        if (statics->checkValidity) checkValidity(*statics);
+        out.warnings.insert(out.warnings.end(), statics->warnings.begin(), statics->warnings.end());
+    }
+
+    out.rails.clear();
+    out.regions.clear();
+    for (std::size_t r = 0; r < rails.size(); ++r) {
+        RailResult rail;
+        rail.rail = rails[r];
+        rail.voltage = voltage[r];
+        rail.dynamicCurrent = voltage[r] > 0 ? railDynamic[r] / voltage[r] : 0.0;
+        rail.staticCurrent = staticCurrent[r];
+        rail.totalCurrent = rail.dynamicCurrent + rail.staticCurrent;
+        rail.power = voltage[r] * rail.totalCurrent;
+        if (statics && staticOk && maxCurrentCell[r] != kNone) {
+            double const limit = statics->instance->storedNumber(maxCurrentCell[r]);
+            if (limit > 0 && limit < kFloatNotSet) {
+                rail.maxCurrent = limit;
+                rail.overLimit = rail.totalCurrent > limit;
+            }
+            if (rail.overLimit) {
+                char text[160];
+                std::snprintf(text, sizeof text, "total current %.4g A exceeds the device's maximum %.4g A",
+                              rail.totalCurrent, limit);
+                out.warnings.push_back({"", "/rails/" + rails[r], text});
+            }
+        }
+        bool const declaredByDesign = std::any_of(design.rails.begin(), design.rails.end(),
+                                                  [&](auto const& e) { return e.first == rails[r]; });
+        if (railDynamic[r] != 0 || rail.staticCurrent != 0 || declaredByDesign) out.rails.push_back(rail);
+    }
+    for (std::size_t g = 0; g < regionCount; ++g) {
+        RegionResult region;
+        region.region = regionNames()[g];
+        region.dynamicPower = regionDynamic[g];
+        if (statics && staticOk)
+            for (auto const& [index, cell] : staticRegionCell)
+                if (index == g) region.staticPower = statics->instance->storedNumber(cell);
+        out.regions.push_back(region);
+    }
+    out.staticPower = staticPower;
+    out.totalPower = out.dynamicPower + out.staticPower;
+}
+
+Estimator::Estimator(Design design) : m_state(std::make_unique<State>()) {
+    m_state->design = std::move(design);
+    m_state->setup();
+}
+
+Estimator::~Estimator() = default;
+
+Design const& Estimator::design() const {
+    return m_state->design;
+}
+
+Report const& Estimator::estimate() {
+    for (State::BlockState& block : m_state->blocks) block.dirty = true;
+    return update();
+}
+
+Report const& Estimator::update() {
+    for (State::BlockState& block : m_state->blocks) {
+        if (block.dirty) m_state->calculateBlock(block);
+        if (block.checkValidity) m_state->checkValidity(block);
+    }
+    m_state->build();
+    return m_state->report;
+}
+
+void Estimator::setInput(std::string const& block, std::string const& cell, std::string const& text) {
+    State& s = *m_state;
+    State::BlockState* target = nullptr;
+    if (block == "static" && s.statics)
+        target = s.statics.get();
+    else if (auto it = s.blockIndex.find(block); it != s.blockIndex.end())
+        target = &s.blocks[it->second];
+    if (target == nullptr) throw DesignError("no block \"" + block + "\" in " + s.design.source);
+    CellInfo const* info = target->sheet->findCell(cell);
+    if (info == nullptr || info->category != CellCategory::UserInput)
+        throw DesignError("block \"" + block + "\": " + cell + " is not an input of " + target->given->model);
+    if (std::string const owner = designOwned(target->sheet->design(), cell); !owner.empty())
+        throw DesignError("block \"" + block + "\": cell " + cell + " is " + owner);
+    try {
+        target->instance->set(cell, text);
+    } catch (std::invalid_argument const& e) {
+        throw DesignError("block \"" + block + "\": " + e.what());
+    }
+    target->dirty = true;
+    target->checkValidity = true;
+}
+
+Report estimateFile(std::string const& path) {
+    Estimator estimator(readDesignFile(path));
+    return estimator.estimate();
+}
+
+}  // namespace prsm::design

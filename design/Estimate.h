@@ -1,0 +1,108 @@
+#pragma once
+// The whole-design estimate: every block of a design calculated on its rails, the dynamic power summed
+// per rail and per region and fed into the static-power sheet, the junction temperature solved from
+// the ambient when it is not given, and one report of it all.
+
+#include <prsm/design/Design.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace prsm::design {
+
+struct RailResult {
+    std::string rail;
+    double voltage = 0;         // V
+    double dynamicCurrent = 0;  // A
+    double staticCurrent = 0;   // A
+    double totalCurrent = 0;    // A
+    double power = 0;           // W: voltage times the total current
+    double maxCurrent = 0;      // A: the device's limit where the static sheet's data has one, else 0
+    bool overLimit = false;     // the total current exceeds maxCurrent
+};
+
+struct BlockResult {
+    std::string name;
+    std::string model;
+    std::string region;
+    int count = 1;
+    double power = 0;                                   // W, all instances
+    std::vector<std::pair<std::string, double>> rails;  // rail -> W, all instances
+    std::string error;                                  // why its calculation failed; empty when it did not
+};
+
+struct RegionResult {
+    std::string region;
+    double dynamicPower = 0;  // W
+    double staticPower = 0;   // W, as the static sheet reports the region
+};
+
+struct Warning {
+    std::string block;
+    std::string cell;
+    std::string message;
+};
+
+struct ThermalResult {
+    bool solved = false;  // true: Tj = Ta + thetaJA * P(Tj) was iterated; false: the junction was given
+    double ambient = 0;   // degC
+    double thetaJa = 0;   // degC/W
+    double junction = 0;  // degC, the temperature the leakage is evaluated at
+    int iterations = 0;
+    bool runaway = false;  // the loop found no steady state
+};
+
+struct Report {
+    std::string source;
+    std::string staticModel;  // empty when the design names no static sheet
+    // False when a block failed or the thermal loop ran away: the totals below are then not a result.
+    bool complete = true;
+    std::vector<std::string> failures;  // one line per failed block, or the thermal runaway
+    std::vector<RailResult> rails;
+    std::vector<BlockResult> blocks;
+    std::vector<RegionResult> regions;
+    std::vector<std::pair<std::string, double>> staticInputs;  // fed input cell -> W
+    std::vector<Warning> warnings;
+    ThermalResult thermal;
+    double dynamicPower = 0;  // W
+    double staticPower = 0;   // W
+    double totalPower = 0;    // W
+};
+
+// The thermal loop stops when two successive temperatures differ by less than this (degC)...
+constexpr double kThermalTolerance = 1e-4;
+// ...and reports a runaway when the junction passes this temperature or the loop this many rounds.
+constexpr double kRunawayTemperature = 250.0;
+constexpr int kMaxThermalIterations = 500;
+
+class Estimator {
+public:
+    // Creates one parameter set per block and writes the design's inputs, rail voltages and device into
+    // them. Throws DesignError when an input is refused or a rail in use has no voltage.
+    explicit Estimator(Design design);
+    ~Estimator();
+    Estimator(Estimator const&) = delete;
+    Estimator& operator=(Estimator const&) = delete;
+
+    // Calculates every block and the static sheet.
+    Report const& estimate();
+    // Calculates the blocks whose inputs changed since the last estimate, then the static sheet.
+    Report const& update();
+    // Changes one input of a block ("static" for the static sheet); the next update() recalculates it.
+    // Throws DesignError for an unknown block, a cell it may not set or a value that does not parse.
+    void setInput(std::string const& block, std::string const& cell, std::string const& text);
+
+    Design const& design() const;
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+// Reads, checks and estimates a design file in one step.
+Report estimateFile(std::string const& path);
+
+}  // namespace prsm::design

@@ -1,0 +1,139 @@
+#include <prsm/design/ReportFormat.h>
+
+#include <nlohmann/json.hpp>
+
+#include <cstdio>
+#include <sstream>
+
+namespace prsm::design {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string csvField(std::string const& text) {
+    if (text.find_first_of(",\"\n") == std::string::npos) return text;
+    std::string out = "\"";
+    for (char c : text) out += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return out + "\"";
+}
+
+std::string number(double value) {
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%.9g", value);
+    return buffer;
+}
+
+}  // namespace
+
+std::string toJson(Report const& report) {
+    Json out;
+    out["schema_version"] = kSchemaVersion;
+    out["design"] = report.source;
+    out["complete"] = report.complete;
+    out["failures"] = report.failures;
+    Json thermal;
+    thermal["junction_temperature"] = report.thermal.junction;
+    thermal["solved"] = report.thermal.solved;
+    if (report.thermal.solved) {
+        thermal["ambient_temperature"] = report.thermal.ambient;
+        thermal["theta_ja"] = report.thermal.thetaJa;
+        thermal["iterations"] = report.thermal.iterations;
+        thermal["runaway"] = report.thermal.runaway;
+    }
+    out["thermal"] = thermal;
+    Json totals;
+    totals["dynamic_power"] = report.complete ? Json(report.dynamicPower) : Json(nullptr);
+    totals["static_power"] = report.complete ? Json(report.staticPower) : Json(nullptr);
+    totals["total_power"] = report.complete ? Json(report.totalPower) : Json(nullptr);
+    out["totals"] = totals;
+    Json rails = Json::array();
+    for (RailResult const& r : report.rails)
+        rails.push_back({{"rail", r.rail},
+                         {"voltage", r.voltage},
+                         {"dynamic_current", r.dynamicCurrent},
+                         {"static_current", r.staticCurrent},
+                         {"total_current", r.totalCurrent},
+                         {"power", r.power},
+                         {"max_current", r.maxCurrent > 0 ? Json(r.maxCurrent) : Json(nullptr)},
+                         {"over_limit", r.overLimit}});
+    out["rails"] = rails;
+    Json blocks = Json::array();
+    for (BlockResult const& b : report.blocks) {
+        Json block{{"name", b.name}, {"model", b.model}, {"region", b.region}, {"count", b.count}};
+        if (!b.error.empty()) {
+            block["error"] = b.error;
+        } else {
+            block["power"] = b.power;
+            Json perRail = Json::object();
+            for (auto const& [rail, power] : b.rails) perRail[rail] = power;
+            block["rails"] = perRail;
+        }
+        blocks.push_back(block);
+    }
+    out["blocks"] = blocks;
+    Json regions = Json::array();
+    for (RegionResult const& r : report.regions)
+        regions.push_back(
+            {{"region", r.region}, {"dynamic_power", r.dynamicPower}, {"static_power", r.staticPower}});
+    out["regions"] = regions;
+    if (!report.staticModel.empty()) {
+        Json feeds = Json::object();
+        for (auto const& [cell, value] : report.staticInputs) feeds[cell] = value;
+        out["static"] = {{"model", report.staticModel}, {"inputs", feeds}};
+    }
+    Json warnings = Json::array();
+    for (Warning const& w : report.warnings)
+        warnings.push_back({{"block", w.block}, {"cell", w.cell}, {"message", w.message}});
+    out["warnings"] = warnings;
+    return out.dump(2) + "\n";
+}
+
+std::string toCsv(Report const& report) {
+    std::ostringstream out;
+    out << "section,name,rail,quantity,value,unit\n";
+    auto line = [&](char const* section, std::string const& name, std::string const& rail,
+                    char const* quantity, std::string const& value, char const* unit) {
+        out << section << "," << csvField(name) << "," << csvField(rail) << "," << quantity << ","
+            << csvField(value) << "," << unit << "\n";
+    };
+    for (RailResult const& r : report.rails) {
+        line("rail", r.rail, r.rail, "voltage", number(r.voltage), "V");
+        line("rail", r.rail, r.rail, "dynamic_current", number(r.dynamicCurrent), "A");
+        line("rail", r.rail, r.rail, "static_current", number(r.staticCurrent), "A");
+        line("rail", r.rail, r.rail, "total_current", number(r.totalCurrent), "A");
+        line("rail", r.rail, r.rail, "power", number(r.power), "W");
+        if (r.maxCurrent > 0) {
+            line("rail", r.rail, r.rail, "max_current", number(r.maxCurrent), "A");
+            line("rail", r.rail, r.rail, "over_limit", r.overLimit ? "1" : "0", "");
+        }
+    }
+    for (BlockResult const& b : report.blocks) {
+        if (!b.error.empty()) {
+            line("block", b.name, "", "error", b.error, "");
+            continue;
+        }
+        line("block", b.name, "", "power", number(b.power), "W");
+        for (auto const& [rail, power] : b.rails) line("block", b.name, rail, "power", number(power), "W");
+    }
+    for (RegionResult const& r : report.regions) {
+        line("region", r.region, "", "dynamic_power", number(r.dynamicPower), "W");
+        line("region", r.region, "", "static_power", number(r.staticPower), "W");
+    }
+    for (auto const& [cell, value] : report.staticInputs)
+        line("static_input", cell, "", "power", number(value), "W");
+    line("thermal", "", "", "junction_temperature", number(report.thermal.junction), "degC");
+    if (report.thermal.solved)
+        line("thermal", "", "", "iterations", std::to_string(report.thermal.iterations), "count");
+    if (report.complete) {
+        line("total", "", "", "dynamic_power", number(report.dynamicPower), "W");
+        line("total", "", "", "static_power", number(report.staticPower), "W");
+        line("total", "", "", "total_power", number(report.totalPower), "W");
+    }
+    for (Warning const& w : report.warnings)
+        line("warning", w.block, "", "invalid_input", w.cell + ": " + w.message, "");
+    for (std::string const& f : report.failures) line("failure", "", "", "error", f, "");
+    return out.str();
+}
+
+}  // namespace prsm::design

@@ -1,0 +1,41 @@
+#pragma once
+// What a sheet declares about its place in a whole design: the rails its outputs draw from, the inputs
+// that take a rail's voltage or a field of the design's device, the region its power belongs to, and,
+// for the static sheet, which inputs receive the design's summed dynamic power. Declared once in the
+// sheet's table ([rails] and [design], see docs/sheet-tables.md) and read by the design engine; the
+// library itself never acts on it.
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace prsm {
+
+struct SheetDesign {
+    using Pairs = std::vector<std::pair<std::string, std::string>>;
+
+    std::string region;    // "logic", "io", "gt", "ps_pmc", "noc", "aie" or "hbm"; empty: none
+    Pairs voltageInputs;   // input cell -> rail whose voltage it takes
+    Pairs powerOutputs;    // computed cell in W -> rail it draws from
+    Pairs currentOutputs;  // computed cell in A -> rail it draws from
+    Pairs deviceInputs;    // input cell -> field of the design's device ("part", "process", ...)
+
+    // The static sheet: the junction-temperature input, the pattern of the per-rail leakage currents
+    // ("{}_STATIC_CURRENT") and of the device's maximum currents, the total static power, the static power
+    // per region and the inputs that receive summed dynamic power (input cell -> selector such as
+    // "rail:VCCINT !region:aie").
+    std::string temperatureInput;
+    std::string staticCurrent;
+    std::string maxCurrent;  // "{}_MAX_CURRENT": the device's limit per rail in A, where the data has one
+    std::string staticTotal;
+    Pairs staticRegions;  // region -> computed cell in W
+    Pairs feeds;
+
+    bool isStatic() const { return !temperatureInput.empty(); }
+    bool empty() const {
+        return region.empty() && voltageInputs.empty() && powerOutputs.empty() && currentOutputs.empty() &&
+               deviceInputs.empty() && !isStatic();
+    }
+};
+
+}  // namespace prsm

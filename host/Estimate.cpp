@@ -1,0 +1,122 @@
+#include <prsm/design/Rails.h>
+#include <prsm/design/ReportFormat.h>
+#include <prsm/framework/PRSMException.h>
+#include <prsm/host/Estimate.h>
+#include <prsm/host/HostError.h>
+#include <prsm/host/TextTable.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <ostream>
+#include <sstream>
+
+namespace prsm::host {
+
+namespace {
+
+std::string fixed(double value, int decimals) {
+    char buffer[48];
+    std::snprintf(buffer, sizeof buffer, "%.*f", decimals, value);
+    return buffer;
+}
+
+}  // namespace
+
+std::string renderEstimateTable(design::Report const& report) {
+    std::ostringstream text;
+    design::ThermalResult const& t = report.thermal;
+    text << "Design: " << report.source << "\n";
+    if (t.solved)
+        text << "Junction temperature: " << fixed(t.junction, 2) << " degC (ambient " << fixed(t.ambient, 1)
+             << " degC, theta_ja " << fixed(t.thetaJa, 3) << " degC/W, " << t.iterations
+             << (t.iterations == 1 ? " iteration" : " iterations") << (t.runaway ? ", thermal runaway" : "")
+             << ")\n";
+    else
+        text << "Junction temperature: " << fixed(t.junction, 2) << " degC (given)\n";
+    if (!report.staticModel.empty())
+        text << "Leakage: " << report.staticModel << "\n";
+    else
+        text << "Leakage: not estimated (the design names no static-power sheet)\n";
+
+    std::vector<TextRow> rails;
+    for (design::RailResult const& r : report.rails)
+        rails.push_back({r.rail, fixed(r.voltage, 3), fixed(r.dynamicCurrent, 4), fixed(r.staticCurrent, 4),
+                         fixed(r.totalCurrent, 4), fixed(r.power, 4),
+                         r.maxCurrent > 0 ? fixed(r.maxCurrent, 3) + (r.overLimit ? " EXCEEDED" : "") : "-"});
+    text << "\n"
+         << formatTable(
+                {"rail", "voltage (V)", "dynamic (A)", "static (A)", "total (A)", "power (W)", "max (A)"},
+                rails);
+
+    std::vector<TextRow> blocks;
+    for (design::BlockResult const& b : report.blocks) {
+        std::string perRail;
+        for (auto const& [rail, power] : b.rails)
+            perRail += (perRail.empty() ? "" : ", ") + rail + " " + fixed(power, 4);
+        blocks.push_back({b.name, b.model, b.region, std::to_string(b.count),
+                          b.error.empty() ? fixed(b.power, 4) : "FAILED",
+                          b.error.empty() ? perRail : b.error});
+    }
+    text << "\n" << formatTable({"block", "model", "region", "count", "power (W)", "per rail (W)"}, blocks);
+
+    std::vector<TextRow> regions;
+    for (design::RegionResult const& r : report.regions)
+        regions.push_back({design::regionTitle(r.region), fixed(r.dynamicPower, 4), fixed(r.staticPower, 4),
+                           fixed(r.dynamicPower + r.staticPower, 4)});
+    text << "\n" << formatTable({"region", "dynamic (W)", "static (W)", "total (W)"}, regions);
+
+    if (!report.staticInputs.empty()) {
+        std::vector<TextRow> fed;
+        for (auto const& [cell, value] : report.staticInputs) fed.push_back({cell, fixed(value, 4)});
+        text << "\n" << formatTable({"static-sheet input", "value (W)"}, fed);
+    }
+
+    text << "\n";
+    if (report.complete)
+        text << formatTable({"total", "power (W)"}, {{"dynamic", fixed(report.dynamicPower, 4)},
+                                                     {"static", fixed(report.staticPower, 4)},
+                                                     {"total", fixed(report.totalPower, 4)}});
+    else
+        text << "No totals: the estimate is incomplete (see the errors).\n";
+    return text.str();
+}
+
+int runEstimate(Request const& request, std::string const& dataHint, std::ostream& out, std::ostream& err) {
+    design::Report report;
+    try {
+        report = design::estimateFile(request.designFile);
+    } catch (design::DesignError const& e) {
+        throw HostError(kExitBadInput, e.what());
+    } catch (PRSMException const& e) {
+        throw HostError(kExitDataFailure, e.what());
+    } catch (std::exception const& e) {
+        throw HostError(kExitDataFailure, e.what());
+    }
+    for (design::Warning const& w : report.warnings) {
+        err << "prsm: warning: ";
+        if (w.block.empty())  // the design itself: the cell is a JSON pointer
+            err << w.cell << ": ";
+        else
+            err << "block \"" << w.block << "\": " << (w.cell.empty() ? "" : "cell " + w.cell + ": ");
+        err << w.message << "\n";
+    }
+    switch (request.format) {
+        case OutputFormat::Json:
+            out << design::toJson(report);
+            break;
+        case OutputFormat::Csv:
+            out << design::toCsv(report);
+            break;
+        case OutputFormat::Table:
+        case OutputFormat::Reflect:
+            out << renderEstimateTable(report);
+            break;
+    }
+    for (std::string const& failure : report.failures) err << "prsm: error: " << failure << "\n";
+    bool const blockFailed = std::any_of(report.blocks.begin(), report.blocks.end(),
+                                         [](design::BlockResult const& b) { return !b.error.empty(); });
+    if (blockFailed && !dataHint.empty()) err << "prsm: hint: " << dataHint << "\n";
+    return report.complete ? kExitOk : kExitDataFailure;
+}
+
+}  // namespace prsm::host

@@ -1,0 +1,20 @@
+#pragma once
+// `prsm estimate DESIGN.json`: the whole-design report as a table with units, JSON or CSV.
+
+#include <prsm/design/Estimate.h>
+#include <prsm/host/Request.h>
+
+#include <iosfwd>
+#include <string>
+
+namespace prsm::host {
+
+// The report as aligned tables: rails, blocks, regions, then the totals.
+std::string renderEstimateTable(design::Report const& report);
+
+// Runs the request: the report on `out`, invalid inputs as warnings and failures as errors on `err`.
+// A design that is refused ends with kExitBadInput, a failed block or a thermal runaway with
+// kExitDataFailure and no totals; a failed block adds `dataHint` (where the data was looked for).
+int runEstimate(Request const& request, std::string const& dataHint, std::ostream& out, std::ostream& err);
+
+}  // namespace prsm::host

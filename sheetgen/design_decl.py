@@ -1,0 +1,146 @@
+"""Reads a sheet's whole-design declarations, [rails] and [design], checks them against its cells and
+emits the prsm::SheetDesign initialiser that the registration passes on."""
+
+from __future__ import annotations
+
+import re
+from dataclasses import dataclass, field
+
+from sheet import Sheet, SheetError, expand
+
+REGIONS = ("logic", "io", "gt", "ps_pmc", "noc", "aie", "hbm")
+DEVICE_FIELDS = ("part", "internal_part", "package", "speed_grade", "temperature_grade", "voltage_grade",
+                 "power_screen", "process")
+RAIL = re.compile(r"[A-Z][A-Z0-9_]*")
+
+
+@dataclass
+class DesignDecl:
+    region: str = ""
+    voltage: list[tuple[str, str]] = field(default_factory=list)
+    power: list[tuple[str, str]] = field(default_factory=list)
+    current: list[tuple[str, str]] = field(default_factory=list)
+    device: list[tuple[str, str]] = field(default_factory=list)
+    temperature: str = ""
+    static_current: str = ""
+    max_current: str = ""
+    static_total: str = ""
+    static_regions: list[tuple[str, str]] = field(default_factory=list)
+    feeds: list[tuple[str, str]] = field(default_factory=list)
+
+
+def check_selector(text: str) -> None:
+    """A selector is terms separated by blanks, all of which must hold: rail:A[,B], region:r[,s],
+    tag:t[,u], each optionally negated with a leading "!"."""
+    terms = text.split()
+    if not terms:
+        raise SheetError("design.feeds: an empty selector")
+    for term in terms:
+        m = re.fullmatch(r"!?(rail|region|tag):([A-Za-z0-9_]+(?:,[A-Za-z0-9_]+)*)", term)
+        if m is None:
+            raise SheetError(f"design.feeds: {term!r} is not rail:, region: or tag: followed by names")
+        if m[1] == "region":
+            for region in m[2].split(","):
+                if region not in REGIONS:
+                    raise SheetError(f"design.feeds: unknown region {region!r}; one of {', '.join(REGIONS)}")
+
+
+def _pairs(section: dict, key: str, value_is_rail: bool = True) -> list[tuple[str, str]]:
+    value = section.get(key, {})
+    if isinstance(value, list):  # cell names that are also the rails' names
+        return [(name, name) for pattern in value for name in expand(pattern)]
+    if not isinstance(value, dict):
+        raise SheetError(f"rails.{key}: a list of cells or a table of cell = \"RAIL\"")
+    pairs = []
+    for pattern, target in value.items():
+        for name in expand(pattern):
+            if value_is_rail and not RAIL.fullmatch(str(target)):
+                raise SheetError(f"rails.{key}.{name}: {target!r} is not an upper-case rail name")
+            pairs.append((name, str(target)))
+    return pairs
+
+
+def load(doc: dict, sheet: Sheet) -> DesignDecl:
+    rails = doc.get("rails", {})
+    design = doc.get("design", {})
+    if unknown := set(rails) - {"voltage", "power", "current"}:
+        raise SheetError(f"rails: unknown keys {sorted(unknown)}")
+    known = {"region", "device", "temperature", "static_current", "max_current", "static_total", "static_regions",
+             "feeds"}
+    if unknown := set(design) - known:
+        raise SheetError(f"design: unknown keys {sorted(unknown)}")
+    decl = DesignDecl()
+    decl.region = design.get("region", "")
+    if decl.region and decl.region not in REGIONS:
+        raise SheetError(f"design.region: unknown region {decl.region!r}; one of {', '.join(REGIONS)}")
+
+    def cell(name: str, where: str, types: tuple[str, ...], want_input: bool):
+        c = sheet.by_name.get(name)
+        if c is None:
+            raise SheetError(f"{where}: no cell {name}")
+        if c.type not in types or c.is_input != want_input:
+            kind = "input" if want_input else "computed cell"
+            raise SheetError(f"{where}: {name} is not a {'/'.join(types)} {kind}")
+        return c
+
+    decl.voltage = _pairs(rails, "voltage")
+    for name, _ in decl.voltage:
+        cell(name, "rails.voltage", ("float",), True)
+    for kind in ("power", "current"):
+        pairs = _pairs(rails, kind)
+        for name, _ in pairs:
+            cell(name, f"rails.{kind}", ("float",), False)
+        setattr(decl, kind, pairs)
+    decl.device = _pairs(design, "device", value_is_rail=False)
+    for name, fld in decl.device:
+        cell(name, "design.device", ("string",), True)
+        if fld not in DEVICE_FIELDS:
+            raise SheetError(f"design.device.{name}: unknown field {fld!r}; one of {', '.join(DEVICE_FIELDS)}")
+
+    static_keys = {"temperature", "static_current", "max_current", "static_total", "static_regions", "feeds"} & set(design)
+    if static_keys and "temperature" not in design:
+        raise SheetError("design: a static sheet names its junction-temperature input in design.temperature")
+    if "temperature" in design:
+        decl.temperature = design["temperature"]
+        cell(decl.temperature, "design.temperature", ("float",), True)
+        decl.static_current = design.get("static_current", "")
+        if decl.static_current and decl.static_current.count("{}") != 1:
+            raise SheetError("design.static_current: a cell pattern with one {} for the rail")
+        if decl.static_current:
+            for _, rail in decl.voltage:
+                name = decl.static_current.replace("{}", rail)
+                if name in sheet.by_name:
+                    cell(name, "design.static_current", ("float",), False)
+        decl.max_current = design.get("max_current", "")
+        if decl.max_current and decl.max_current.count("{}") != 1:
+            raise SheetError("design.max_current: a cell pattern with one {} for the rail")
+        if decl.max_current:
+            for _, rail in decl.voltage:
+                name = decl.max_current.replace("{}", rail)
+                if name in sheet.by_name:
+                    cell(name, "design.max_current", ("float",), False)
+        decl.static_total = design.get("static_total", "")
+        if decl.static_total:
+            cell(decl.static_total, "design.static_total", ("float",), False)
+        for region, name in design.get("static_regions", {}).items():
+            if region not in REGIONS:
+                raise SheetError(f"design.static_regions: unknown region {region!r}")
+            cell(name, f"design.static_regions.{region}", ("float",), False)
+            decl.static_regions.append((region, name))
+        for name, selector in design.get("feeds", {}).items():
+            cell(name, "design.feeds", ("float",), True)
+            check_selector(selector)
+            decl.feeds.append((name, selector))
+    return decl
+
+
+def _cpp_pairs(pairs: list[tuple[str, str]]) -> str:
+    return "{" + ", ".join(f'{{"{a}", "{b}"}}' for a, b in pairs) + "}"
+
+
+def initializer(decl: DesignDecl) -> str:
+    """The prsm::SheetDesign aggregate, member by member in declaration order."""
+    return (f'prsm::SheetDesign{{"{decl.region}", {_cpp_pairs(decl.voltage)}, {_cpp_pairs(decl.power)}, '
+            f'{_cpp_pairs(decl.current)}, {_cpp_pairs(decl.device)}, "{decl.temperature}", '
+            f'"{decl.static_current}", "{decl.max_current}", "{decl.static_total}", {_cpp_pairs(decl.static_regions)}, '
+            f'{_cpp_pairs(decl.feeds)}}}')

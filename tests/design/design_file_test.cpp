@@ -1,0 +1,93 @@
+// Design files that must be refused: each message names the file, the JSON pointer, the block and the
+// cell, and nothing is estimated.
+#include <prsm/design/Design.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using namespace prsm::design;
+
+// The refusal message of a design text, or "" when it is accepted.
+std::string refusal(std::string const& text) {
+    try {
+        parseDesign(text, "bad.json");
+    } catch (DesignError const& e) {
+        return e.what();
+    }
+    return "";
+}
+
+std::string withBlocks(std::string const& blocks, std::string const& extra = "") {
+    return R"({"schema_version": 1, "device": {"part": "TESTDEV"}, "thermal": {"junction_temperature": 25},)" +
+           extra + R"("blocks": [)" + blocks + "]}";
+}
+
+#define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
+
+TEST(DesignFile, RefusesEachKindOfFault) {
+    std::string m;
+
+    m = refusal(withBlocks(R"({"name": "a", "model": "NoSuchSheet"})"));
+    EXPECT_MENTIONS(m, "bad.json: /blocks/0/model: block \"a\": unknown model NoSuchSheet");
+
+    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"NOPE": 1}})"));
+    EXPECT_MENTIONS(m, "bad.json: /blocks/0/inputs/NOPE: block \"a\": TestLoad has no cell NOPE");
+
+    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"CORE_POWER": 1}})"));
+    EXPECT_MENTIONS(m, "/blocks/0/inputs/CORE_POWER: block \"a\": cell CORE_POWER is an output");
+
+    // Wrong value types: text for a number, a fraction for a whole number, a number for a text.
+    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"CLOCK_FREQ": "fast"}})"));
+    EXPECT_MENTIONS(
+        m, "/blocks/0/inputs/CLOCK_FREQ: block \"a\": cell CLOCK_FREQ takes a number, found a string");
+    m = refusal(withBlocks(R"({"name": "b", "model": "TestSampler", "inputs": {"COUNT": 2.5}})"));
+    EXPECT_MENTIONS(m, "/blocks/0/inputs/COUNT: block \"b\": cell COUNT takes a whole number");
+    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"MODE": 3}})"));
+    EXPECT_MENTIONS(m, "cell MODE takes a string, found an integer");
+
+    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad"}, {"name": "a", "model": "TestLoad"})"));
+    EXPECT_MENTIONS(m, "/blocks/1/name: block \"a\": the name is used by an earlier block");
+
+    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad"})", R"("rails": {"VCCNOPE": 1.0},)"));
+    EXPECT_MENTIONS(m, "bad.json: /rails/VCCNOPE: unknown rail VCCNOPE");
+    m = refusal(withBlocks("", R"("loads": [{"name": "x", "rail": "VCCQ", "power": 1, "region": "io"}],)"));
+    EXPECT_MENTIONS(m, "/loads/0/rail: load \"x\": unknown rail VCCQ");
+
+    // A rail voltage is set once for the design, not per block.
+    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"VCCINT": 0.7}})"));
+    EXPECT_MENTIONS(m, "cell VCCINT is the voltage of rail VCCINT: set it once under /rails");
+
+    m = refusal(
+        R"({"schema_version": 7, "device": {"part": "X"}, "thermal": {"junction_temperature": 25}, "blocks": []})");
+    EXPECT_MENTIONS(m, "/schema_version: version 7 is not one this build reads");
+
+    m = refusal(
+        R"({"schema_version": 1, "device": {"part": "X"}, "blocks": [], "thermal": {"theta_ja": 1}})");
+    EXPECT_MENTIONS(m, "/thermal: give either junction_temperature, or ambient_temperature and theta_ja");
+
+    // Every problem is listed, one line each.
+    m = refusal(withBlocks(
+        R"({"name": "a", "model": "Nope"}, {"name": "b", "model": "TestLoad", "inputs": {"X": 1}})"));
+    EXPECT_MENTIONS(m, "/blocks/0/model");
+    EXPECT_MENTIONS(m, "/blocks/1/inputs/X");
+
+    EXPECT_EQ(
+        refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "count": 4, "inputs": {"MODE": "OFF"}})")),
+        "");
+}
+
+TEST(DesignFile, MalformedFileNamesTheFile) {
+    std::string const path = std::string(PRSM_TEST_DESIGNDIR) + "/malformed.json";
+    try {
+        readDesignFile(path);
+        FAIL() << "a truncated file was accepted";
+    } catch (DesignError const& e) {
+        EXPECT_MENTIONS(std::string(e.what()), path + ": /: not valid JSON");
+    }
+    EXPECT_THROW(readDesignFile(path + ".absent"), DesignError);
+}
+
+}  // namespace

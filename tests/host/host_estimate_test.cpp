@@ -1,0 +1,71 @@
+// `prsm estimate` in process, on the test-only design sheets: the three output forms, the exit status of
+// a refused design and of a design without a steady temperature.
+#ifdef PRSM_HOST_CORE_LINKED
+
+#include <prsm/host/Commands.h>
+#include <prsm/host/HostError.h>
+#include <prsm/host/Request.h>
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include <sstream>
+
+namespace prsm::host {
+namespace {
+
+struct EstimateRun {
+    int code;
+    std::string out, err;
+};
+
+EstimateRun estimate(std::string const& file, std::vector<char const*> flags = {}) {
+    std::string const path = std::string(PRSM_TEST_DESIGNDIR) + "/" + file;
+    std::vector<char const*> args{"prsm", "estimate", path.c_str()};
+    args.insert(args.end(), flags.begin(), flags.end());
+    std::ostringstream out, err;
+    ParsedCommandLine const parsed = parseCommandLine(static_cast<int>(args.size()), args.data(), out, err);
+    EXPECT_TRUE(parsed.request);
+    int const code = runRequest(*parsed.request, DataDirChoice{}, out, err);
+    return {code, out.str(), err.str()};
+}
+
+TEST(HostEstimate, PrintsTableJsonAndCsv) {
+    EstimateRun const table = estimate("small.json");
+    EXPECT_EQ(table.code, kExitOk) << table.err;
+    EXPECT_NE(table.out.find("voltage (V)"), std::string::npos);
+    EXPECT_NE(table.out.find("4 iterations"), std::string::npos);
+
+    EstimateRun const json = estimate("small.json", {"--json"});
+    ASSERT_EQ(json.code, kExitOk);
+    nlohmann::json const report = nlohmann::json::parse(json.out);
+    EXPECT_EQ(report["schema_version"], 1);
+    // 2 x (0.064 + 0.015) + 0.016 + 0.2 + 0.18 W of dynamic power.
+    EXPECT_NEAR(report["totals"]["dynamic_power"].get<double>(), 0.554, 1e-6);
+    EXPECT_EQ(report["blocks"].size(), 4u);
+
+    EstimateRun const csv = estimate("small.json", {"--csv"});
+    ASSERT_EQ(csv.code, kExitOk);
+    EXPECT_EQ(csv.out.rfind("section,name,rail,quantity,value,unit\n", 0), 0u);
+    EXPECT_NE(csv.out.find("rail,VCCO18,VCCO18,dynamic_current,0.1,A\n"), std::string::npos);
+    EXPECT_NE(csv.out.find("block,ddr phy,VCCO18,power,0.18,W\n"), std::string::npos);  // 0.1 A at 1.8 V
+}
+
+TEST(HostEstimate, RefusedDesignAndRunawayEndWithTheirStatus) {
+    EstimateRun const malformed = estimate("malformed.json");
+    EXPECT_EQ(malformed.code, kExitBadInput);
+    EXPECT_NE(malformed.err.find("prsm: error: "), std::string::npos);
+    EXPECT_NE(malformed.err.find("malformed.json: /: not valid JSON"), std::string::npos);
+    EXPECT_TRUE(malformed.out.empty());
+
+    EstimateRun const runaway = estimate("runaway.json");
+    EXPECT_EQ(runaway.code, kExitDataFailure);
+    EXPECT_NE(runaway.err.find("prsm: error: thermal runaway"), std::string::npos);
+    EXPECT_NE(runaway.out.find("No totals"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace prsm::host
+
+#endif

@@ -1,0 +1,41 @@
+// The shipped example design through the `prsm` executable, on the shipped data: it estimates
+// completely, and its JSON report adds up.
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <cstdio>
+#include <string>
+
+namespace {
+
+TEST(PrsmEstimateCli, ShippedExampleEstimatesCompletely) {
+    std::string const command = std::string("QDI_DATADIR='") + PRSM_SHIPPED_DATADIR + "' '" +
+                                PRSM_HOST_BINARY + "' estimate '" + PRSM_EXAMPLESDIR +
+                                "/accelerator.json' --json 2>/dev/null";
+    FILE* pipe = ::popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string out;
+    char buffer[4096];
+    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) out.append(buffer, n);
+    ASSERT_EQ(::pclose(pipe), 0) << out;
+
+    nlohmann::json const report = nlohmann::json::parse(out);
+    EXPECT_TRUE(report["complete"].get<bool>());
+    EXPECT_TRUE(report["warnings"].empty()) << report["warnings"].dump();
+    // Every block and load is listed, and their power is the dynamic total.
+    double blocks = 0;
+    for (auto const& block : report["blocks"]) blocks += block["power"].get<double>();
+    double const dynamic = report["totals"]["dynamic_power"].get<double>();
+    EXPECT_EQ(report["blocks"].size(), 20u);  // 13 blocks and 7 extra loads
+    EXPECT_NEAR(blocks, dynamic, 1e-9 * dynamic);
+    if (!report.contains("static")) {
+        // No leakage sheet named: the rails carry the dynamic power alone, and Tj = 40 + 1.3 P.
+        double rails = 0;
+        for (auto const& rail : report["rails"]) rails += rail["power"].get<double>();
+        EXPECT_NEAR(rails, dynamic, 1e-9 * dynamic);
+        EXPECT_NEAR(report["thermal"]["junction_temperature"].get<double>(), 40.0 + 1.3 * dynamic,
+                    1e-9 * dynamic);
+    }
+}
+
+}  // namespace

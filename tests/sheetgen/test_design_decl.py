@@ -1,0 +1,84 @@
+"""The generator's checks of the whole-design declarations ([rails] and [design]) of a sheet table."""
+
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "sheetgen"))
+
+import design_decl  # noqa: E402
+from sheet import SheetError, load  # noqa: E402
+
+BASE = """
+[sheet]
+description = "declarations"
+calculate = ["POWER", "AUX_CURRENT"]
+{extra}
+[cells.float]
+inputs = ["VCCINT", "VCC_SOC", "TJ", "FED"]
+outputs = ["POWER", "AUX_CURRENT"]
+[cells.string]
+inputs = ["DEVICE"]
+[inputs."{{VCCINT,VCC_SOC,TJ,FED}}"]
+default = 0.0
+[inputs.DEVICE]
+default = "D"
+"""
+
+
+def sheet_with(extra: str):
+    with tempfile.TemporaryDirectory() as folder:
+        path = Path(folder) / "Decl.toml"
+        path.write_text(BASE.format(extra=extra))
+        return load(path, Path(folder))
+
+
+class DesignDeclarations(unittest.TestCase):
+    def test_accepted_declarations_reach_the_initialiser(self):
+        sheet = sheet_with("""
+[rails]
+voltage = { VCC_SOC = "VCCSOC" }
+power = { POWER = "VCCSOC" }
+current = { AUX_CURRENT = "VCCAUX" }
+[design]
+region = "noc"
+device = { DEVICE = "part" }
+temperature = "TJ"
+feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
+""")
+        d = sheet.design
+        self.assertEqual(d.voltage, [("VCC_SOC", "VCCSOC")])
+        self.assertEqual(d.current, [("AUX_CURRENT", "VCCAUX")])
+        self.assertEqual(d.feeds, [("FED", "rail:VCCINT,VCCSOC !region:aie tag:ip")])
+        text = design_decl.initializer(d)
+        self.assertTrue(text.startswith('prsm::SheetDesign{"noc", {{"VCC_SOC", "VCCSOC"}}'))
+        # The list form: each cell is its rail's name, braces expanded.
+        listed = sheet_with('[rails]\nvoltage = ["VCC{INT,_SOC}"]\n').design
+        self.assertEqual(listed.voltage, [("VCCINT", "VCCINT"), ("VCC_SOC", "VCC_SOC")])
+
+    def test_refuses_each_kind_of_mistake(self):
+        cases = {
+            '[rails]\npower = { NOPE = "VCCINT" }\n': "no cell NOPE",
+            '[rails]\npower = { VCCINT = "VCCINT" }\n': "is not a float computed cell",
+            '[rails]\nvoltage = { POWER = "VCCINT" }\n': "is not a float input",
+            '[rails]\npower = { POWER = "vccint" }\n': "not an upper-case rail name",
+            '[rails]\nwatts = { POWER = "VCCINT" }\n': "rails: unknown keys",
+            '[design]\nregion = "fabric"\n': "unknown region 'fabric'",
+            '[design]\ndevice = { DEVICE = "family" }\n': "unknown field 'family'",
+            '[design]\ndevice = { VCCINT = "part" }\n': "is not a string input",
+            '[design]\nfeeds = { FED = "region:noc" }\n': "names its junction-temperature input",
+            '[design]\ntemperature = "TJ"\nfeeds = { FED = "colour:red" }\n': "is not rail:, region: or tag:",
+            '[design]\ntemperature = "TJ"\nfeeds = { FED = "region:moon" }\n': "unknown region 'moon'",
+            '[design]\ntemperature = "TJ"\nstatic_current = "STATIC_CURRENT"\n': "one {} for the rail",
+        }
+        for extra, message in cases.items():
+            with self.subTest(extra=extra):
+                with self.assertRaises(SheetError) as caught:
+                    sheet_with(extra)
+                self.assertIn(message, str(caught.exception))
+
+
+if __name__ == "__main__":
+    unittest.main()
