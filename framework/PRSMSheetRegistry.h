@@ -27,6 +27,11 @@ struct CellInfo {
     std::string validityKey;      // the int-dispatch name that evaluates the rule, empty when none
     bool hasValidValues = false;  // a string input with a closed list of choices
     std::string unit;             // "V", "mW", "MHz", "%", "count", ...; empty when the cell has none
+    // What the sheet's table asks a host to warn about once the cell is calculated (its [warnings]):
+    // the message for a value below 0 and for a value above 0, empty when none. Hosts fill in the
+    // "{value}" and "{unit}" the messages hold; nothing is clamped.
+    std::string belowZeroWarning;
+    std::string aboveZeroWarning;
 };
 
 // A table whose rows are keyed by a string input's value (one of the table's keys is named like the

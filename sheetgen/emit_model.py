@@ -358,7 +358,8 @@ def _cell_info(sheet: Sheet, plan: Plan, cell: Cell) -> str:
         listed = "true" if inp.list_name is not None else "false"
     esc = lambda s: s.replace("\\", "\\\\").replace('"', '\\"')
     return (f'    {{"{cell.name}", {CELL_TYPE[cell.type]}, {CELL_CATEGORY[cell.category]}, "{esc(default)}", '
-            f'"{esc(rule)}", "{key}", {listed}, "{esc(cell.unit)}"}},')
+            f'"{esc(rule)}", "{key}", {listed}, "{esc(cell.unit)}", '
+            f'"{esc(cell.warnings.get("below_zero", ""))}", "{esc(cell.warnings.get("above_zero", ""))}"}},')
 
 
 def _rows_lacking(sheet: Sheet) -> str:
@@ -488,6 +489,8 @@ struct CellRow {{
     char const* validityKey;
     bool hasValidValues;
     char const* unit;
+    char const* belowZeroWarning;
+    char const* aboveZeroWarning;
 }};
 
 constexpr CellRow cellRows[] = {{
@@ -499,7 +502,7 @@ std::vector<prsm::CellInfo> cellInfos() {{
     cells.reserve(std::size(cellRows));
     for (CellRow const& row : cellRows)
         cells.push_back({{row.name, row.type, row.category, row.declaredDefault, row.rule, row.validityKey,
-                         row.hasValidValues, row.unit}});
+                         row.hasValidValues, row.unit, row.belowZeroWarning, row.aboveZeroWarning}});
     return cells;
 }}
 

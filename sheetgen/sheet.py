@@ -101,6 +101,7 @@ class Cell:
     pattern: str | None = None
     member: str | None = None
     unit: str = ""
+    warnings: dict = field(default_factory=dict)  # "below_zero"/"above_zero" -> message ({value}, {unit} left)
 
     @property
     def camel(self) -> str:
@@ -305,6 +306,66 @@ def _units(doc: dict, by_name: dict[str, Cell]) -> None:
         cell.unit = units.pop()
 
 
+WARNING_KINDS = ("below_zero", "above_zero")
+_WARNING_FIELDS = ("cell", "*", "value", "unit")
+
+
+def _warnings(doc: dict, by_name: dict[str, Cell]) -> None:
+    """The [warnings] section: below_zero / above_zero = { cell name pattern = message }. A host gives
+    the message when a number cell's calculated value is below / above 0. Names resolve as in [units]
+    (an exact name beats a "*" pattern, the longest pattern wins; patterns pass over string cells and
+    the validity flags). The message may hold {cell} (the cell's name) and {*} (what the pattern's
+    first "*" matched; the whole name for an exact one), filled in here, and {value} and {unit}, which
+    the host fills in."""
+    section = doc.get("warnings", {})
+    if not isinstance(section, dict):
+        raise SheetError("warnings: expected a table of below_zero and above_zero")
+    unknown = set(section) - set(WARNING_KINDS)
+    if unknown:
+        raise SheetError(f"warnings: unknown checks {sorted(unknown)} (below_zero, above_zero)")
+    for kind in WARNING_KINDS:
+        entries = section.get(kind, {})
+        if not isinstance(entries, dict) or not all(isinstance(m, str) for m in entries.values()):
+            raise SheetError(f"warnings.{kind}: expected a table of cell name pattern = message")
+        exact: dict[str, str] = {}
+        globs: list[tuple[str, str]] = []
+        for pattern, message in entries.items():
+            for used in re.findall(r"\{([^{}]*)\}", message):
+                if used not in _WARNING_FIELDS:
+                    raise SheetError(f"warnings.{kind}.{pattern}: unknown field {{{used}}} in the message "
+                                     f"(use {{cell}}, {{*}}, {{value}}, {{unit}})")
+            for name in expand(pattern):
+                if "*" in name:
+                    globs.append((name, message))
+                    if not any(_glob(name).fullmatch(c.name) for c in by_name.values()
+                               if c.type != "string" and not _is_flag(c.name)):
+                        raise SheetError(f"warnings.{kind}: pattern {name} matches no number cell")
+                elif name not in by_name:
+                    raise SheetError(f"warnings.{kind}: no cell {name}")
+                elif by_name[name].type == "string":
+                    raise SheetError(f"warnings.{kind}: {name} is a string cell")
+                elif exact.setdefault(name, message) != message:
+                    raise SheetError(f"warnings.{kind}: cell {name} is given two messages")
+        for name, cell in by_name.items():
+            if name in exact:
+                cell.warnings[kind] = exact[name].replace("{cell}", name).replace("{*}", name)
+                continue
+            if cell.type == "string" or _is_flag(name):
+                continue
+            matches = [(len(p), p, m) for p, m in globs if _glob(p).fullmatch(name)]
+            if not matches:
+                continue
+            longest = max(length for length, _, _ in matches)
+            best = {(p, m) for length, p, m in matches if length == longest}
+            if len({m for _, m in best}) > 1:
+                raise SheetError(f"warnings.{kind}: cell {name} matches "
+                                 f"{', '.join(sorted(p for p, _ in best))} of equal length with different messages")
+            pattern, message = min(best)
+            head, _, tail = pattern.partition("*")
+            starred = re.fullmatch(re.escape(head) + "(.*?)" + _glob(tail).pattern, name)[1]
+            cell.warnings[kind] = message.replace("{cell}", name).replace("{*}", starred)
+
+
 def _tables(doc: dict) -> tuple[list[Table], list[tuple[str, Table]]]:
     maps: dict[str, Table] = {}
     order = []
@@ -336,6 +397,7 @@ def load(path: Path, source_root: Path) -> Sheet:
     _current_lists.update(lists)
     cells, by_name = _cells(doc, lists)
     _units(doc, by_name)
+    _warnings(doc, by_name)
     tables, load_order = _tables(doc)
 
     families = []

@@ -1,4 +1,5 @@
-// Units declared in a sheet table: how a cell's unit is resolved, and the tables the generator refuses.
+// Units declared in a sheet table: how a cell's unit is resolved, and the tables the generator refuses;
+// likewise the [warnings] entries it refuses.
 
 #include <prsm/framework/PRSMSheetRegistry.h>
 
@@ -70,6 +71,23 @@ TEST(SheetUnits, TheGeneratorRefusesUnitsThatNameNothingOrAreNotLists) {
     EXPECT_NE(generate("W = [\"TOTAL_POWER\", 3]").find("units.W: expected a list"), std::string::npos);
     EXPECT_NE(generate("W = [\"TOTAL_POWER\"]\nmW = [\"TOTAL_POWER\"]").find("two units"), std::string::npos);
     EXPECT_NE(generate("W = [\"TOTAL_*\"]\nmW = [\"*_POWER\"]").find("equal length"), std::string::npos);
+}
+
+TEST(SheetWarnings, TheGeneratorRefusesWarningsItCannotPlace) {
+    // `generate` writes its text under [units]; a [warnings] table may follow there.
+    auto const warnings = [](std::string const& entries) {
+        return generate("W = [\"TOTAL_POWER\"]\n\n[warnings]\n" + entries);
+    };
+    EXPECT_EQ(warnings("above_zero = { \"*_POWER\" = \"{*} is {value} {unit} ({cell})\" }"), "accepted");
+    EXPECT_NE(warnings("above_zero = { \"TOTAL_POWER\" = \"{amount}\" }").find("unknown field {amount}"),
+              std::string::npos);
+    EXPECT_NE(
+        warnings("below_zero = { \"*_CURRENT\" = \"x\" }").find("pattern *_CURRENT matches no number cell"),
+        std::string::npos);
+    EXPECT_NE(warnings("below_zero = { \"VCCINT\" = \"x\" }").find("no cell VCCINT"), std::string::npos);
+    EXPECT_NE(warnings("negative = { \"CLOCK_FREQ\" = \"x\" }").find("unknown checks"), std::string::npos);
+    EXPECT_NE(warnings("below_zero = [\"CLOCK_FREQ\"]").find("warnings.below_zero: expected a table"),
+              std::string::npos);
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ namespace prsm::host {
 namespace {
 
 CellInfo cell(char const* name, CellType type) {
-    return {name, type, CellCategory::UserInput, "", "", "", false, ""};
+    return {name, type, CellCategory::UserInput, "", "", "", false, "", "", ""};
 }
 
 // The canonical text of an accepted value; fails the test when the value is refused.
