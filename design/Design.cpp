@@ -166,12 +166,17 @@ std::string designOwned(SheetDesign const& design, std::string const& cell) {
     if (cell == design.temperatureInput) return "the junction temperature: set it under /thermal";
     for (auto const& [input, selector] : design.feeds)
         if (input == cell) return "summed from the design's dynamic power (" + selector + ")";
+    for (auto const& [input, rail] : design.boardCurrents)
+        if (input == cell) return "the device's total current on rail " + rail + ", which the design sets";
     return {};
 }
 
 namespace {
 
-Block readBlock(Checker& check, Json const& json, std::string const& pointer, bool isStatic) {
+enum class Role { Block, Static, Board };
+
+Block readBlock(Checker& check, Json const& json, std::string const& pointer, Role role) {
+    bool const isStatic = role == Role::Static;
     Block block;
     block.pointer = pointer;
     if (!json.is_object()) {
@@ -179,9 +184,9 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, bo
         return block;
     }
     check.onlyKeys(json, pointer,
-                   isStatic ? std::set<std::string>{"model", "inputs"}
-                            : std::set<std::string>{"name", "model", "count", "inputs"});
-    if (!isStatic) {
+                   role != Role::Block ? std::set<std::string>{"model", "inputs"}
+                                       : std::set<std::string>{"name", "model", "count", "inputs"});
+    if (role == Role::Block) {
         if (auto it = json.find("name"); it == json.end())
             check.fail(pointer, "missing \"name\"");
         else if (auto name = check.string(*it, pointer + "/name")) {
@@ -189,7 +194,7 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, bo
             block.name = *name;
         }
     } else {
-        block.name = "static";
+        block.name = isStatic ? "static" : "board";
     }
     std::string const who = "block \"" + block.name + "\"";
     Sheet const* sheet = nullptr;
@@ -204,6 +209,13 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, bo
         else if (isStatic && !sheet->design().isStatic())
             check.fail(pointer + "/model",
                        who + ": " + *model + " does not declare itself a static-power sheet");
+        else if (role == Role::Board && !sheet->design().isBoard())
+            check.fail(pointer + "/model",
+                       who + ": " + *model +
+                           " is not a module board: its table declares no device currents ([design] "
+                           "board_currents)");
+        else if (role == Role::Block && sheet->design().isBoard())
+            check.fail(pointer + "/model", who + ": " + *model + " is a module board: name it under /board");
         else if (!isStatic && sheet->design().isStatic())
             check.fail(pointer + "/model",
                        who + ": " + *model + " is the static-power sheet: name it under /static");
@@ -290,9 +302,9 @@ Design parseDesign(std::string const& text, std::string const& source) {
         check.fail("", "a design is a JSON object, found " + typeName(json));
         check.finish();
     }
-    check.onlyKeys(
-        json, "",
-        {"schema_version", "description", "device", "thermal", "rails", "static", "blocks", "loads"});
+    check.onlyKeys(json, "",
+                   {"schema_version", "description", "device", "thermal", "rails", "static", "board",
+                    "blocks", "loads"});
 
     if (auto it = json.find("schema_version"); it == json.end())
         check.fail("", "missing \"schema_version\" (this build reads version " +
@@ -349,7 +361,17 @@ Design parseDesign(std::string const& text, std::string const& source) {
     }
 
     if (auto it = json.find("static"); it != json.end())
-        design.staticSheet = readBlock(check, *it, "/static", true);
+        design.staticSheet = readBlock(check, *it, "/static", Role::Static);
+
+    // The module board: its name, or {"model": ..., "inputs": {...}} for its own inputs (memory traffic).
+    if (auto it = json.find("board"); it != json.end()) {
+        if (it->is_string()) {
+            Json const named{{"model", it->get<std::string>()}};
+            design.board = readBlock(check, named, "/board", Role::Board);
+        } else {
+            design.board = readBlock(check, *it, "/board", Role::Board);
+        }
+    }
 
     std::set<std::string> names;
     if (auto it = json.find("blocks"); it == json.end() || !it->is_array()) {
@@ -358,7 +380,7 @@ Design parseDesign(std::string const& text, std::string const& source) {
     } else {
         for (std::size_t i = 0; i < it->size(); ++i) {
             std::string const pointer = "/blocks/" + std::to_string(i);
-            Block block = readBlock(check, (*it)[i], pointer, false);
+            Block block = readBlock(check, (*it)[i], pointer, Role::Block);
             if (!block.name.empty() && !names.insert(block.name).second)
                 check.fail(pointer + "/name",
                            "block \"" + block.name + "\": the name is used by an earlier block");

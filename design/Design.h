@@ -65,6 +65,7 @@ struct Design {
     Thermal thermal;
     std::vector<std::pair<std::string, double>> rails;  // rail -> voltage in V
     std::optional<Block> staticSheet;                   // the static-power sheet, when named
+    std::optional<Block> board;                         // the module board the device sits on, when named
     std::vector<Block> blocks;
     std::vector<Load> loads;
 };

@@ -78,6 +78,8 @@ std::string internalPart(std::string const& part) {
             if (key.size() > suffix.size() &&
                 key.compare(key.size() - suffix.size(), suffix.size(), suffix) == 0)
                 return value;
+        for (auto const& entry : catalogue.m_Device)  // a module's base device is its own internal name
+            if (entry.second == name) return name;
     } catch (...) {  // no catalogue: the sheets keep their own default
     }
     return {};
@@ -107,6 +109,34 @@ double maxJunctionTemperature() {
     } catch (...) {
         return 0.0;
     }
+}
+
+// The catalogue architecture of a part: DEVICE.<family>.<part>, or a family one of whose parts has it as
+// internal name (a module's base device), then DEVICE_FAMILY.<architecture>.<family>. "" when unknown.
+std::string architectureOf(std::string const& part) {
+    try {
+        PRSMCommonParamControlData const& catalogue = PRSMCommonParamControlData::getGlobal();
+        std::string name = catalogue.getDeviceAliasOrError(part);
+        if (name == prsm::kStringNotSet) name = part;
+        std::string family;
+        for (auto const& [key, value] : catalogue.m_Device) {
+            std::size_t const dot = key.find('.');
+            if (dot == std::string::npos) continue;
+            if (key.compare(dot + 1, std::string::npos, name) == 0) {
+                family = key.substr(0, dot);
+                break;
+            }
+            if (value == name) family = key.substr(0, dot);
+        }
+        if (family.empty()) return {};
+        for (auto const& entry : catalogue.m_DeviceFamily) {
+            std::size_t const dot = entry.first.find('.');
+            if (dot != std::string::npos && entry.first.compare(dot + 1, std::string::npos, family) == 0)
+                return entry.first.substr(0, dot);
+        }
+    } catch (...) {  // no catalogue
+    }
+    return {};
 }
 
 std::string what(std::exception const& e) {
@@ -166,6 +196,16 @@ struct Estimator::State {
     std::vector<std::pair<std::size_t, std::size_t>> staticRegionCell;  // region, cell
     std::vector<Feed> feeds;
 
+    // The module board: its current inputs with the rail each takes (kNone: a rail the design lacks).
+    struct BoardRegulatorCells {
+        std::string name;
+        std::size_t load, efficiency, loss, overLimit;
+    };
+    std::unique_ptr<BlockState> board;
+    std::vector<std::pair<std::size_t, std::string>> boardInputs;  // input cell, rail name
+    std::size_t boardTotalCell = kNone;
+    std::vector<BoardRegulatorCells> boardRegulators;
+
     Report report;
 
     std::size_t rail(std::string const& name) {
@@ -179,6 +219,9 @@ struct Estimator::State {
     void calculateBlock(BlockState& block);
     void checkValidity(BlockState& block);
     bool staticAt(double junction, double& staticPower);
+    void setupBoard();
+    double readNumber(BlockState& block, std::size_t cell);
+    void buildBoard(std::vector<double> const& railDynamic, std::vector<double> const& staticCurrent);
     std::size_t cellOf(std::size_t r, std::size_t region, std::size_t tag);
     void describe(BlockState const& block, BlockResult& result) const;
     void build();
@@ -253,6 +296,8 @@ void Estimator::State::setup() {
         for (auto const& [cell, selector] : declared.feeds)
             feeds.push_back({cellIndex(*statics->sheet, cell), cell, parseSelector(selector)});
     }
+
+    if (design.board) setupBoard();
 
     // Voltages: the design's, else the static sheet's default, else the first block's default.
     voltage.resize(rails.size(), std::nan(""));
@@ -370,6 +415,88 @@ bool Estimator::State::staticAt(double junction, double& staticPower) {
                 staticPower += voltage[r] * statics->instance->storedNumber(staticCurrentCell[r]);
     }
     return std::isfinite(staticPower) && std::fabs(staticPower) < kFloatNotSet;
+}
+
+void Estimator::State::setupBoard() {
+    board = std::make_unique<BlockState>();
+    board->given = &*design.board;
+    board->sheet = SheetRegistry::instance().find(design.board->model);
+    SheetDesign const& declared = board->sheet ? board->sheet->design() : SheetDesign{};
+    if (board->sheet == nullptr || !declared.isBoard())
+        throw DesignError(design.source + ": /board: " + design.board->model +
+                          " is not a module board: its table declares no device currents ([design] "
+                          "board_currents)");
+    if (!declared.boardArchitecture.empty()) {
+        std::string const* part = design.device.find("part");
+        std::string const architecture = part ? architectureOf(*part) : std::string();
+        if (!architecture.empty() && architecture != declared.boardArchitecture)
+            throw DesignError(design.source + ": /device/part: part " + *part + " is a " + architecture +
+                              " device; board " + design.board->model + " carries a " +
+                              declared.boardArchitecture + " device");
+    }
+    prepareBlock(*board);
+    Sheet const& sheet = *board->sheet;
+    for (auto const& [cell, railName] : declared.boardCurrents)
+        boardInputs.emplace_back(cellIndex(sheet, cell), railName);
+    if (!declared.boardTotal.empty()) boardTotalCell = cellIndex(sheet, declared.boardTotal);
+    auto index = [&](std::string const& name) { return name.empty() ? kNone : cellIndex(sheet, name); };
+    for (BoardRegulator const& r : declared.boardRegulators)
+        boardRegulators.push_back(
+            {r.name, index(r.load), index(r.efficiency), index(r.loss), index(r.overLimit)});
+}
+
+double Estimator::State::readNumber(BlockState& block, std::size_t cell) {
+    if (cell == kNone) return std::nan("");
+    double value = block.instance->storedNumber(cell);
+    if (value >= kFloatNotSet)  // not computed by calculate(): evaluate it by name
+        value = std::strtod(block.instance->evaluate(block.sheet->cells()[cell].name).c_str(), nullptr);
+    return value;
+}
+
+// The board after the thermal solve: each current input takes its rail's dynamic plus static current.
+void Estimator::State::buildBoard(std::vector<double> const& railDynamic,
+                                  std::vector<double> const& staticCurrent) {
+    Report& out = report;
+    BoardResult result;
+    result.model = board->given->model;
+    for (auto const& [cell, railName] : boardInputs) {
+        double current = 0;
+        if (auto it = railIndex.find(railName); it != railIndex.end()) {
+            std::size_t const r = it->second;
+            current = (voltage[r] > 0 ? railDynamic[r] / voltage[r] : 0.0) + staticCurrent[r];
+        }
+        board->instance->setNumber(cell, current);
+        result.currents.emplace_back(board->sheet->cells()[cell].name, current);
+    }
+    calculateBlock(*board);
+    try {
+        if (board->error.empty()) {
+            result.totalPower = readNumber(*board, boardTotalCell);
+            for (BoardRegulatorCells const& r : boardRegulators) {
+                RegulatorResult reg{r.name, readNumber(*board, r.load), readNumber(*board, r.efficiency),
+                                    readNumber(*board, r.loss), readNumber(*board, r.overLimit)};
+                if (reg.overLimit > 0) {
+                    char text[200];
+                    std::snprintf(text, sizeof text, "regulator %s is loaded %.1f mW beyond its rating",
+                                  r.name.c_str(), reg.overLimit);
+                    out.warnings.push_back({result.model, board->sheet->cells()[r.overLimit].name, text});
+                }
+                result.regulators.push_back(std::move(reg));
+            }
+        }
+    } catch (PRSMException const& e) {
+        board->error = e.what();
+    } catch (std::exception const& e) {
+        board->error = e.what();
+    }
+    if (!board->error.empty()) {
+        out.complete = false;
+        out.failures.push_back("board (" + result.model + "): " + board->error);
+        return;
+    }
+    if (board->checkValidity) checkValidity(*board);
+    out.warnings.insert(out.warnings.end(), board->warnings.begin(), board->warnings.end());
+    out.board = std::move(result);
 }
 
 std::size_t Estimator::State::cellOf(std::size_t r, std::size_t region, std::size_t tag) {
@@ -584,6 +711,8 @@ void Estimator::State::build() {
     }
     out.staticPower = staticPower;
     out.totalPower = out.dynamicPower + out.staticPower;
+    out.board.reset();
+    if (board && out.complete) buildBoard(railDynamic, staticCurrent);
 }
 
 Estimator::Estimator(Design design) : m_state(std::make_unique<State>()) {
@@ -616,6 +745,8 @@ void Estimator::setInput(std::string const& block, std::string const& cell, std:
     State::BlockState* target = nullptr;
     if (block == "static" && s.statics)
         target = s.statics.get();
+    else if (block == "board" && s.board)
+        target = s.board.get();
     else if (auto it = s.blockIndex.find(block); it != s.blockIndex.end())
         target = &s.blocks[it->second];
     if (target == nullptr) throw DesignError("no block \"" + block + "\" in " + s.design.source);

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -55,6 +56,22 @@ struct ThermalResult {
     bool runaway = false;  // the loop found no steady state
 };
 
+// One regulator output of the module board; a figure its sheet does not declare is NaN.
+struct RegulatorResult {
+    std::string name;
+    double load = 0;        // A
+    double efficiency = 0;  // fraction
+    double loss = 0;        // W
+    double overLimit = 0;   // mW beyond the output's rating; 0 within it
+};
+
+struct BoardResult {
+    std::string model;
+    double totalPower = 0;                                 // W: the module's total, device included
+    std::vector<std::pair<std::string, double>> currents;  // fed input cell -> A
+    std::vector<RegulatorResult> regulators;
+};
+
 struct Report {
     std::string source;
     std::string staticModel;  // empty when the design names no static sheet
@@ -67,9 +84,10 @@ struct Report {
     std::vector<std::pair<std::string, double>> staticInputs;  // fed input cell -> W
     std::vector<Warning> warnings;
     ThermalResult thermal;
-    double dynamicPower = 0;  // W
-    double staticPower = 0;   // W
-    double totalPower = 0;    // W
+    std::optional<BoardResult> board;  // when the design names a module board
+    double dynamicPower = 0;           // W
+    double staticPower = 0;            // W
+    double totalPower = 0;             // W
 };
 
 // The thermal loop stops when two successive temperatures differ by less than this (degC)...
@@ -91,7 +109,8 @@ public:
     Report const& estimate();
     // Calculates the blocks whose inputs changed since the last estimate, then the static sheet.
     Report const& update();
-    // Changes one input of a block ("static" for the static sheet); the next update() recalculates it.
+    // Changes one input of a block ("static" for the static sheet, "board" for the
+    // module board); the next update() recalculates it.
     // Throws DesignError for an unknown block, a cell it may not set or a value that does not parse.
     void setInput(std::string const& block, std::string const& cell, std::string const& text);
 

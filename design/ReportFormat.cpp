@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <cstdio>
 #include <sstream>
 
@@ -82,6 +83,23 @@ std::string toJson(Report const& report) {
         for (auto const& [cell, value] : report.staticInputs) feeds[cell] = value;
         out["static"] = {{"model", report.staticModel}, {"inputs", feeds}};
     }
+    if (report.board) {
+        BoardResult const& b = *report.board;
+        auto figure = [](double value) { return std::isnan(value) ? Json(nullptr) : Json(value); };
+        Json currents = Json::object();
+        for (auto const& [cell, value] : b.currents) currents[cell] = value;
+        Json regulators = Json::array();
+        for (RegulatorResult const& r : b.regulators)
+            regulators.push_back({{"name", r.name},
+                                  {"load", figure(r.load)},
+                                  {"efficiency", figure(r.efficiency)},
+                                  {"loss", figure(r.loss)},
+                                  {"over_limit_mw", figure(r.overLimit)}});
+        out["board"] = {{"model", b.model},
+                        {"total_power", figure(b.totalPower)},
+                        {"currents", currents},
+                        {"regulators", regulators}};
+    }
     Json warnings = Json::array();
     for (Warning const& w : report.warnings)
         warnings.push_back({{"block", w.block}, {"cell", w.cell}, {"message", w.message}});
@@ -129,6 +147,20 @@ std::string toCsv(Report const& report) {
         line("total", "", "", "dynamic_power", number(report.dynamicPower), "W");
         line("total", "", "", "static_power", number(report.staticPower), "W");
         line("total", "", "", "total_power", number(report.totalPower), "W");
+    }
+    if (report.board) {
+        BoardResult const& b = *report.board;
+        for (auto const& [cell, value] : b.currents)
+            line("board_input", cell, "", "current", number(value), "A");
+        for (RegulatorResult const& r : b.regulators) {
+            if (!std::isnan(r.load)) line("regulator", r.name, "", "load", number(r.load), "A");
+            if (!std::isnan(r.efficiency))
+                line("regulator", r.name, "", "efficiency", number(r.efficiency), "fraction");
+            if (!std::isnan(r.loss)) line("regulator", r.name, "", "loss", number(r.loss), "W");
+            if (!std::isnan(r.overLimit))
+                line("regulator", r.name, "", "over_limit", number(r.overLimit), "mW");
+        }
+        if (!std::isnan(b.totalPower)) line("board", b.model, "", "total_power", number(b.totalPower), "W");
     }
     for (Warning const& w : report.warnings)
         line("warning", w.block, "", "invalid_input", w.cell + ": " + w.message, "");

@@ -1,8 +1,9 @@
 #pragma once
 // What a sheet declares about its place in a whole design: the rails its outputs draw from, the inputs
 // that take a rail's voltage or a field of the design's device, the region its power belongs to, and,
-// for the static sheet, which inputs receive the design's summed dynamic power. Declared once in the
-// sheet's table ([rails] and [design], see docs/sheet-tables.md) and read by the design engine; the
+// for the static sheet, which inputs receive the design's summed dynamic power, and for a module board,
+// which inputs take the device's rail currents and which outputs are its regulators' figures. Declared once
+// in the sheet's table ([rails] and [design], see docs/sheet-tables.md) and read by the design engine; the
 // library itself never acts on it.
 
 #include <string>
@@ -10,6 +11,16 @@
 #include <vector>
 
 namespace prsm {
+
+// One regulator output of a module board as its report shows it: the computed cells of its load (A),
+// efficiency (fraction), conversion loss (W) and power beyond its rating (mW); an empty name: none.
+struct BoardRegulator {
+    std::string name;
+    std::string load;
+    std::string efficiency;
+    std::string loss;
+    std::string overLimit;
+};
 
 struct SheetDesign {
     using Pairs = std::vector<std::pair<std::string, std::string>>;
@@ -31,10 +42,18 @@ struct SheetDesign {
     Pairs staticRegions;  // region -> computed cell in W
     Pairs feeds;
 
+    // A module board: the catalogue architecture of the device it carries ("DRAVIK"), the inputs that take
+    // the device's total current on a rail (input cell in A -> rail), its total power and its regulators.
+    std::string boardArchitecture;
+    Pairs boardCurrents;
+    std::string boardTotal;
+    std::vector<BoardRegulator> boardRegulators;
+
     bool isStatic() const { return !temperatureInput.empty(); }
+    bool isBoard() const { return !boardCurrents.empty(); }
     bool empty() const {
         return region.empty() && voltageInputs.empty() && powerOutputs.empty() && currentOutputs.empty() &&
-               deviceInputs.empty() && !isStatic();
+               deviceInputs.empty() && !isStatic() && !isBoard();
     }
 };
 

@@ -6,6 +6,7 @@
 #include <prsm/host/TextTable.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <ostream>
 #include <sstream>
@@ -71,11 +72,36 @@ std::string renderEstimateTable(design::Report const& report) {
         text << "\n" << formatTable({"static-sheet input", "value (W)"}, fed);
     }
 
+    if (report.board) {
+        design::BoardResult const& b = *report.board;
+        auto figure = [](double value, int decimals) {
+            return std::isnan(value) ? "-" : fixed(value, decimals);
+        };
+        std::vector<TextRow> regulators;
+        for (design::RegulatorResult const& r : b.regulators)
+            regulators.push_back({r.name, figure(r.load, 4), figure(r.efficiency, 3), figure(r.loss, 4),
+                                  std::isnan(r.overLimit) ? "-"
+                                  : r.overLimit > 0       ? fixed(r.overLimit, 1) + " OVER"
+                                                          : "0"});
+        text << "\nBoard: " << b.model << "\n"
+             << formatTable({"regulator", "load (A)", "efficiency", "loss (W)", "over limit (mW)"},
+                            regulators);
+        std::vector<TextRow> fed;
+        for (auto const& [cell, value] : b.currents)
+            if (value != 0) fed.push_back({cell, fixed(value, 4)});
+        if (!fed.empty()) text << "\n" << formatTable({"board input", "current (A)"}, fed);
+    }
+
     text << "\n";
     if (report.complete)
         text << formatTable({"total", "power (W)"}, {{"dynamic", fixed(report.dynamicPower, 4)},
                                                      {"static", fixed(report.staticPower, 4)},
                                                      {"total", fixed(report.totalPower, 4)}});
+    if (report.complete && report.board)
+        text << formatTable(
+            {"board", "power (W)"},
+            {{report.board->model + " total",
+              std::isnan(report.board->totalPower) ? "-" : fixed(report.board->totalPower, 4)}});
     else
         text << "No totals: the estimate is incomplete (see the errors).\n";
     return text.str();

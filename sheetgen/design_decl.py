@@ -27,6 +27,10 @@ class DesignDecl:
     static_total: str = ""
     static_regions: list[tuple[str, str]] = field(default_factory=list)
     feeds: list[tuple[str, str]] = field(default_factory=list)
+    board_architecture: str = ""
+    board_currents: list[tuple[str, str]] = field(default_factory=list)
+    board_total: str = ""
+    board_regulators: list[tuple[str, str, str, str, str]] = field(default_factory=list)
 
 
 def check_selector(text: str) -> None:
@@ -66,7 +70,7 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
     if unknown := set(rails) - {"voltage", "power", "current"}:
         raise SheetError(f"rails: unknown keys {sorted(unknown)}")
     known = {"region", "device", "temperature", "static_current", "max_current", "static_total", "static_regions",
-             "feeds"}
+             "feeds", "board_architecture", "board_currents", "board_total", "board_regulators"}
     if unknown := set(design) - known:
         raise SheetError(f"design: unknown keys {sorted(unknown)}")
     decl = DesignDecl()
@@ -131,6 +135,36 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
             cell(name, "design.feeds", ("float",), True)
             check_selector(selector)
             decl.feeds.append((name, selector))
+
+    board_keys = {"board_architecture", "board_currents", "board_total", "board_regulators"} & set(design)
+    if board_keys and "board_currents" not in design:
+        raise SheetError("design: a module board names the inputs of the device's currents in design.board_currents")
+    if "board_currents" in design:
+        if "temperature" in design:
+            raise SheetError("design: a sheet is either the static-power sheet or a module board, not both")
+        decl.board_currents = _pairs(design, "board_currents")
+        if not decl.board_currents:
+            raise SheetError("design.board_currents: an empty table")
+        for name, _ in decl.board_currents:
+            cell(name, "design.board_currents", ("float",), True)
+        decl.board_architecture = str(design.get("board_architecture", ""))
+        if decl.board_architecture and not RAIL.fullmatch(decl.board_architecture):
+            raise SheetError(f"design.board_architecture: {decl.board_architecture!r} is not an upper-case name")
+        decl.board_total = design.get("board_total", "")
+        if decl.board_total:
+            cell(decl.board_total, "design.board_total", ("float",), False)
+        regulators = design.get("board_regulators", {})
+        if not isinstance(regulators, dict):
+            raise SheetError("design.board_regulators: a table of regulator = { load, efficiency, loss, over_limit }")
+        for reg, figures in regulators.items():
+            if not isinstance(figures, dict) or not figures:
+                raise SheetError(f"design.board_regulators.{reg}: a table of load, efficiency, loss, over_limit")
+            if unknown := set(figures) - {"load", "efficiency", "loss", "over_limit"}:
+                raise SheetError(f"design.board_regulators.{reg}: unknown keys {sorted(unknown)}")
+            for key, name in figures.items():
+                cell(name, f"design.board_regulators.{reg}.{key}", ("float",), False)
+            decl.board_regulators.append((reg, figures.get("load", ""), figures.get("efficiency", ""),
+                                          figures.get("loss", ""), figures.get("over_limit", "")))
     return decl
 
 
@@ -138,9 +172,14 @@ def _cpp_pairs(pairs: list[tuple[str, str]]) -> str:
     return "{" + ", ".join(f'{{"{a}", "{b}"}}' for a, b in pairs) + "}"
 
 
+def _cpp_tuples(rows: list[tuple[str, ...]]) -> str:
+    return "{" + ", ".join("{" + ", ".join(f'"{x}"' for x in row) + "}" for row in rows) + "}"
+
+
 def initializer(decl: DesignDecl) -> str:
     """The prsm::SheetDesign aggregate, member by member in declaration order."""
     return (f'prsm::SheetDesign{{"{decl.region}", {_cpp_pairs(decl.voltage)}, {_cpp_pairs(decl.power)}, '
             f'{_cpp_pairs(decl.current)}, {_cpp_pairs(decl.device)}, "{decl.temperature}", '
             f'"{decl.static_current}", "{decl.max_current}", "{decl.static_total}", {_cpp_pairs(decl.static_regions)}, '
-            f'{_cpp_pairs(decl.feeds)}}}')
+            f'{_cpp_pairs(decl.feeds)}, "{decl.board_architecture}", {_cpp_pairs(decl.board_currents)}, '
+            f'"{decl.board_total}", {_cpp_tuples(decl.board_regulators)}}}')

@@ -54,6 +54,13 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
         self.assertEqual(d.feeds, [("FED", "rail:VCCINT,VCCSOC !region:aie tag:ip")])
         text = design_decl.initializer(d)
         self.assertTrue(text.startswith('prsm::SheetDesign{"noc", {{"VCC_SOC", "VCCSOC"}}'))
+        board = sheet_with('[design]\nboard_architecture = "ARCH"\nboard_currents = { FED = "VCCINT" }\n'
+                           'board_total = "POWER"\nboard_regulators = { R1 = { load = "AUX_CURRENT", '
+                           'over_limit = "POWER" } }\n').design
+        self.assertEqual(board.board_currents, [("FED", "VCCINT")])
+        self.assertEqual(board.board_regulators, [("R1", "AUX_CURRENT", "", "", "POWER")])
+        self.assertTrue(design_decl.initializer(board).endswith(
+            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER"}}}'))
         # The list form: each cell is its rail's name, braces expanded.
         listed = sheet_with('[rails]\nvoltage = ["VCC{INT,_SOC}"]\n').design
         self.assertEqual(listed.voltage, [("VCCINT", "VCCINT"), ("VCC_SOC", "VCC_SOC")])
@@ -72,6 +79,13 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
             '[design]\ntemperature = "TJ"\nfeeds = { FED = "colour:red" }\n': "is not rail:, region: or tag:",
             '[design]\ntemperature = "TJ"\nfeeds = { FED = "region:moon" }\n': "unknown region 'moon'",
             '[design]\ntemperature = "TJ"\nstatic_current = "STATIC_CURRENT"\n': "one {} for the rail",
+            '[design]\nboard_total = "POWER"\n': "design.board_currents",
+            '[design]\nboard_currents = { POWER = "VCCINT" }\n': "is not a float input",
+            '[design]\nboard_currents = { FED = "VCCINT" }\nboard_regulators = { R = { load = "TJ" } }\n':
+                "is not a float computed cell",
+            '[design]\nboard_currents = { FED = "VCCINT" }\nboard_regulators = { R = { volts = "POWER" } }\n':
+                "unknown keys ['volts']",
+            '[design]\ntemperature = "TJ"\nboard_currents = { FED = "VCCINT" }\n': "not both",
         }
         for extra, message in cases.items():
             with self.subTest(extra=extra):
