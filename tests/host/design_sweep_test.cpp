@@ -95,7 +95,7 @@ TEST(DesignSweep, RowsMatchSingleEstimatesAndTheFiguresByHand) {
         for (std::size_t row = 0; row < result.rows; ++row) {
             design::Design point = base;
             setInput(point, "slow", "CLOCK_FREQ", points[0].cellText(row));
-            setRail(point, "VCCINT", points[1].numbers[row]);
+            setRail(point, "VCCINT", std::stod(points[1].cellText(row)));  // 0.9, as a file gives it
             for (Quantity const& output : outputs)
                 EXPECT_EQ(column(result, output.name, row), single(point, output.name))
                     << output.name << " at row " << row;
@@ -135,9 +135,9 @@ TEST(DesignSweep, ThermalSettingsAndRailsOfLoadsMatchSingleEstimates) {
     ASSERT_EQ(solved.rows, 2u);
     for (std::size_t row = 0; row < solved.rows; ++row) {
         design::Design point = base;
-        point.thermal.ambient = solved.variables[0].numbers[row];
+        point.thermal.ambient = std::stod(solved.variables[0].cellText(row));
         point.thermal.thetaJa = 3.0;
-        setRail(point, "VCCO18", solved.variables[1].numbers[row]);
+        setRail(point, "VCCO18", std::stod(solved.variables[1].cellText(row)));
         EXPECT_EQ(solved.outputs[1].numbers[row], single(point, "junction_temperature")) << row;
         EXPECT_EQ(solved.outputs[0].numbers[row], single(point, "static_power")) << row;
     }
