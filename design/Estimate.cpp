@@ -151,6 +151,8 @@ struct Estimator::State {
     std::vector<std::string> rails;
     std::map<std::string, std::size_t> railIndex;
     std::vector<double> voltage;
+    std::vector<std::pair<std::string, double>> givenRails;  // design.rails as the file gives them
+    std::vector<double> givenVoltage;                        // the voltages setup() settled on
     std::vector<std::string> tags{""};
     std::vector<BlockState> blocks;
     std::map<std::string, std::size_t> blockIndex;
@@ -324,6 +326,8 @@ void Estimator::State::setup() {
     for (BlockState& block : blocks) writeVoltages(block);
     for (std::size_t i = 0; i < design.loads.size(); ++i)
         if (design.loads[i].current) design.loads[i].power = *design.loads[i].current * voltage[loadRail[i]];
+    givenRails = design.rails;
+    givenVoltage = voltage;
 
     for (BlockState& block : blocks)
         for (Output& out : block.outputs) out.aggregate = cellOf(out.rail, block.region, 0);
@@ -709,6 +713,20 @@ void Estimator::setRailVoltage(std::string const& rail, double volts) {
         if (s.loadRail[i] == r && s.design.loads[i].current)
             s.design.loads[i].power = *s.design.loads[i].current * volts;
     s.markRail(r);
+    if (s.statics) s.statics->checkValidity = true;
+}
+
+void Estimator::clearRailVoltages() {
+    State& s = *m_state;
+    s.design.rails = s.givenRails;
+    for (std::size_t r = 0; r < s.rails.size(); ++r)
+        if (s.voltage[r] != s.givenVoltage[r]) {
+            s.voltage[r] = s.givenVoltage[r];
+            s.markRail(r);
+        }
+    for (std::size_t i = 0; i < s.design.loads.size(); ++i)
+        if (s.design.loads[i].current)
+            s.design.loads[i].power = *s.design.loads[i].current * s.voltage[s.loadRail[i]];
     if (s.statics) s.statics->checkValidity = true;
 }
 

@@ -102,6 +102,8 @@ public:
     // from it recalculate, and loads given as a current follow. Throws DesignError for a rail not in use.
     void setRailVoltage(std::string const& rail, double volts);
     // Every rail in use, in the engine's order, with its voltage.
+    // Back to the file's rail voltages: every setRailVoltage since is undone.
+    void clearRailVoltages();
     std::vector<std::pair<std::string, double>> railVoltages() const;
 
     Design const& design() const;

@@ -54,9 +54,7 @@ std::string numberText(double value) {
 DesignEvaluation::DesignEvaluation(design::Design const& design,
                                    std::map<std::string, DesignTarget::Setting> const& settings,
                                    std::map<std::string, DesignTarget::Reader> const& readers)
-    : m_engine(design), m_settings(settings), m_readers(readers), m_thermal(design.thermal) {
-    for (auto const& [rail, volts] : m_engine.railVoltages()) m_voltages[rail] = volts;
-}
+    : m_engine(design), m_settings(settings), m_readers(readers), m_thermal(design.thermal) {}
 
 void DesignEvaluation::evaluate() {
     design::Report const& report = apply();
@@ -74,15 +72,15 @@ std::string DesignEvaluation::read(std::string const& name) {
 }
 
 design::Report const& DesignEvaluation::apply() {
-    bool inputsDropped = false;
+    bool inputsDropped = false, railsDropped = false;
     for (auto const& [name, text] : m_applied) {
         if (m_pending.count(name) != 0) continue;
         DesignTarget::Setting const& setting = m_settings.at(name);
         if (setting.kind == DesignTarget::Setting::Input) inputsDropped = true;
-        if (setting.kind == DesignTarget::Setting::Rail)
-            m_engine.setRailVoltage(setting.name, m_voltages.at(setting.name));
+        if (setting.kind == DesignTarget::Setting::Rail) railsDropped = true;
     }
     if (inputsDropped) m_engine.clearInputs();
+    if (railsDropped) m_engine.clearRailVoltages();  // the rails still set are set again below
     // Every input again when one was dropped or a `*.CELL` changed (it may cover a block's own
     // setting); otherwise only the inputs whose values changed.
     bool force = inputsDropped;

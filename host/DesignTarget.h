@@ -79,7 +79,6 @@ private:
     std::map<std::string, DesignTarget::Setting> const& m_settings;
     std::map<std::string, DesignTarget::Reader> const& m_readers;
     design::Thermal const m_thermal;
-    std::map<std::string, double> m_voltages;  // the file's, for a rail no longer set
     std::map<std::string, std::string> m_pending;
     std::map<std::string, std::string> m_applied;
     design::Report const* m_report = nullptr;

@@ -50,6 +50,9 @@ def test_estimate_is_the_report_of_prsm_estimate_json(tmp_path):
     path.write_text(json.dumps(changed))
     assert design.estimate()["totals"] == host_estimate(path)["totals"]
     assert design.settings == {"front end LUTs.CLOCK_FREQ": 500.0, "rail.VCCINT": 0.85}
+    # A rail the file leaves to its default, set and dropped again: the report is the file's again.
+    design.set("rail.VCCAUXPMC", 1.6)
+    assert design.estimate() != report
     design.reset()
     assert design.estimate() == report
 
