@@ -162,6 +162,7 @@ struct Estimator::State {
         bool dirty = true;
         bool changed = true;  // calculated since the report last described it
         bool checkValidity = true;
+        std::vector<std::pair<std::string, std::string>> changed_inputs;  // setInput's, cell -> text
         std::string error;
         std::vector<Warning> warnings;
     };
@@ -180,6 +181,8 @@ struct Estimator::State {
     std::vector<std::string> rails;
     std::map<std::string, std::size_t> railIndex;
     std::vector<double> voltage;
+    std::vector<std::pair<std::string, double>> givenRails;  // design.rails as the file gives them
+    std::vector<double> givenVoltage;                        // the voltages setup() settled on
     std::vector<std::string> tags{""};
     std::vector<BlockState> blocks;
     std::map<std::string, std::size_t> blockIndex;
@@ -216,6 +219,8 @@ struct Estimator::State {
 
     void setup();
     void prepareBlock(BlockState& block);
+    void restore(BlockState& block);
+    void markRail(std::size_t r);
     void calculateBlock(BlockState& block);
     void checkValidity(BlockState& block);
     bool staticAt(double junction, double& staticPower);
@@ -248,6 +253,32 @@ void Estimator::State::prepareBlock(BlockState& block) {
         block.outputs.push_back({cellIndex(sheet, cell), rail(railName), true});
     for (auto const& entry : declared.voltageInputs) rail(entry.second);
     block.power.assign(block.outputs.size(), 0.0);
+}
+
+// A block's parameter set as a fresh one would hold it: the sheet's defaults, the device, the file's
+// inputs, the inputs changed since, the rail voltages. The generated getters store a computed default
+// into its input cell, so a set that was calculated before would keep a default derived from an input
+// that has changed since (a signal rate from an old clock).
+void Estimator::State::restore(BlockState& block) {
+    SheetDesign const& declared = block.sheet->design();
+    block.instance->resetUserInputs();
+    for (auto const& [cell, field] : declared.deviceInputs)
+        if (std::string const* value = design.device.find(field)) block.instance->set(cell, *value);
+    for (Input const& input : block.given->inputs) block.instance->set(input.cell, input.text);
+    for (auto const& [cell, text] : block.changed_inputs) block.instance->set(cell, text);
+    for (auto const& [cell, railName] : declared.voltageInputs)
+        block.instance->setNumber(cellIndex(*block.sheet, cell), voltage[railIndex[railName]]);
+}
+
+// Every block whose figures depend on rail r's voltage is calculated again.
+void Estimator::State::markRail(std::size_t r) {
+    for (BlockState& block : blocks) {
+        bool uses = false;
+        for (auto const& entry : block.sheet->design().voltageInputs)
+            uses = uses || railIndex[entry.second] == r;
+        for (Output const& out : block.outputs) uses = uses || (out.current && out.rail == r);
+        if (uses) block.dirty = true, block.checkValidity = true;
+    }
 }
 
 void Estimator::State::setup() {
@@ -340,6 +371,8 @@ void Estimator::State::setup() {
     for (BlockState& block : blocks) writeVoltages(block);
     for (std::size_t i = 0; i < design.loads.size(); ++i)
         if (design.loads[i].current) design.loads[i].power = *design.loads[i].current * voltage[loadRail[i]];
+    givenRails = design.rails;
+    givenVoltage = voltage;
 
     for (BlockState& block : blocks)
         for (Output& out : block.outputs) out.aggregate = cellOf(out.rail, block.region, 0);
@@ -568,14 +601,12 @@ void Estimator::State::build() {
     }
     for (std::size_t i = 0; i < design.loads.size(); ++i) {
         Load const& load = design.loads[i];
-        if (fresh) {
-            BlockResult& result = out.blocks[blocks.size() + i];
-            result.name = load.name;
-            result.model = "load";
-            result.region = load.region;
-            result.power = load.power;
-            result.rails.emplace_back(load.rail, load.power);
-        }
+        BlockResult& result = out.blocks[blocks.size() + i];  // a current load follows its rail's voltage
+        result.name = load.name;
+        result.model = "load";
+        result.region = load.region;
+        result.power = load.power;
+        result.rails.assign(1, {load.rail, load.power});
         add(loadCell[i], load.power);
     }
 
@@ -589,6 +620,7 @@ void Estimator::State::build() {
     out.thermal.ambient = design.thermal.ambient;
     out.thermal.thetaJa = design.thermal.thetaJa;
     if (statics) {
+        restore(*statics);
         out.staticModel = statics->given->model;
         for (Feed const& feed : feeds) {
             double sum = 0;
@@ -733,7 +765,10 @@ Report const& Estimator::estimate() {
 
 Report const& Estimator::update() {
     for (State::BlockState& block : m_state->blocks) {
-        if (block.dirty) m_state->calculateBlock(block);
+        if (block.dirty) {
+            m_state->restore(block);
+            m_state->calculateBlock(block);
+        }
         if (block.checkValidity) m_state->checkValidity(block);
     }
     m_state->build();
@@ -760,8 +795,77 @@ void Estimator::setInput(std::string const& block, std::string const& cell, std:
     } catch (std::invalid_argument const& e) {
         throw DesignError("block \"" + block + "\": " + e.what());
     }
+    auto& changed = target->changed_inputs;
+    auto const it =
+        std::find_if(changed.begin(), changed.end(), [&](auto const& e) { return e.first == cell; });
+    if (it != changed.end())
+        it->second = text;
+    else
+        changed.emplace_back(cell, text);
     target->dirty = true;
     target->checkValidity = true;
+}
+
+void Estimator::clearInputs() {
+    State& s = *m_state;
+    for (State::BlockState& block : s.blocks)
+        if (!block.changed_inputs.empty()) {
+            block.changed_inputs.clear();
+            block.dirty = true;
+            block.checkValidity = true;
+        }
+    if (s.statics && !s.statics->changed_inputs.empty()) {
+        s.statics->changed_inputs.clear();
+        s.statics->checkValidity = true;
+    }
+}
+
+void Estimator::setThermal(Thermal const& thermal) {
+    m_state->design.thermal = thermal;
+}
+
+void Estimator::setRailVoltage(std::string const& rail, double volts) {
+    State& s = *m_state;
+    auto const found = s.railIndex.find(rail);
+    if (found == s.railIndex.end())
+        throw DesignError("no block or load of " + s.design.source + " uses rail " + rail);
+    if (!std::isfinite(volts)) throw DesignError("the voltage of rail " + rail + " is not a number");
+    std::size_t const r = found->second;
+    // As if the file gave it under /rails.
+    auto given = std::find_if(s.design.rails.begin(), s.design.rails.end(),
+                              [&](auto const& entry) { return entry.first == rail; });
+    if (given != s.design.rails.end())
+        given->second = volts;
+    else
+        s.design.rails.emplace_back(rail, volts);
+    if (s.voltage[r] == volts) return;
+    s.voltage[r] = volts;
+    for (std::size_t i = 0; i < s.design.loads.size(); ++i)
+        if (s.loadRail[i] == r && s.design.loads[i].current)
+            s.design.loads[i].power = *s.design.loads[i].current * volts;
+    s.markRail(r);
+    if (s.statics) s.statics->checkValidity = true;
+}
+
+void Estimator::clearRailVoltages() {
+    State& s = *m_state;
+    s.design.rails = s.givenRails;
+    for (std::size_t r = 0; r < s.rails.size(); ++r)
+        if (s.voltage[r] != s.givenVoltage[r]) {
+            s.voltage[r] = s.givenVoltage[r];
+            s.markRail(r);
+        }
+    for (std::size_t i = 0; i < s.design.loads.size(); ++i)
+        if (s.design.loads[i].current)
+            s.design.loads[i].power = *s.design.loads[i].current * s.voltage[s.loadRail[i]];
+    if (s.statics) s.statics->checkValidity = true;
+}
+
+std::vector<std::pair<std::string, double>> Estimator::railVoltages() const {
+    std::vector<std::pair<std::string, double>> rails;
+    for (std::size_t r = 0; r < m_state->rails.size(); ++r)
+        rails.emplace_back(m_state->rails[r], m_state->voltage[r]);
+    return rails;
 }
 
 Report estimateFile(std::string const& path) {

@@ -113,6 +113,17 @@ public:
     // module board); the next update() recalculates it.
     // Throws DesignError for an unknown block, a cell it may not set or a value that does not parse.
     void setInput(std::string const& block, std::string const& cell, std::string const& text);
+    // Back to the file's inputs: every setInput since is undone (the blocks concerned recalculate).
+    void clearInputs();
+    // New thermal conditions (a given junction temperature, or ambient and theta_ja to solve from).
+    void setThermal(Thermal const& thermal);
+    // A rail's voltage, as if the file gave it under /rails: the blocks that take it or draw a current
+    // from it recalculate, and loads given as a current follow. Throws DesignError for a rail not in use.
+    void setRailVoltage(std::string const& rail, double volts);
+    // Every rail in use, in the engine's order, with its voltage.
+    // Back to the file's rail voltages: every setRailVoltage since is undone.
+    void clearRailVoltages();
+    std::vector<std::pair<std::string, double>> railVoltages() const;
 
     Design const& design() const;
 

@@ -110,8 +110,7 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
         fixed += fixed.empty() ? "" : ", ";
         fixed += column.quantity.name + "=" + valueText(column, 0);
     }
-    std::string const held = fixed.empty() ? "every other input at its default"
-                                           : "held fixed: " + fixed + "; every other input at its default";
+    std::string const held = fixed.empty() ? result.rest : "held fixed: " + fixed + "; " + result.rest;
     script << "set title " << quoted(title) << " . \"\\n\" . " << quoted(held);
     if (result.stopped)
         script << " . \"\\n\" . "

@@ -254,7 +254,7 @@ std::vector<Column> gridPoints(std::vector<Column> const& axes) {
 }
 
 std::vector<Quantity> selectOutputs(SweepTarget const& target, std::string const& patterns) {
-    if (trim(patterns).empty()) return target.outputs();
+    if (trim(patterns).empty()) return target.defaultOutputs();
     std::vector<std::string> wanted;
     for (std::string const& pattern : split(patterns, ',')) wanted.push_back(trim(pattern));
     std::vector<Quantity> selected;
@@ -269,8 +269,7 @@ std::vector<Quantity> selectOutputs(SweepTarget const& target, std::string const
         });
         if (!matched)
             throw HostError(kExitBadInput, "no output of " + target.name() + " matches \"" + pattern +
-                                               "\"; `prsm cells " + target.name() +
-                                               " --category output` lists the outputs");
+                                               "\"; " + target.outputsHint());
     }
     return selected;
 }
@@ -294,6 +293,8 @@ SweepResult runSweep(SweepTarget const& target, std::vector<Column> const& fixed
 
     SweepResult result;
     result.target = target.name();
+    result.kind = target.kind();
+    result.rest = target.restDescription();
     result.total = total;
     result.fixed = fixed;
     for (Quantity const& output : outputs) {

@@ -71,6 +71,9 @@ struct SweepResult {
     std::size_t rows = 0;           // the points evaluated: all of them unless stopped
     std::size_t total = 0;          // the points asked for
     bool stopped = false;
+
+    std::string kind = "model";                             // the target's kind()
+    std::string rest = "every other input at its default";  // the target's restDescription()
 };
 
 // Evaluates every point: a fresh evaluation per point (defaults re-derived), the fixed inputs, the

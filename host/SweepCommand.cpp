@@ -1,4 +1,5 @@
 #include <prsm/host/Commands.h>
+#include <prsm/host/DesignTarget.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Inputs.h>
 #include <prsm/host/Plot.h>
@@ -11,6 +12,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <memory>
 #include <ostream>
 #include <set>
 
@@ -107,9 +109,13 @@ CLI::App* addSweepSubcommand(CLI::App& app, Request& request) {
     CLI::App* sweep = app.add_subcommand(
         "sweep",
         "Calculate a model over one or two variables (a range or a list) and print or plot the rows");
-    sweep->add_option("model", request.model, "Model name (see `prsm models`)")->required();
-    sweep->add_option("assignments", request.assignments,
-                      "VAR=START:STOP:STEP or VAR=a,b,c (one or two variables), NAME=VALUE (fixed inputs)");
+    sweep->add_option("model", request.model, "Model name (see `prsm models`) or a design file (DESIGN.json)")
+        ->required();
+    sweep->add_option(
+        "assignments", request.assignments,
+        "VAR=START:STOP:STEP or VAR=a,b,c (one or two variables), NAME=VALUE (fixed inputs); for a "
+        "design BLOCK.CELL, *.CELL, static.CELL, rail.RAIL, junction_temperature, "
+        "ambient_temperature, theta_ja");
     sweep->add_option("--outputs", request.sweep.outputs,
                       "Outputs to keep: comma-separated names or patterns with * and ? (default: all)");
     CLI::Option* csv = sweep->add_flag("--csv", request.sweep.csv, "Print the rows as CSV");
@@ -139,7 +145,7 @@ std::string sweepCsv(SweepResult const& result) {
 
 std::string sweepJson(SweepResult const& result) {
     nlohmann::ordered_json json;
-    json["model"] = result.target;
+    json[result.kind] = result.target;
     nlohmann::ordered_json fixed = nlohmann::ordered_json::object();
     for (Column const& column : result.fixed)
         fixed[column.quantity.name] = jsonValue(column.quantity.type, column.cellText(0));
@@ -183,7 +189,11 @@ std::string sweepTable(SweepResult const& result) {
 }
 
 int runSweepRequest(Request const& request, std::ostream& out, std::ostream& err) {
-    SheetTarget const target(findSheet(request.model));
+    std::unique_ptr<SweepTarget> const owned =
+        namesDesignFile(request.model)
+            ? std::unique_ptr<SweepTarget>(std::make_unique<DesignTarget>(request.model))
+            : std::make_unique<SheetTarget>(findSheet(request.model));
+    SweepTarget const& target = *owned;
     SweepSettings const& settings = request.sweep;
 
     // Everything is checked before anything is calculated; every problem is reported at once.
@@ -206,6 +216,10 @@ int runSweepRequest(Request const& request, std::ostream& out, std::ostream& err
             problems.push_back(e.what());
         }
     }
+    std::vector<std::string> names;
+    for (Column const& column : axes) names.push_back(column.quantity.name);
+    for (Column const& column : fixed) names.push_back(column.quantity.name);
+    if (std::string const why = target.conflict(names); !why.empty()) problems.push_back(why);
     if (axes.empty())
         problems.push_back("a sweep needs one or two variables given as VAR=START:STOP:STEP or VAR=a,b,c");
     if (axes.size() > 2)

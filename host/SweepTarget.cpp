@@ -33,6 +33,9 @@ Quantity const* SweepTarget::findOutput(std::string const& name) const {
     return findIn(outputs(), name);
 }
 
+std::string SweepTarget::outputsHint() const {
+    return "`prsm cells " + name() + " --category output` lists the outputs";
+}
 
 std::string cellUnit(CellInfo const& cell) {
     return cell.unit;

@@ -45,6 +45,17 @@ public:
     virtual std::string notAVariable(std::string const& name) const = 0;
     virtual std::unique_ptr<TargetEvaluation> create() const = 0;
 
+    // "model" or "design": the key that names the target in JSON rows.
+    virtual char const* kind() const { return "model"; }
+    // The results kept when no output is asked for.
+    virtual std::vector<Quantity> const& defaultOutputs() const { return outputs(); }
+    // Where the outputs are listed, for a pattern that matches none.
+    virtual std::string outputsHint() const;
+    // Why these variables cannot be set together, or "" when they can.
+    virtual std::string conflict(std::vector<std::string> const& /*names*/) const { return {}; }
+    // What the quantities neither swept nor fixed hold, for a picture's title.
+    virtual std::string restDescription() const { return "every other input at its default"; }
+
     Quantity const* findVariable(std::string const& name) const;
     Quantity const* findOutput(std::string const& name) const;
 };

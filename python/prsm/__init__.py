@@ -5,14 +5,16 @@
     >>> sheet.set("CLOCK_FREQ", 250)
     >>> sheet.calculate()["LOGIC_POWER"]
     >>> sheet.sweep({"CLOCK_FREQ": numpy.linspace(100, 500, 5)}, outputs=["LOGIC_POWER"])
+    >>> design = prsm.Design.load("examples/accelerator.json")
+    >>> design.estimate()["totals"]["total_power"]
 
 Errors are prsm.InputError (a name or value the model refuses; also a ValueError) and prsm.DataError
 (data that cannot be loaded, a calculation that fails; also a RuntimeError), both prsm.Error.
 """
 
-from ._core import Cell, DataError, Error, InputError, _Sheet, data_dir, models
+from ._core import Cell, DataError, Error, InputError, _Design, _Sheet, data_dir, models
 
-__all__ = ["Cell", "DataError", "Error", "InputError", "Sheet", "data_dir", "models"]
+__all__ = ["Cell", "DataError", "Design", "Error", "InputError", "Sheet", "data_dir", "models"]
 
 
 class Sheet(_Sheet):
@@ -70,6 +72,77 @@ class Sheet(_Sheet):
             raise InputError(f"no values for {names[0]}: an empty array")
         results = self._sweep_flat(names, columns, None if outputs is None else list(outputs), threads or 0)
         return {name: values.reshape(shape) for name, values in results.items()}
+
+
+class Design:
+    """A whole design: its blocks, rails and thermal conditions, estimated together.
+
+    Make one with Design.load(path) or Design.from_dict(dict) (the layout of a design file).
+    """
+
+    def __init__(self, core):
+        self._core = core
+
+    @classmethod
+    def load(cls, path):
+        """Reads and checks a design file; InputError lists every problem."""
+        return cls(_Design._load(str(path)))
+
+    @classmethod
+    def from_dict(cls, data, source="<dict>"):
+        """A design from a dict laid out as a design file; `source` names it in messages."""
+        import json as _json
+
+        if not isinstance(data, dict):
+            raise InputError(f"{source}: a design is a dict, not {type(data).__name__}")
+        try:
+            text = _json.dumps(data, allow_nan=False)
+        except (TypeError, ValueError) as error:
+            raise InputError(f"{source}: not a design: {error}") from None
+        return cls(_Design._from_text(text, source))
+
+    @property
+    def source(self):
+        """The file name, or the `source` given to from_dict."""
+        return self._core.source
+
+    @property
+    def variables(self):
+        """The names set() takes: BLOCK.CELL, *.CELL, static.CELL, rail.RAIL, junction_temperature, ..."""
+        return self._core.variables
+
+    @property
+    def outputs(self):
+        """The report's figures by the names `prsm sweep` uses for a design."""
+        return self._core.outputs
+
+    @property
+    def settings(self):
+        """The settings made with set(), by name."""
+        return self._core.settings
+
+    def set(self, name, value):
+        """Changes one quantity on top of the design as given (for the next estimate)."""
+        self._core.set(name, value)
+
+    def unset(self, name):
+        """Drops a setting: the quantity is as the design gives it again."""
+        self._core.unset(name)
+
+    def reset(self):
+        """Drops every setting."""
+        self._core.reset()
+
+    def estimate(self, partial=False):
+        """The report as plain Python data: the object `prsm estimate --json` prints.
+
+        A block that fails or a thermal runaway raises DataError, unless `partial` is true: the report
+        is then returned with "complete": False, its failures listed and no totals.
+        """
+        return self._core.estimate(partial)
+
+    def __repr__(self):
+        return f"<prsm.Design {self.source}>"
 
 
 def _is_text(value):

@@ -1,6 +1,8 @@
 // The compiled half of the `prsm` Python package: sheets from the registry, set and read by name,
 // calculated, and swept over NumPy arrays by the host's sweep core on several threads without the GIL.
+#include <prsm/design/ReportFormat.h>
 #include <prsm/host/CellListing.h>
+#include <prsm/host/DesignTarget.h>
 #include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Suggest.h>
@@ -279,6 +281,109 @@ private:
     std::vector<std::pair<std::string, std::string>> m_inputs;  // as set, in the order first set
 };
 
+// A whole design: read from a file or from a dict, estimated by the design engine. Settings made with
+// set() (the variables of a design sweep: "BLOCK.CELL", "rail.VCCINT", "junction_temperature", ...)
+// apply on top of the design as given; the engine recalculates only the blocks they touch.
+class PyDesign {
+public:
+    explicit PyDesign(std::shared_ptr<DesignTarget> target)
+        : m_target(std::move(target)), m_evaluation(m_target->createDesign()) {}
+
+    static PyDesign load(std::string const& path) { return PyDesign(std::make_shared<DesignTarget>(path)); }
+
+    static PyDesign fromJson(std::string const& text, std::string const& source) {
+        return PyDesign(
+            std::make_shared<DesignTarget>(readDesign([&] { return design::parseDesign(text, source); })));
+    }
+
+    std::string source() const { return m_target->name(); }
+
+    std::vector<std::string> variables() const { return names(m_target->variables()); }
+    std::vector<std::string> outputNames() const { return names(m_target->outputs()); }
+
+    void set(std::string const& name, py::handle value) {
+        Quantity const* variable = m_target->findVariable(name);
+        if (variable == nullptr) throw HostError(kExitBadInput, m_target->notAVariable(name));
+        std::string const text = toCellText(*variable, value);
+        std::vector<std::string> names{name};
+        for (auto const& entry : m_settings)
+            if (entry.first != name) names.push_back(entry.first);
+        if (std::string const why = m_target->conflict(names); !why.empty())
+            throw HostError(kExitBadInput, why);
+        for (auto& entry : m_settings)
+            if (entry.first == name) {
+                entry.second = text;
+                return;
+            }
+        m_settings.emplace_back(name, text);
+    }
+
+    void unset(std::string const& name) {
+        for (auto it = m_settings.begin(); it != m_settings.end(); ++it)
+            if (it->first == name) {
+                m_settings.erase(it);
+                return;
+            }
+    }
+
+    void reset() { m_settings.clear(); }
+
+    py::dict settings() const {
+        py::dict values;
+        // A float as the design takes it: the number its text says (0.85, as a file would give it).
+        for (auto const& [name, text] : m_settings) {
+            CellType const type = m_target->findVariable(name)->type;
+            values[py::str(name)] = type == CellType::Float ? py::float_(std::strtod(text.c_str(), nullptr))
+                                                            : fromText(type, text);
+        }
+        return values;
+    }
+
+    // The report as `prsm estimate --json` prints it, as Python data.
+    py::object estimate(bool partial) {
+        std::string json;
+        std::string failures;
+        try {
+            m_evaluation->reset();
+            for (auto const& [name, text] : m_settings) m_evaluation->set(name, text);
+            design::Report const& report = m_evaluation->apply();
+            json = design::toJson(report);
+            for (std::string const& failure : report.failures)
+                failures += (failures.empty() ? "" : "\n") + failure;
+            if (!report.complete && !partial)
+                throw HostError(kExitDataFailure, "estimating " + m_target->name() + " failed: " + failures);
+        } catch (HostError const&) {
+            throw;
+        } catch (design::DesignError const& e) {
+            throw HostError(kExitBadInput, e.what());
+        } catch (...) {
+            throw HostError(kExitDataFailure,
+                            "estimating " + m_target->name() + " failed: " + describeCurrentException());
+        }
+        return py::module_::import("json").attr("loads")(json);
+    }
+
+private:
+    template <typename Read>
+    static design::Design readDesign(Read read) {
+        try {
+            return read();
+        } catch (design::DesignError const& e) {
+            throw HostError(kExitBadInput, e.what());
+        }
+    }
+
+    static std::vector<std::string> names(std::vector<Quantity> const& quantities) {
+        std::vector<std::string> list;
+        for (Quantity const& quantity : quantities) list.push_back(quantity.name);
+        return list;
+    }
+
+    std::shared_ptr<DesignTarget> m_target;
+    std::unique_ptr<DesignEvaluation> m_evaluation;
+    std::vector<std::pair<std::string, std::string>> m_settings;  // as set, in the order first set
+};
+
 }  // namespace
 
 PYBIND11_MODULE(_core, module) {
@@ -337,4 +442,16 @@ PYBIND11_MODULE(_core, module) {
         .def("reflect", &PySheet::reflect)
         .def("_sweep_flat", &PySheet::sweepFlat, py::arg("names"), py::arg("columns"), py::arg("outputs"),
              py::arg("threads"));
+
+    py::class_<PyDesign>(module, "_Design")
+        .def_static("_load", &PyDesign::load, py::arg("path"))
+        .def_static("_from_text", &PyDesign::fromJson, py::arg("text"), py::arg("source"))
+        .def_property_readonly("source", &PyDesign::source)
+        .def_property_readonly("variables", &PyDesign::variables)
+        .def_property_readonly("outputs", &PyDesign::outputNames)
+        .def_property_readonly("settings", &PyDesign::settings)
+        .def("set", &PyDesign::set, py::arg("name"), py::arg("value"))
+        .def("unset", &PyDesign::unset, py::arg("name"))
+        .def("reset", &PyDesign::reset)
+        .def("estimate", &PyDesign::estimate, py::arg("partial") = false);
 }

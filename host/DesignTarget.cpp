@@ -1,0 +1,308 @@
+#include <prsm/design/Estimate.h>
+#include <prsm/design/Rails.h>
+#include <prsm/framework/PRSMException.h>
+#include <prsm/host/DesignTarget.h>
+#include <prsm/host/HostError.h>
+#include <prsm/host/Suggest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <set>
+#include <stdexcept>
+
+namespace prsm::host {
+
+namespace {
+
+constexpr char const* kVariableForms =
+    "a design's variables are BLOCK.CELL, static.CELL, *.CELL, rail.RAIL, junction_temperature, "
+    "ambient_temperature and theta_ja";
+
+// Runs `body`, turning the engine's and the library's exceptions into HostError.
+template <typename Body>
+auto guarded(Body&& body) {
+    try {
+        return body();
+    } catch (design::DesignError const& e) {
+        throw HostError(kExitBadInput, e.what());
+    } catch (PRSMException const& e) {
+        throw HostError(kExitDataFailure, e.what());
+    }
+}
+
+design::RailResult const* findRail(design::Report const& report, std::string const& rail) {
+    for (design::RailResult const& r : report.rails)
+        if (r.rail == rail) return &r;
+    return nullptr;
+}
+
+design::RegionResult const* findRegion(design::Report const& report, std::string const& region) {
+    for (design::RegionResult const& r : report.regions)
+        if (r.region == region) return &r;
+    return nullptr;
+}
+
+std::string numberText(double value) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.17g", value);
+    return text;
+}
+
+}  // namespace
+
+DesignEvaluation::DesignEvaluation(design::Design const& design,
+                                   std::map<std::string, DesignTarget::Setting> const& settings,
+                                   std::map<std::string, DesignTarget::Reader> const& readers)
+    : m_engine(design), m_settings(settings), m_readers(readers), m_thermal(design.thermal) {}
+
+void DesignEvaluation::evaluate() {
+    design::Report const& report = apply();
+    if (!report.complete) {
+        std::string message;
+        for (std::string const& failure : report.failures) message += (message.empty() ? "" : "; ") + failure;
+        throw std::runtime_error(message);
+    }
+}
+
+std::string DesignEvaluation::read(std::string const& name) {
+    double const value = m_readers.at(name)(*m_report);
+    if (name == "thermal_iterations") return std::to_string(static_cast<long long>(value));
+    return numberText(value);
+}
+
+design::Report const& DesignEvaluation::apply() {
+    bool inputsDropped = false, railsDropped = false;
+    for (auto const& [name, text] : m_applied) {
+        if (m_pending.count(name) != 0) continue;
+        DesignTarget::Setting const& setting = m_settings.at(name);
+        if (setting.kind == DesignTarget::Setting::Input) inputsDropped = true;
+        if (setting.kind == DesignTarget::Setting::Rail) railsDropped = true;
+    }
+    if (inputsDropped) m_engine.clearInputs();
+    if (railsDropped) m_engine.clearRailVoltages();  // the rails still set are set again below
+    // Every input again when one was dropped or a `*.CELL` changed (it may cover a block's own
+    // setting); otherwise only the inputs whose values changed.
+    bool force = inputsDropped;
+    for (auto const& [name, text] : m_pending) {
+        auto const was = m_applied.find(name);
+        if (name.compare(0, 2, "*.") == 0 && (was == m_applied.end() || was->second != text)) force = true;
+    }
+    design::Thermal thermal = m_thermal;
+    // `*.CELL` first, so that a block's own setting of the same cell wins.
+    for (int pass = 0; pass < 2; ++pass)
+        for (auto const& [name, text] : m_pending) {
+            DesignTarget::Setting const& setting = m_settings.at(name);
+            bool const first = setting.kind != DesignTarget::Setting::Input || name.compare(0, 2, "*.") == 0;
+            if ((pass == 0) != first) continue;
+            double const number = std::strtod(text.c_str(), nullptr);
+            switch (setting.kind) {
+                case DesignTarget::Setting::Input: {
+                    auto const was = m_applied.find(name);
+                    if (!force && was != m_applied.end() && was->second == text) break;
+                    for (std::string const& block : setting.blocks)
+                        m_engine.setInput(block, setting.name, text);
+                    break;
+                }
+                case DesignTarget::Setting::Rail:
+                    m_engine.setRailVoltage(setting.name, number);
+                    break;
+                case DesignTarget::Setting::Junction:
+                    thermal.junction = number;
+                    break;
+                case DesignTarget::Setting::Ambient:
+                    thermal.junction.reset();
+                    thermal.ambient = number;
+                    break;
+                case DesignTarget::Setting::ThetaJa:
+                    thermal.junction.reset();
+                    thermal.thetaJa = number;
+                    break;
+            }
+        }
+    m_engine.setThermal(thermal);
+    m_applied = m_pending;
+    m_report = &m_engine.update();
+    return *m_report;
+}
+
+bool namesDesignFile(std::string const& target) {
+    return target.size() > 5 && target.compare(target.size() - 5, 5, ".json") == 0;
+}
+
+DesignTarget::DesignTarget(std::string const& path)
+    : m_design(guarded([&] { return design::readDesignFile(path); })) {
+    describe();
+}
+
+DesignTarget::DesignTarget(design::Design design) : m_design(std::move(design)) {
+    describe();
+}
+
+void DesignTarget::describe() {
+    // An engine checks what the file reader cannot (a rail in use without a voltage) and names the rails.
+    std::vector<std::pair<std::string, double>> const rails =
+        guarded([&] { return design::Estimator(m_design).railVoltages(); });
+
+    auto variable = [&](std::string const& name, CellType type, std::string const& unit, Setting setting) {
+        if (!m_settings.emplace(name, std::move(setting)).second) return;  // a setting's name wins
+        m_variables.push_back({name, type, unit});
+    };
+    variable("junction_temperature", CellType::Float, "degC", {Setting::Junction, {}, {}});
+    variable("ambient_temperature", CellType::Float, "degC", {Setting::Ambient, {}, {}});
+    variable("theta_ja", CellType::Float, "degC/W", {Setting::ThetaJa, {}, {}});
+    for (auto const& [rail, volts] : rails)
+        variable("rail." + rail, CellType::Float, "V", {Setting::Rail, {}, rail});
+
+    struct Shared {
+        CellType type;
+        std::string unit;
+        std::vector<std::string> blocks;
+        bool sameType = true;
+    };
+    std::map<std::string, Shared> everyBlock;
+    std::vector<std::string> everyOrder;
+    auto blockInputs = [&](std::string const& block, std::string const& model, bool isStatic) {
+        Sheet const* sheet = SheetRegistry::instance().find(model);
+        if (sheet == nullptr) return;
+        for (CellInfo const& cell : sheet->cells()) {
+            if (cell.category != CellCategory::UserInput ||
+                !design::designOwned(sheet->design(), cell.name).empty())
+                continue;
+            variable(block + "." + cell.name, cell.type, cellUnit(cell),
+                     {Setting::Input, {block}, cell.name});
+            if (isStatic) continue;
+            auto [it, added] = everyBlock.emplace(cell.name, Shared{cell.type, cellUnit(cell), {}, true});
+            if (added) everyOrder.push_back(cell.name);
+            if (it->second.type != cell.type) it->second.sameType = false;
+            if (it->second.unit != cellUnit(cell)) it->second.unit.clear();
+            it->second.blocks.push_back(block);
+        }
+    };
+    for (design::Block const& block : m_design.blocks) blockInputs(block.name, block.model, false);
+    if (m_design.staticSheet) blockInputs("static", m_design.staticSheet->model, true);
+    // Every block that has the input; a cell whose type differs between sheets has no such variable.
+    for (std::string const& cell : everyOrder) {
+        Shared const& shared = everyBlock.at(cell);
+        if (shared.sameType)
+            variable("*." + cell, shared.type, shared.unit, {Setting::Input, shared.blocks, cell});
+    }
+
+    auto output = [&](std::string const& name, CellType type, std::string const& unit, Reader reader) {
+        m_outputs.push_back({name, type, unit});
+        m_readers.emplace(name, std::move(reader));
+    };
+    output("total_power", CellType::Float, "W", [](design::Report const& r) { return r.totalPower; });
+    output("dynamic_power", CellType::Float, "W", [](design::Report const& r) { return r.dynamicPower; });
+    output("static_power", CellType::Float, "W", [](design::Report const& r) { return r.staticPower; });
+    output("junction_temperature", CellType::Float, "degC",
+           [](design::Report const& r) { return r.thermal.junction; });
+    m_totals = m_outputs;
+    output("thermal_iterations", CellType::Int, "count",
+           [](design::Report const& r) { return static_cast<double>(r.thermal.iterations); });
+    for (auto const& [rail, volts] : rails) {
+        std::string const name = rail;  // a copy the readers keep
+        auto railOutput = [&](std::string const& figure, std::string const& unit,
+                              double design::RailResult::*member) {
+            output("rail." + rail + "." + figure, CellType::Float, unit,
+                   [name, member](design::Report const& r) {
+                       design::RailResult const* found = findRail(r, name);
+                       return found ? found->*member : 0.0;
+                   });
+        };
+        railOutput("voltage", "V", &design::RailResult::voltage);
+        railOutput("dynamic_current", "A", &design::RailResult::dynamicCurrent);
+        railOutput("static_current", "A", &design::RailResult::staticCurrent);
+        railOutput("current", "A", &design::RailResult::totalCurrent);
+        railOutput("power", "W", &design::RailResult::power);
+    }
+    for (std::string const& region : design::regionNames()) {
+        auto regionOutput = [&](std::string const& figure, double dynamicShare, double staticShare) {
+            output("region." + region + "." + figure, CellType::Float, "W",
+                   [region, dynamicShare, staticShare](design::Report const& r) {
+                       design::RegionResult const* found = findRegion(r, region);
+                       return found ? dynamicShare * found->dynamicPower + staticShare * found->staticPower
+                                    : 0.0;
+                   });
+        };
+        regionOutput("dynamic", 1, 0);
+        regionOutput("static", 0, 1);
+        regionOutput("total", 1, 1);
+    }
+    for (std::size_t i = 0; i < m_design.blocks.size(); ++i)
+        output("block." + m_design.blocks[i].name + ".power", CellType::Float, "W",
+               [i](design::Report const& r) { return r.blocks.at(i).power; });
+    for (std::size_t i = 0; i < m_design.loads.size(); ++i) {
+        if (m_design.loads[i].name.empty()) continue;
+        std::size_t const at = m_design.blocks.size() + i;
+        output("load." + m_design.loads[i].name + ".power", CellType::Float, "W",
+               [at](design::Report const& r) { return r.blocks.at(at).power; });
+    }
+}
+
+std::string DesignTarget::notAVariable(std::string const& variable) const {
+    std::string const& name = variable;
+    std::string const& source = m_design.source;
+    std::size_t const dot = name.rfind('.');
+    if (dot != std::string::npos) {
+        std::string const block = name.substr(0, dot), cell = name.substr(dot + 1);
+        if (block == "rail") {
+            std::string used;
+            for (Quantity const& variable : m_variables)
+                if (variable.name.compare(0, 5, "rail.") == 0)
+                    used += (used.empty() ? "" : ", ") + variable.name.substr(5);
+            return "no block or load of " + source + " uses rail " + cell + " (rails in use: " + used + ")";
+        }
+        std::string model;
+        if (block == "static" && m_design.staticSheet) model = m_design.staticSheet->model;
+        for (design::Block const& b : m_design.blocks)
+            if (b.name == block) model = b.model;
+        if (Sheet const* sheet = model.empty() ? nullptr : SheetRegistry::instance().find(model)) {
+            CellInfo const* info = sheet->findCell(cell);
+            if (info != nullptr && info->category != CellCategory::UserInput)
+                return "block \"" + block + "\": " + cell + " is an " + toString(info->category) +
+                       " cell of " + model + "; only input cells can be set or swept";
+            if (info != nullptr) {
+                std::string owner = design::designOwned(sheet->design(), cell);
+                if (owner.compare(0, 19, "the voltage of rail") == 0)
+                    owner = "the voltage of rail " + owner.substr(20, owner.find(':') - 20) +
+                            ": sweep rail." + owner.substr(20, owner.find(':') - 20);
+                return "block \"" + block + "\": cell " + cell + " is " + owner;
+            }
+            std::vector<std::string> names;
+            for (CellInfo const& c : sheet->cells())
+                if (c.category == CellCategory::UserInput) names.push_back(c.name);
+            return "block \"" + block + "\" (" + model + ") has no input " + cell +
+                   didYouMean(suggestNames(cell, names)) + "; `prsm cells " + model +
+                   " --category input` lists the inputs";
+        }
+    }
+    std::vector<std::string> names;
+    for (Quantity const& variable : m_variables) names.push_back(variable.name);
+    return source + " has no variable " + name + didYouMean(suggestNames(name, names)) + "; " +
+           kVariableForms;
+}
+
+std::string DesignTarget::outputsHint() const {
+    return "a design's outputs are total_power, dynamic_power, static_power, junction_temperature, "
+           "thermal_iterations, rail.RAIL.{voltage,dynamic_current,static_current,current,power}, "
+           "region.REGION.{dynamic,static,total}, block.NAME.power and load.NAME.power";
+}
+
+std::string DesignTarget::conflict(std::vector<std::string> const& names) const {
+    auto has = [&](char const* name) { return std::find(names.begin(), names.end(), name) != names.end(); };
+    if (has("junction_temperature") && (has("ambient_temperature") || has("theta_ja")))
+        return "junction_temperature is used as it is given, so it cannot be set together with "
+               "ambient_temperature or theta_ja, from which the junction temperature is solved";
+    return {};
+}
+
+std::unique_ptr<TargetEvaluation> DesignTarget::create() const {
+    return createDesign();
+}
+
+std::unique_ptr<DesignEvaluation> DesignTarget::createDesign() const {
+    return guarded([&] { return std::make_unique<DesignEvaluation>(m_design, m_settings, m_readers); });
+}
+
+}  // namespace prsm::host

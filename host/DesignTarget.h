@@ -1,0 +1,90 @@
+#pragma once
+// A whole design as a sweep target. Its variables are a block's input (`BLOCK.CELL`, the block named as
+// in the design file; `static.CELL` for the static-power sheet; `*.CELL` for every block that has the
+// input), a rail's voltage (`rail.RAIL`) and the thermal conditions (`junction_temperature`,
+// `ambient_temperature`, `theta_ja`); its outputs the report's figures (`total_power`,
+// `rail.VCCINT.power`, `region.aie.total`, `block.NAME.power`, ...). docs/sweeps.md lists them.
+
+#include <prsm/design/Design.h>
+#include <prsm/host/SweepTarget.h>
+
+#include <functional>
+#include <map>
+
+#include <prsm/design/Estimate.h>
+
+namespace prsm::host {
+
+class DesignEvaluation;
+
+class DesignTarget final : public SweepTarget {
+public:
+    // Reads and checks the design file. Throws HostError(kExitBadInput) for a design that is refused.
+    explicit DesignTarget(std::string const& path);
+    // The same for a design already read.
+    explicit DesignTarget(design::Design design);
+
+    std::string const& name() const override { return m_design.source; }
+    std::vector<Quantity> const& variables() const override { return m_variables; }
+    std::vector<Quantity> const& outputs() const override { return m_outputs; }
+    std::string notAVariable(std::string const& name) const override;
+    std::unique_ptr<TargetEvaluation> create() const override;
+    std::unique_ptr<DesignEvaluation> createDesign() const;
+    char const* kind() const override { return "design"; }
+    std::vector<Quantity> const& defaultOutputs() const override { return m_totals; }
+    std::string outputsHint() const override;
+    std::string conflict(std::vector<std::string> const& names) const override;
+    std::string restDescription() const override { return "everything else as the design file gives it"; }
+
+    // What setting a variable does: a block's input, a rail's voltage or a thermal quantity.
+    struct Setting {
+        enum Kind { Input, Rail, Junction, Ambient, ThetaJa } kind;
+        std::vector<std::string> blocks;  // Input: the blocks ("static" for the static sheet)
+        std::string name;                 // Input: the cell; Rail: the rail
+    };
+    using Reader = std::function<double(design::Report const&)>;
+
+private:
+    void describe();
+
+    design::Design m_design;
+    std::vector<Quantity> m_variables;
+    std::vector<Quantity> m_outputs;
+    std::vector<Quantity> m_totals;
+    std::map<std::string, Setting> m_settings;
+    std::map<std::string, Reader> m_readers;
+};
+
+// One engine for one thread. A point's settings are collected by set() and applied by apply(): only
+// what differs from the previous point reaches the engine, so a block whose inputs did not change keeps
+// its figures and the engine's update() recalculates the others and the static sheet. Whatever is not
+// set is as the design file gives it.
+class DesignEvaluation final : public TargetEvaluation {
+public:
+    DesignEvaluation(design::Design const& design,
+                     std::map<std::string, DesignTarget::Setting> const& settings,
+                     std::map<std::string, DesignTarget::Reader> const& readers);
+
+    void reset() override { m_pending.clear(); }
+    void set(std::string const& name, std::string const& text) override { m_pending[name] = text; }
+    // apply(), then throws std::runtime_error naming the failures when the report is not complete.
+    void evaluate() override;
+    std::string read(std::string const& name) override;
+    // The settings made since reset() on the design as the file gives it; the report, complete or not.
+    // Throws design::DesignError for a value the engine refuses.
+    design::Report const& apply();
+
+private:
+    design::Estimator m_engine;
+    std::map<std::string, DesignTarget::Setting> const& m_settings;
+    std::map<std::string, DesignTarget::Reader> const& m_readers;
+    design::Thermal const m_thermal;
+    std::map<std::string, std::string> m_pending;
+    std::map<std::string, std::string> m_applied;
+    design::Report const* m_report = nullptr;
+};
+
+// Whether a `prsm sweep` target names a design file rather than a model: it ends in ".json".
+bool namesDesignFile(std::string const& target);
+
+}  // namespace prsm::host
