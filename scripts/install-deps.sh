@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages that building, testing and benchmarking need; skips what is present.
+# Installs the Debian 12 packages that building, testing, fuzzing and benchmarking need. Idempotent and
+# silent when everything is present.
 set -euo pipefail
 
 packages=(
   build-essential cmake pkg-config python3
   libconfig++-dev libboost-filesystem-dev libboost-iostreams-dev libboost-system-dev zlib1g-dev
   libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev
+  clang-14 libfuzzer-14-dev libclang-rt-14-dev
 )
 
 missing=()
