@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages that building, testing and benchmarking need; skips what is present.
+# Installs the Debian 12 packages that building, testing, fuzzing and benchmarking need. Idempotent and
+# silent when everything is present.
 set -euo pipefail
 
 packages=(
@@ -7,6 +8,7 @@ packages=(
   libconfig++-dev libboost-filesystem-dev libboost-iostreams-dev libboost-system-dev zlib1g-dev
   libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev
   gnuplot-nox pybind11-dev python3-dev python3-numpy python3-pytest python3-dask python3-distributed
+  clang-14 libfuzzer-14-dev libclang-rt-14-dev
 )
 
 missing=()

@@ -11,6 +11,9 @@
 #include <prsm/framework/PRSMConfigHelpers.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
+#include <algorithm>
+#include <climits>
+
 using Model = PRSMTalvexNocModel;
 using PRSMHelperUtils::IFERROR;
 using PRSMHelperUtils::MIN;
@@ -162,13 +165,17 @@ int Model::computeDdrOnlyClockBuffers(Params& params, Data const& data) const {
 // up to four paths, or any multiple of four, need one group's buffers; otherwise one group more than
 // the whole groups.
 int Model::defaultNumClockBuffers(Params& params, Data const& data) const {
-    int const otherPaths = getNumCpmPaths(params, data) + getNum2ddrPaths(params, data) +
-                           getNumAiePaths(params, data) + getNumPs2aiePaths(params, data);
+    // Path counts are inputs of any size: sums and products are formed in 64 bits, and a count beyond
+    // the int range saturates.
+    long long const otherPaths = static_cast<long long>(getNumCpmPaths(params, data)) +
+                                 getNum2ddrPaths(params, data) + getNumAiePaths(params, data) +
+                                 getNumPs2aiePaths(params, data);
     if (otherPaths >= 1) return getNumClkBuffersPerPath(params, data);
     int const plPaths = getNum2plPaths(params, data);
     int const perGroup = deviceCount(data, calculateIntDeviceName(params, data), kPlToPl, "AVG_CLK_BUFFERS");
     if (plPaths < 4 || plPaths % 4 == 0) return perGroup;
-    return (PRSMHelperUtils::QUOTIENT(plPaths, 4) + 1) * perGroup;
+    long long const count = (PRSMHelperUtils::QUOTIENT(plPaths, 4) + 1LL) * perGroup;
+    return static_cast<int>(std::clamp<long long>(count, INT_MIN, INT_MAX));
 }
 
 int Model::computeUsedClkBuffers(Params& params, Data const& data) const {
@@ -177,9 +184,9 @@ int Model::computeUsedClkBuffers(Params& params, Data const& data) const {
     int const imported = getNumImportedClkBuffers(params, data);
     if (imported >= 1) return toIntSaturated(MIN(static_cast<float>(imported), total));
     auto const wanted = static_cast<float>(getNumClockBuffers(params, data));
-    if (getNumCpmPaths(params, data) + getNumPlPaths(params, data) + getNumAiePaths(params, data) >= 1 ||
-        getNumPs2aiePaths(params, data) > 0)
-        return toIntSaturated(MIN(wanted, total));
+    long long const paths = static_cast<long long>(getNumCpmPaths(params, data)) +
+                            getNumPlPaths(params, data) + getNumAiePaths(params, data);
+    if (paths >= 1 || getNumPs2aiePaths(params, data) > 0) return toIntSaturated(MIN(wanted, total));
     // Only DDR traffic: the buffers of the memory-controller columns are all that run.
     return toIntSaturated(MIN(wanted, static_cast<float>(calculateDdrOnlyClockBuffers(params, data))));
 }

@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
+
 namespace {
 
 using Params = PRSMTalvexNocParams;
@@ -195,6 +197,31 @@ TEST_F(Noc, ShippedDataMatchesTheCatalogue) {
                     << part << path;
         }
     }
+}
+
+// Path counts of any size: the PL-to-PL groups are counted in 64 bits and saturate at the int range
+// (10 buffers a group). 858993453 paths: 214748363 + 1 groups, 2147483640 buffers, just inside;
+// 858993457 paths: 214748365 groups, 2147483650, beyond. Sums of path counts past INT_MAX (which
+// itself means "not set") do not wrap around to "no path": 2147483646 + 2 CPM and DDR paths take the
+// selected path's 6 buffers, not the PL-to-PL 10; with CPM and PL paths, 30 wanted buffers are limited
+// by the device's 40, not by the 16 of DDR traffic alone.
+TEST_F(Noc, HugePathCountsSaturate) {
+    Params q;
+    q[Params::NUM_2PL_PATHS] = 858993453;
+    EXPECT_EQ(model.getNumClockBuffers(q, data), 2147483640);
+    Params r;
+    r[Params::NUM_2PL_PATHS] = 858993457;
+    EXPECT_EQ(model.getNumClockBuffers(r, data), INT_MAX);
+
+    Params s;
+    s[Params::NUM_CPM_PATHS] = INT_MAX - 1;
+    s[Params::NUM_2DDR_PATHS] = 2;
+    EXPECT_EQ(model.getNumClockBuffers(s, data), 6);
+
+    p[Params::NUM_CPM_PATHS] = INT_MAX - 1;
+    p[Params::NUM_PL_PATHS] = 2;
+    p[Params::NUM_CLOCK_BUFFERS] = 30;
+    EXPECT_EQ(usedBuffers(), 30);
 }
 
 }  // namespace
