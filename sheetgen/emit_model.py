@@ -81,6 +81,14 @@ def header(sheet: Sheet) -> str:
                                    f"{cell.family.name} member) const;")
                 elif cell.name not in sheet.formulas:
                     private.append(f"    {cell.cpp_type} default{cell.camel}{SIG};")
+    strings = [c for c in sheet.all_cells() if c.type == "string"]
+    if strings:
+        public.append("    // String cells without a copy: the cell itself, after its function gave it a value.")
+        public += [f"    std::string const& ref{c.camel}{SIG};" for c in strings]
+    if sheet.derived:
+        public.append("    // Values that several formulas share, computed once per evaluation (not cells).")
+        public += [f"    float derived{camel(n)}{SIG};" for n in sheet.derived]
+        private += [f"    float compute{camel(n)}{SIG};" for n in sheet.derived]
     public.append("")
     public.append("    // Cell functions: the cached value, or the formula's result, which is stored into the cell.")
     for cell in sheet.all_cells():
@@ -332,6 +340,23 @@ std::string_view {cls}::memberName({fam.name} member) {{
             parts.append(f"""
 {cell.cpp_type} {cls}::{_fn(cell)}{_args(True, False)} {{
     return params[Params::{cell.name}] = PRSMHelperUtils::{fn}({lo}, {hi});
+}}
+""")
+    for cell in sheet.all_cells():
+        if cell.type == "string":
+            parts.append(f"""
+std::string const& {cls}::ref{cell.camel}{SIG} {{
+    std::string const& cell = params[Params::{cell.name}];
+    if (cell == {NOT_SET["string"]}) {_fn(cell)}(params, data);
+    return cell;
+}}
+""")
+    for i, name in enumerate(sheet.derived):
+        parts.append(f"""
+float {cls}::derived{camel(name)}{SIG} {{
+    float& value = params.m_derivedFloats[{i}];  // {name}
+    if (value != prsm::kFloatNotSet) return value;
+    return value = compute{camel(name)}(params, data);
 }}
 """)
     seen = set()

@@ -142,6 +142,7 @@ class Table:
     member: str
     getter: str
     keys: list[str]
+    fixed: list[str] = field(default_factory=list)  # constant keys, parts joined with "."
 
     @property
     def cpp_type(self) -> str:
@@ -169,6 +170,7 @@ class Sheet:
     calculate: list[str]
     formulas: dict[str, "Delegate"] = field(default_factory=dict)  # pattern or cell -> shared formula
     formula_header: str | None = None
+    derived: list[str] = field(default_factory=list)  # shared values computed once per evaluation
 
     @property
     def prefix(self) -> str:
@@ -230,8 +232,30 @@ def _tables(doc: dict) -> tuple[list[Table], list[tuple[str, Table]]]:
         elif table.type != type_:
             raise SheetError(f"table {setting}: map {map_name} already holds {table.type}")
         table.settings.append(setting)
+        table.fixed += [k for p in entry.get("fixed", []) for k in expand(p) if k not in table.fixed]
         order.append((setting, table))
+    for table in maps.values():
+        _check_fixed(table)
     return list(maps.values()), order
+
+
+def fixed_enumerator(key: str) -> str:
+    """The enumerator of a constant key: "DEFAULT.CLE_LOGIC_VCCINT" -> DEFAULT_CLE_LOGIC_VCCINT."""
+    name = re.sub(r"[^A-Za-z0-9_]", "_", key)
+    return "N" + name if name[:1].isdigit() else name
+
+
+def _check_fixed(table: Table) -> None:
+    if table.fixed and table.type == "list":
+        raise SheetError(f"table {table.map}: constant keys are for scalar tables")
+    names = {}
+    for key in table.fixed:
+        if key.count(".") != len(table.keys) - 1 or "" in key.split("."):
+            raise SheetError(f"table {table.map}: constant key {key!r} must have {len(table.keys)} parts")
+        name = fixed_enumerator(key)
+        if name in names:
+            raise SheetError(f"table {table.map}: constant keys {names[name]!r} and {key!r} share a name")
+        names[name] = key
 
 
 def load(path: Path, source_root: Path) -> Sheet:
@@ -302,13 +326,18 @@ def load(path: Path, source_root: Path) -> Sheet:
         if name not in by_name or by_name[name].is_input:
             raise SheetError(f"calculate: {name} is not a computed cell")
 
+    derived = list(doc.get("derived", {}))
+    for name in derived:
+        if not re.fullmatch(r"[A-Z][A-Z0-9_]*", name) or name in by_name:
+            raise SheetError(f"derived: {name} must be an UPPER_SNAKE_CASE name that no cell has")
+
     has_model = meta.get("model", True)
     if tables and not meta.get("data_file"):
         raise SheetError("sheet.data_file is required when the sheet has tables")
     subdir = path.parent.resolve().relative_to(source_root.resolve()).as_posix()
     return Sheet(path.stem, subdir, meta.get("description", ""), meta.get("data_file"), has_model,
                  cells, by_name, inputs, constants, families, tables, load_order, calculate, formulas,
-                 meta.get("formula_header"))
+                 meta.get("formula_header"), derived)
 
 
 def _read_input(inp: Input, entry: dict, tables: list[Table]) -> None:

@@ -16,8 +16,9 @@ namespace {
 // The share of a resource that a clock reaches when it drives `util` of the device: 1 - VAR1^(VAR2 * util).
 // A result that is not a finite number is reported as the float error value.
 float reachedShare(Model::Data const& data, float util) {
-    double const share = 1.0 - std::pow(static_cast<double>(data.getVarData("VAR1")),
-                                        static_cast<double>(data.getVarData("VAR2")) * util);
+    double const share =
+        1.0 - std::pow(static_cast<double>(data.getVarData(Model::Data::VarDataKey::VAR1)),
+                       static_cast<double>(data.getVarData(Model::Data::VarDataKey::VAR2)) * util);
     return std::isfinite(share) ? static_cast<float>(share) : prsm::kFloatNotSet;
 }
 
@@ -148,12 +149,13 @@ int Model::computeNonCleSiteFanout(Params& params, Data const& data) const {
 // Before placement a quarter of the four clock-enable groups of a slice is assumed in use; afterwards the
 // share follows the flip-flops per slice with the same saturating curve as the network utilisation.
 float Model::computeAvgCeFfGroupsPerSlice(Params& params, Data const& data) const {
-    if (getDesignState(params, data) == "SYNTHESIZED") return 0.25f;
+    if (refDesignState(params, data) == "SYNTHESIZED") return 0.25f;
     float const slices = calculateSlices(params, data);
     if (!(slices > 0.0f)) return 0.0f;
     float const ffsPerSlot = static_cast<float>(getFfsUsingClk(params, data)) / (slices * 16);
-    double const share = 1.0 - std::pow(static_cast<double>(data.getVarData("VAR1")),
-                                        static_cast<double>(ffsPerSlot) * data.getVarData("VAR2"));
+    double const share =
+        1.0 - std::pow(static_cast<double>(data.getVarData(Model::Data::VarDataKey::VAR1)),
+                       static_cast<double>(ffsPerSlot) * data.getVarData(Model::Data::VarDataKey::VAR2));
     return static_cast<float>(share * 4);
 }
 
