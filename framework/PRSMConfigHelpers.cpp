@@ -139,6 +139,22 @@ void loadListTree(libconfig::Setting const& setting, std::string& key,
     out.insert_or_assign(key.empty() ? std::string(name != nullptr ? name : "") : key, std::move(values));
 }
 
+// The setting at `path`, or null when there is none: the same setting as cfg->lookup(joined path),
+// found by walking the names down from the root instead of parsing the joined path, unless a name
+// holds one of the path separators.
+libconfig::Setting const* findSetting(libconfig::Config* cfg, std::vector<std::string> const& path) {
+    libconfig::Setting const* setting = &cfg->getRoot();
+    for (std::string const& name : path) {
+        if (name.empty() || name.find_first_of(":./[") != std::string::npos) {
+            std::string const key = joinPath(path, 0);
+            return cfg->exists(key) ? &cfg->lookup(key) : nullptr;
+        }
+        if (!setting->isGroup() || !setting->exists(name)) return nullptr;
+        setting = &(*setting)[name.c_str()];
+    }
+    return setting;
+}
+
 // Switches automatic conversion on for the duration of a top-level load.
 class AutoConvertScope {
 public:
@@ -163,19 +179,19 @@ private:
 template <typename T>
 bool loadCfgDataToVar(libconfig::Config* cfg, std::vector<std::string>& path,
                       std::unordered_map<std::string, T>& out, bool top) {
-    std::string const key = joinPath(path, 0);
-    if (!cfg->exists(key)) return false;
+    libconfig::Setting const* const setting = findSetting(cfg, path);
+    if (setting == nullptr) return false;
     AutoConvertScope const autoConvert(cfg, top);
     std::string below = joinPath(path, 2);
-    return loadTree(cfg->lookup(key), below, out);
+    return loadTree(*setting, below, out);
 }
 
 bool loadCfgDataToList(libconfig::Config* cfg, std::vector<std::string>& path,
                        std::unordered_map<std::string, CfgList>& out, bool /*top*/) {
-    std::string const key = joinPath(path, 0);
-    if (path.empty() || !cfg->exists(key)) return false;
+    libconfig::Setting const* const setting = path.empty() ? nullptr : findSetting(cfg, path);
+    if (setting == nullptr) return false;
     std::string below = joinPath(path, 2);
-    loadListTree(cfg->lookup(key), below, out);
+    loadListTree(*setting, below, out);
     return true;
 }
 

@@ -2,13 +2,17 @@
 
 #include <prsm/framework/PRSMException.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <boost/filesystem.hpp>
 #include <boost/iostreams/device/array.hpp>
 #include <boost/iostreams/filter/gzip.hpp>
 #include <boost/iostreams/filtering_stream.hpp>
+#include <cerrno>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <libconfig.h++>
@@ -18,10 +22,28 @@ namespace fs = boost::filesystem;
 
 namespace {
 
-// The whole file, read once: its first bytes tell its kind, and the text is parsed from memory.
-std::string readAll(fs::path const& path) {
-    std::ifstream in(path.string(), std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+// Reads the whole file at `path` into `content`, once: its first bytes tell its kind, and the text is
+// parsed from memory. False when the file cannot be opened or is not a regular file (it is opened
+// without blocking, so that a FIFO is refused rather than waited on).
+bool readRegularFile(std::string const& path, std::string& content) {
+    int const fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) return false;
+    struct stat info {};
+    bool const regular = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode);
+    if (regular) {
+        content.resize(static_cast<std::size_t>(info.st_size));
+        std::size_t done = 0;
+        for (;;) {
+            if (done == content.size()) content.resize(done + 4096);  // the file grew since fstat
+            ssize_t const n = ::read(fd, &content[done], content.size() - done);
+            if (n < 0 && errno == EINTR) continue;
+            if (n <= 0) break;
+            done += static_cast<std::size_t>(n);
+        }
+        content.resize(done);
+    }
+    ::close(fd);
+    return regular;
 }
 
 bool isGzip(std::string const& content) {
@@ -58,8 +80,8 @@ std::string PRSMData::getQDIDataDir(std::string const& relative) {
         std::string::size_type end = dirs.find(':', begin);
         if (end == std::string::npos) end = dirs.size();
         std::string const dir = dirs.substr(begin, end - begin);
-        boost::system::error_code ignored;
-        if (!dir.empty() && fs::exists(fs::path(dir) / relative, ignored)) return dir;
+        struct stat info {};
+        if (!dir.empty() && ::stat((dir + "/" + relative).c_str(), &info) == 0) return dir;
         begin = end + 1;
     }
     return std::string();
@@ -71,9 +93,8 @@ void PRSMData::readFile(libconfig::Config* cfg, std::string relative) {
     fs::path const path = dir.empty() ? fs::path() : fs::path(dir + "/" + underDataDir);
     cfg->setAutoConvert(true);
     try {
-        boost::system::error_code ignored;
-        if (path.empty() || !fs::is_regular_file(path, ignored)) throw libconfig::FileIOException();
-        std::string const content = readAll(path);
+        std::string content;
+        if (path.empty() || !readRegularFile(path.string(), content)) throw libconfig::FileIOException();
         if (isGzip(content))
             cfg->readString(decompressGzip(path, content));
         else if (isBinary(content))

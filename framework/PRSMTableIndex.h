@@ -125,16 +125,8 @@ public:
         for (std::size_t c = capacity; c > 1; c /= 2) --m_shift;
         for (auto const& entry : map) {
             std::string const& key = entry.first;
-            std::uint64_t hash = detail::kSeed;
-            std::uint64_t dots = 0;
             std::size_t found = 0;
-            std::size_t begin = 0;
-            for (std::size_t i = 0; i <= key.size(); ++i) {
-                if (i < key.size() && key[i] != '.') continue;
-                hash = detail::hashPart(hash, std::string_view(key).substr(begin, i - begin), dots);
-                begin = i + 1;
-                ++found;
-            }
+            std::uint64_t const hash = hashJoined(key, found);
             if (found != parts) continue;  // reachable only through a part that holds a '.'
             std::size_t slot = static_cast<std::size_t>(hash >> m_shift);
             while (m_slots[slot].key != nullptr) slot = (slot + 1) & m_mask;
@@ -161,6 +153,18 @@ public:
         }
     }
 
+    // The value stored under `joined`, a key whose parts are already joined with "." (the table's
+    // number of parts), looked up in the index as it was built; nullptr when absent.
+    T const* findJoined(std::string_view joined) const {
+        std::size_t found = 0;
+        std::uint64_t const hash = hashJoined(joined, found);
+        for (std::size_t slot = static_cast<std::size_t>(hash >> m_shift);; slot = (slot + 1) & m_mask) {
+            Slot const& candidate = m_slots[slot];
+            if (candidate.key == nullptr) return nullptr;
+            if (candidate.hash == hash && *candidate.key == joined) return candidate.value;
+        }
+    }
+
     // Whether lookups currently go through the index (the map has not changed size since the build).
     bool current(Map const& map) const { return map.size() == m_size; }
 
@@ -172,6 +176,20 @@ private:
         std::string const* key = nullptr;
         T const* value = nullptr;
     };
+
+    // The hash of a joined key's parts, as a lookup by those parts computes it; `parts` counts them.
+    static std::uint64_t hashJoined(std::string_view key, std::size_t& parts) {
+        std::uint64_t hash = detail::kSeed;
+        std::uint64_t dots = 0;
+        std::size_t begin = 0;
+        for (std::size_t i = 0; i <= key.size(); ++i) {
+            if (i < key.size() && key[i] != '.') continue;
+            hash = detail::hashPart(hash, key.substr(begin, i - begin), dots);
+            begin = i + 1;
+            ++parts;
+        }
+        return hash;
+    }
 
     template <typename... Parts>
     static T const* findInMap(Map const& map, Parts const&... parts) {
@@ -204,10 +222,7 @@ public:
     void resolve(Map const& map, std::size_t parts, std::array<std::string_view, N> const& keys) {
         m_index.build(map, parts);
         m_keys = &keys;
-        for (std::size_t i = 0; i < N; ++i) {
-            auto const it = map.find(std::string(keys[i]));
-            m_fixed[i] = it == map.end() ? nullptr : &it->second;
-        }
+        for (std::size_t i = 0; i < N; ++i) m_fixed[i] = m_index.findJoined(keys[i]);
     }
 
     void invalidate() { m_index.invalidate(); }

@@ -132,7 +132,7 @@ float vccintScale(Model const& model, ParamsOf<Model>& params, DataOf<Model> con
 template <typename Model, typename Key>
 float kernelTiles(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, char const* type,
                   Key coreKey) {
-    if (model.refKernelType(params, data) != type) return 0.0f;
+    if (std::string_view(model.refKernelType(params, data)) != type) return 0.0f;
     float const floor = coefficient(data, Coefficient<Model>::AIE_TILE_IDLE_POWER_DYNAMIC) +
                         coefficient(data, Coefficient<Model>::AIE_TILE_SCALAR_POWER_DYNAMIC);
     return (model.getCoreLoad(params, data) * coefficient(data, coreKey) + floor) *
@@ -163,7 +163,7 @@ float floatTiles(Model const& model, ParamsOf<Model>& params, DataOf<Model> cons
 // The FFT coefficient already includes the cores' floor.
 template <typename Model>
 float fftTiles(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
-    if (model.refKernelType(params, data) != "FFT") return 0.0f;
+    if (std::string_view(model.refKernelType(params, data)) != "FFT") return 0.0f;
     return static_cast<float>(model.getAieCores(params, data)) * model.getClkFreq(params, data) *
            model.getCoreLoad(params, data) *
            coefficient(data, Coefficient<Model>::AIE_FFT_CORE_POWER_DYNAMIC);
@@ -173,7 +173,8 @@ float fftTiles(Model const& model, ParamsOf<Model>& params, DataOf<Model> const&
 // the workload.
 template <typename Model>
 float tilePower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, float kernels) {
-    float const workload = model.refWorkloadType(params, data) == "DSP" ? 1.0f : kOtherWorkloadFactor;
+    float const workload =
+        std::string_view(model.refWorkloadType(params, data)) == "DSP" ? 1.0f : kOtherWorkloadFactor;
     return kernels * model.calculateVoltageScaling(params, data) * model.calculateVccintScale(params, data) *
            workload;
 }

@@ -19,7 +19,7 @@ bool startsWith(std::string_view text, char const* prefix, std::size_t length) {
     return text.size() >= length && text.compare(0, length, prefix) == 0;
 }
 
-bool isMemoryLut(std::string const& type) {
+bool isMemoryLut(std::string_view type) {
     return type == "LUT_DRAM" || type == "LUT_SRL";
 }
 
@@ -146,7 +146,7 @@ float Model::computeRegCapFreq(Params& params, Data const& data) const {
 }
 
 float Model::computeMemoryWriteCapFreq(Params& params, Data const& data) const {
-    std::string const& type = refInstanceType(params, data);
+    std::string_view const type = refInstanceType(params, data);
     if (type == "LUT_DRAM")
         return data.getLutCap(Data::LutCapKey::C_LRAM) * getClockFreq(params, data) *
                getLutWeProb(params, data);
@@ -236,7 +236,7 @@ float Model::computeLogicPower(Params& params, Data const& data) const {
     float const ofmux = calculateOfmuxInstancePower(params, data);
     float const byp = calculateBypInstancePower(params, data);
     float const lookahead = calculateLookaheadInstancePower(params, data);
-    std::string const& type = refInstanceType(params, data);
+    std::string_view const type = refInstanceType(params, data);
     float perInstance = 0.0f;
     if (startsWith(type, "REG", 3))
         perInstance = reg;
@@ -283,7 +283,7 @@ float Model::computeKpeLogicPower(Params& params, Data const& data) const {
     float const reg = calculateRegInstancePower(params, data);
     float const lut = calculateLutKpePower(params, data);
     float const write = calculateMemoryWriteComponent(params, data);
-    std::string const& type = refInstanceType(params, data);
+    std::string_view const type = refInstanceType(params, data);
     float perInstance = 0.0f;
     if (type == "REG_FF")
         perInstance = reg;

@@ -90,13 +90,18 @@ float Model::computeSlices(Params& params, Data const& data) const {
     return slices >= 0.0 ? static_cast<float>(slices) : 0.0f;
 }
 
+// The share of the network that the clock's sites reach, computed once for the two cells that use it.
+float Model::computeSiteReach(Params& params, Data const& data) const {
+    return reachedShare(data, calculateSiteUtil(params, data));
+}
+
 float Model::computeHdistUtil(Params& params, Data const& data) const {
-    return IFERROR(reachedShare(data, calculateSiteUtil(params, data)), 1);
+    return IFERROR(derivedSiteReach(params, data), 1);
 }
 
 // Same expression and keys as the distribution share: the table makes the two equal, the cells stay apart.
 float Model::computeLeafUtil(Params& params, Data const& data) const {
-    return IFERROR(reachedShare(data, calculateSiteUtil(params, data)), 1);
+    return IFERROR(derivedSiteReach(params, data), 1);
 }
 
 int Model::computeHdCount(Params& params, Data const& data) const {
@@ -149,7 +154,7 @@ int Model::computeNonCleSiteFanout(Params& params, Data const& data) const {
 // Before placement a quarter of the four clock-enable groups of a slice is assumed in use; afterwards the
 // share follows the flip-flops per slice with the same saturating curve as the network utilisation.
 float Model::computeAvgCeFfGroupsPerSlice(Params& params, Data const& data) const {
-    if (refDesignState(params, data) == "SYNTHESIZED") return 0.25f;
+    if (std::string_view(refDesignState(params, data)) == "SYNTHESIZED") return 0.25f;
     float const slices = calculateSlices(params, data);
     if (!(slices > 0.0f)) return 0.0f;
     float const ffsPerSlot = static_cast<float>(getFfsUsingClk(params, data)) / (slices * 16);

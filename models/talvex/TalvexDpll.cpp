@@ -49,7 +49,7 @@ float Model::computeVccintBaseCurrent(Params&, Data const& data) const {
 // The loop and, when spread spectrum is "ON" (exactly), its modulator update at the phase-detector rate.
 float Model::computeVccintPfdClockCurrent(Params& params, Data const& data) const {
     float const perMhz = data.getCommonData(Data::CommonDataKey::IVCCINT_PFD_pMHz) +
-                         (refSpreadSpectrum(params, data) == "ON"
+                         (std::string_view(refSpreadSpectrum(params, data)) == "ON"
                               ? data.getCommonData(Data::CommonDataKey::IVCCINT_SPREAD_SPECTRUM_pMHz)
                               : 0.0f);
     return perMhz * calculatePfdClock(params, data) +

@@ -47,7 +47,7 @@ float Model::computeVccramClkoutCurrent(Params& params, Data const& data, Output
 
 float Model::computeVccramClockfboutCurrent(Params& params, Data const& data) const {
     float const m = static_cast<float>(getMCounter(params, data));
-    float const spread = refSpreadSpectrum(params, data) == "ON"
+    float const spread = std::string_view(refSpreadSpectrum(params, data)) == "ON"
                              ? data.getCommonData(Data::CommonDataKey::IVCCINT_SPREAD_SPECTRUM)
                              : 0.0f;
     return (data.getCommonData(Data::CommonDataKey::IVCCINT_INTERPOLATOR) * m +

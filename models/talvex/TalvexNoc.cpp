@@ -69,7 +69,7 @@ std::string Model::computeIntDeviceName(Params& params, Data const& data) const 
 }
 
 int Model::computeNoc2Device(Params& params, Data const& data) const {
-    return refIntDeviceName(params, data) == kNoc2Device ? 1 : 0;
+    return std::string_view(refIntDeviceName(params, data)) == kNoc2Device ? 1 : 0;
 }
 
 // ---- Counts along the selected data path ----
