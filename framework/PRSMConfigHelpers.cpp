@@ -140,8 +140,8 @@ void loadListTree(libconfig::Setting const& setting, std::string& key,
 }
 
 // The setting at `path`, or null when there is none: the same setting as cfg->lookup(joined path),
-// found by walking the names down from the root instead of parsing the joined path, unless a name
-// holds one of the path separators.
+// found by walking the names down from the root (a group's members compared in order, which is
+// cheaper than the library parsing the joined path), unless a name holds a path separator.
 libconfig::Setting const* findSetting(libconfig::Config* cfg, std::vector<std::string> const& path) {
     libconfig::Setting const* setting = &cfg->getRoot();
     for (std::string const& name : path) {
@@ -149,8 +149,14 @@ libconfig::Setting const* findSetting(libconfig::Config* cfg, std::vector<std::s
             std::string const key = joinPath(path, 0);
             return cfg->exists(key) ? &cfg->lookup(key) : nullptr;
         }
-        if (!setting->isGroup() || !setting->exists(name)) return nullptr;
-        setting = &(*setting)[name.c_str()];
+        if (!setting->isGroup()) return nullptr;
+        libconfig::Setting const* child = nullptr;
+        for (int i = 0, n = setting->getLength(); i < n && child == nullptr; ++i) {
+            char const* childName = (*setting)[i].getName();
+            if (childName != nullptr && name == childName) child = &(*setting)[i];
+        }
+        if (child == nullptr) return nullptr;
+        setting = child;
     }
     return setting;
 }
