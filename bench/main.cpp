@@ -87,6 +87,7 @@ int main(int argc, char** argv) {
 #ifdef PRSM_BENCH_CLE_LOGIC
     registerCleLogicBenchmarks();
 #endif
+    registerIndexBenchmarks();
     registerThroughputBenchmarks();
     registerLoadBenchmarks();
 

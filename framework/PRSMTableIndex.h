@@ -54,17 +54,23 @@ inline std::uint64_t mix(std::uint64_t hash, std::uint64_t word) {
     return hash ^ (hash >> 29);
 }
 
+inline std::uint64_t rotate(std::uint64_t value, unsigned bits) {
+    return (value << bits) | (value >> (64 - bits));
+}
+
 // Nonzero when one of the eight bytes of `word` is '.'.
 inline std::uint64_t dotIn(std::uint64_t word) {
     std::uint64_t const x = word ^ kDots;
     return (x - kOnes) & ~x & kHighBits;
 }
 
-// Folds one key part into `hash`, eight bytes at a time (short parts in one or two loads), and notes
-// in `dots` whether the part holds a '.'.
-inline std::uint64_t hashPart(std::uint64_t hash, std::string_view part, std::uint64_t& dots) {
+// The hash of one key part, eight bytes at a time (parts up to 16 bytes in one or two loads); notes in
+// `dots` whether the part holds a '.'. Each part is hashed on its own, so that the parts of a key are
+// hashed side by side, and only their combination (`combine`) is sequential.
+inline std::uint64_t hashPart(std::string_view part, std::uint64_t& dots) {
     char const* p = part.data();
     std::size_t const n = part.size();
+    std::uint64_t hash = kSeed ^ (n * kOnes);
     if (n <= 8) {
         std::uint64_t word = 0;
         if (n >= 4)
@@ -75,6 +81,11 @@ inline std::uint64_t hashPart(std::uint64_t hash, std::string_view part, std::ui
                    (std::uint64_t{static_cast<unsigned char>(p[n - 1])} << 16);
         dots |= dotIn(word);
         hash = mix(hash, word);
+    } else if (n <= 16) {
+        std::uint64_t const first = load8(p);
+        std::uint64_t const last = load8(p + n - 8);
+        dots |= dotIn(first) | dotIn(last);
+        hash = mix(hash, first ^ rotate(last * kMultiplier, 31));
     } else {
         std::size_t i = 0;
         for (; n - i > 8; i += 8) {
@@ -86,7 +97,17 @@ inline std::uint64_t hashPart(std::uint64_t hash, std::string_view part, std::ui
         dots |= dotIn(last);
         hash = mix(hash, last);
     }
-    return mix(hash, n);
+    return hash;
+}
+
+// Combines the hash of the parts so far with that of the next part; order matters.
+inline std::uint64_t combine(std::uint64_t hash, std::uint64_t part) {
+    return rotate(hash, 23) ^ part;
+}
+
+// The final hash of a key from its combined parts.
+inline std::uint64_t finish(std::uint64_t hash) {
+    return mix(hash, kSeed);
 }
 
 template <typename... Parts>
@@ -97,7 +118,7 @@ std::size_t joinedSize(Parts const&... parts) {
 // Whether `key` is the parts joined with ".", given that `key` holds exactly one '.' fewer than there
 // are parts and that no part holds a '.'.
 template <typename... Parts>
-bool sameKey(std::string const& key, Parts const&... parts) {
+bool sameKey(std::string_view key, Parts const&... parts) {
     if (key.size() != joinedSize(parts...)) return false;
     char const* at = key.data();
     bool same = true;
@@ -129,8 +150,8 @@ public:
             std::uint64_t const hash = hashJoined(key, found);
             if (found != parts) continue;  // reachable only through a part that holds a '.'
             std::size_t slot = static_cast<std::size_t>(hash >> m_shift);
-            while (m_slots[slot].key != nullptr) slot = (slot + 1) & m_mask;
-            m_slots[slot] = Slot{hash, &key, &entry.second};
+            while (m_slots[slot].value != nullptr) slot = (slot + 1) & m_mask;
+            m_slots[slot] = Slot{hash, key, &entry.second};
         }
         m_size = map.size();
     }
@@ -142,14 +163,15 @@ public:
     template <typename... Parts>
     T const* find(Map const& map, Parts const&... parts) const {
         if (map.size() != m_size) return findInMap(map, parts...);
-        std::uint64_t hash = detail::kSeed;
         std::uint64_t dots = 0;
-        ((hash = detail::hashPart(hash, std::string_view(parts), dots)), ...);
+        std::uint64_t combined = 0;
+        ((combined = detail::combine(combined, detail::hashPart(std::string_view(parts), dots))), ...);
         if (dots != 0) return findInMap(map, parts...);
+        std::uint64_t const hash = detail::finish(combined);
         for (std::size_t slot = static_cast<std::size_t>(hash >> m_shift);; slot = (slot + 1) & m_mask) {
             Slot const& candidate = m_slots[slot];
-            if (candidate.key == nullptr) return nullptr;
-            if (candidate.hash == hash && detail::sameKey(*candidate.key, parts...)) return candidate.value;
+            if (candidate.value == nullptr) return nullptr;
+            if (candidate.hash == hash && detail::sameKey(candidate.key, parts...)) return candidate.value;
         }
     }
 
@@ -160,8 +182,8 @@ public:
         std::uint64_t const hash = hashJoined(joined, found);
         for (std::size_t slot = static_cast<std::size_t>(hash >> m_shift);; slot = (slot + 1) & m_mask) {
             Slot const& candidate = m_slots[slot];
-            if (candidate.key == nullptr) return nullptr;
-            if (candidate.hash == hash && *candidate.key == joined) return candidate.value;
+            if (candidate.value == nullptr) return nullptr;
+            if (candidate.hash == hash && candidate.key == joined) return candidate.value;
         }
     }
 
@@ -171,24 +193,26 @@ public:
 private:
     static constexpr std::size_t kStale = std::numeric_limits<std::size_t>::max();
 
+    // The key's characters live in the map's node (or in the string the node holds), which does not
+    // move while the entry exists.
     struct Slot {
         std::uint64_t hash = 0;
-        std::string const* key = nullptr;
-        T const* value = nullptr;
+        std::string_view key;
+        T const* value = nullptr;  // null: an empty slot
     };
 
     // The hash of a joined key's parts, as a lookup by those parts computes it; `parts` counts them.
     static std::uint64_t hashJoined(std::string_view key, std::size_t& parts) {
-        std::uint64_t hash = detail::kSeed;
+        std::uint64_t combined = 0;
         std::uint64_t dots = 0;
         std::size_t begin = 0;
         for (std::size_t i = 0; i <= key.size(); ++i) {
             if (i < key.size() && key[i] != '.') continue;
-            hash = detail::hashPart(hash, key.substr(begin, i - begin), dots);
+            combined = detail::combine(combined, detail::hashPart(key.substr(begin, i - begin), dots));
             begin = i + 1;
             ++parts;
         }
-        return hash;
+        return detail::finish(combined);
     }
 
     template <typename... Parts>
