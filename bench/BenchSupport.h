@@ -59,6 +59,7 @@ void registerLoadBenchmarks();
 void registerGeneratedSheets();  // written by CMake: the typed benchmarks of every built class
 void registerCleLogicBenchmarks();
 void registerStaticBenchmarks();
+void registerIndexBenchmarks();  // the load-time table index at the static-power sheet's scale
 // Checks the straight-line limit against the model; false (with a message) when they disagree.
 bool checkCleLogicLimit(std::string& message);
 

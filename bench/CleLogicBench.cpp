@@ -47,6 +47,15 @@ void lookupOnePart(benchmark::State& state) {
     }
 }
 
+// A key the formulas write out, resolved when the data loaded.
+void lookupConstantKey(benchmark::State& state) {
+    Calculated c;
+    for (auto _ : state) {
+        float value = c.data.getLutCap(Data::LutCapKey::A1INT);
+        benchmark::DoNotOptimize(value);
+    }
+}
+
 void lookupConcatenated(benchmark::State& state) {
     Calculated c;
     for (auto _ : state) {
@@ -92,6 +101,16 @@ void instanceTypeTest(benchmark::State& state) {
     }
 }
 
+// The same test as the formulas make it now: the cell by reference, compared as a string_view.
+void instanceTypeReference(benchmark::State& state) {
+    Calculated c;
+    for (auto _ : state) {
+        std::string_view const type = c.model.refInstanceType(c.params, c.data);
+        bool value = type.substr(0, 3) == "LUT";
+        benchmark::DoNotOptimize(value);
+    }
+}
+
 // A cell function that finds its value cached.
 void cachedCell(benchmark::State& state) {
     Calculated c;
@@ -106,11 +125,13 @@ void cachedCell(benchmark::State& state) {
 void registerCleLogicBenchmarks() {
     benchmark::RegisterBenchmark("limit/straight_line/TalvexCleLogic", straightLine);
     benchmark::RegisterBenchmark("parts/TalvexCleLogic/lookup_one_part", lookupOnePart);
+    benchmark::RegisterBenchmark("parts/TalvexCleLogic/lookup_constant_key", lookupConstantKey);
     benchmark::RegisterBenchmark("parts/TalvexCleLogic/lookup_concatenated", lookupConcatenated);
     benchmark::RegisterBenchmark("parts/TalvexCleLogic/lookup_two_parts", lookupTwoParts);
     benchmark::RegisterBenchmark("parts/TalvexCleLogic/pow", powerFunction);
     benchmark::RegisterBenchmark("parts/TalvexCleLogic/reset_cells", resetCells);
     benchmark::RegisterBenchmark("parts/TalvexCleLogic/instance_type_test", instanceTypeTest);
+    benchmark::RegisterBenchmark("parts/TalvexCleLogic/instance_type_reference", instanceTypeReference);
     benchmark::RegisterBenchmark("parts/TalvexCleLogic/cached_cell", cachedCell);
 }
 

@@ -66,6 +66,7 @@ public:
         out << "\n==== Targets ====\n";
         allocations(out);
         limit(out);
+        speedups(out);
         loading(out);
         threads(out);
         out.flush();
@@ -119,6 +120,33 @@ private:
             << "  calculate " << format("%.1f", real->cpuNanoseconds) << " ns, straight line "
             << format("%.1f", bound->cpuNanoseconds) << " ns: " << format("%.1f", ratio) << " times, "
             << (ratio <= 10 ? "met" : "MISSED") << "\n";
+    }
+
+    // Each sheet's typed calculate against the figure recorded before the table lookups were
+    // resolved at load (bench/README.md, median of 5, CPU ns, same machine).
+    void speedups(std::ostream& out) const {
+        static std::map<std::string, double> const before = {
+            {"TalvexAie", 886},   {"TalvexAie2", 1024}, {"TalvexCleLogic", 2289}, {"TalvexClock", 446},
+            {"TalvexDpll", 830},  {"TalvexMmcm", 1272}, {"TalvexNoc", 545},       {"TalvexPspll", 329},
+            {"TalvexX5Pll", 722}, {"TalvexXpll", 622}};
+        bool header = false;
+        char line[256];
+        for (auto const& [sheet, figure] : before) {
+            Result const* now = find("typed/calculate/" + sheet);
+            if (now == nullptr || now->cpuNanoseconds <= 0) continue;
+            if (!header) {
+                out << "\nTyped calculate against the recorded figure, CPU ns (target: at least 3 times "
+                       "faster)\n";
+                std::snprintf(line, sizeof line, "%-24s %10s %10s %8s %8s\n", "sheet", "before", "now",
+                              "speed-up", "target");
+                out << line;
+                header = true;
+            }
+            double const speedup = figure / now->cpuNanoseconds;
+            std::snprintf(line, sizeof line, "%-24s %10.0f %10.1f %8.2f %8s\n", sheet.c_str(), figure,
+                          now->cpuNanoseconds, speedup, speedup >= 3 ? "met" : "MISSED");
+            out << line;
+        }
     }
 
     void loading(std::ostream& out) const {

@@ -90,6 +90,7 @@ int main(int argc, char** argv) {
 #ifdef PRSM_BENCH_STATIC
     registerStaticBenchmarks();
 #endif
+    registerIndexBenchmarks();
     registerThroughputBenchmarks();
     registerLoadBenchmarks();
 

@@ -2,6 +2,8 @@
 // The shared machinery behind every generated parameter set and model: name tables built from the
 // enumerator-list strings, reset ranges, the reflect text, and allocation-free lookup keys.
 
+#include <prsm/framework/PRSMReservedValues.h>
+
 #include <array>
 #include <cstddef>
 #include <mutex>
@@ -26,6 +28,13 @@ unsigned int indexOf(std::unordered_map<std::string, unsigned int> const& map, s
 // Appends the names of the cells strictly between two markers.
 void appendNames(std::vector<std::string> const& table, std::size_t firstMarker, std::size_t lastMarker,
                  std::vector<std::string>& out);
+
+// Whether a string cell holds the "not set" sentinel: the length first, so that a set cell costs one
+// comparison.
+inline bool isNotSet(std::string const& cell) {
+    constexpr std::size_t length = sizeof(kStringNotSet) - 1;
+    return cell.size() == length && std::char_traits<char>::compare(cell.data(), kStringNotSet, length) == 0;
+}
 
 // Assigns `value` to the cells [from, to). A string cell keeps its buffer, so resetting a cell that has
 // held the sentinel before does not allocate.

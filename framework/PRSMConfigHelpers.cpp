@@ -251,6 +251,28 @@ void loadListTree(libconfig::Setting const& setting, std::string& key,
     out.insert_or_assign(key.empty() ? std::string(name != nullptr ? name : "") : key, std::move(values));
 }
 
+// The setting at `path`, or null when there is none: the same setting as cfg->lookup(joined path),
+// found by walking the names down from the root (a group's members compared in order, which is
+// cheaper than the library parsing the joined path), unless a name holds a path separator.
+libconfig::Setting const* findSetting(libconfig::Config* cfg, std::vector<std::string> const& path) {
+    libconfig::Setting const* setting = &cfg->getRoot();
+    for (std::string const& name : path) {
+        if (name.empty() || name.find_first_of(":./[") != std::string::npos) {
+            std::string const key = joinPath(path, 0);
+            return cfg->exists(key) ? &cfg->lookup(key) : nullptr;
+        }
+        if (!setting->isGroup()) return nullptr;
+        libconfig::Setting const* child = nullptr;
+        for (int i = 0, n = setting->getLength(); i < n && child == nullptr; ++i) {
+            char const* childName = (*setting)[i].getName();
+            if (childName != nullptr && name == childName) child = &(*setting)[i];
+        }
+        if (child == nullptr) return nullptr;
+        setting = child;
+    }
+    return setting;
+}
+
 // Switches automatic conversion on for the duration of a top-level load.
 class AutoConvertScope {
 public:
@@ -275,20 +297,20 @@ private:
 template <typename T>
 bool loadCfgDataToVar(libconfig::Config* cfg, std::vector<std::string>& path,
                       std::unordered_map<std::string, T>& out, bool top) {
-    std::string const key = joinPath(path, 0);
-    if (!cfg->exists(key)) return false;
+    libconfig::Setting const* const setting = findSetting(cfg, path);
+    if (setting == nullptr) return false;
     AutoConvertScope const autoConvert(cfg, top);
     std::string below = joinPath(path, 2);
-    std::string const table = path.size() >= 2 ? path[1] : key;
-    return loadTree(LeafContext{cfg, table}, cfg->lookup(key), below, out);
+    std::string const table = path.size() >= 2 ? path[1] : joinPath(path, 0);
+    return loadTree(LeafContext{cfg, table}, *setting, below, out);
 }
 
 bool loadCfgDataToList(libconfig::Config* cfg, std::vector<std::string>& path,
                        std::unordered_map<std::string, CfgList>& out, bool /*top*/) {
-    std::string const key = joinPath(path, 0);
-    if (path.empty() || !cfg->exists(key)) return false;
+    libconfig::Setting const* const setting = path.empty() ? nullptr : findSetting(cfg, path);
+    if (setting == nullptr) return false;
     std::string below = joinPath(path, 2);
-    loadListTree(cfg->lookup(key), below, out);
+    loadListTree(*setting, below, out);
     return true;
 }
 

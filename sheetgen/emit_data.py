@@ -1,7 +1,7 @@
 """Emits a sheet's data class: one map per table, typed getters, loading, listing and reflect."""
 
 from emit_params import HEADER_NOTE
-from sheet import Sheet, Table
+from sheet import Sheet, Table, fixed_enumerator
 
 ERROR_VALUE = {"float": "prsm::kFloatNotSet", "int": "prsm::kIntNotSet", "string": "prsm::kStringNotSet"}
 
@@ -10,19 +10,55 @@ def _params(table: Table) -> str:
     return ", ".join(f"std::string_view {k}" for k in table.keys)
 
 
+def _scalar(table: Table) -> bool:
+    return table.type != "list"
+
+
+def _enum(table: Table) -> str:
+    return table.map + "Key"
+
+
+def _resolved(table: Table) -> str:
+    return table.member + "Resolved"
+
+
+def _keys_array(table: Table) -> str:
+    return f"k{table.map}Keys"
+
+
 def header(sheet: Sheet) -> str:
     cls = sheet.prefix + "Data"
-    getters, members = [], []
+    getters, members, fixed, private = [], [], [], []
     for t in sheet.tables:
         getters.append(f"    {t.cpp_type} {t.getter}({_params(t)}) const;")
         if t.type in ERROR_VALUE:
             getters.append(f"    // The same, or the type's error value when the table has no such entry.")
             getters.append(f"    {t.cpp_type} {t.getter}OrError({_params(t)}) const;")
         members.append(f"    std::unordered_map<std::string, {t.cpp_type}> {t.member};  // {', '.join(t.settings)}")
+        if not _scalar(t):
+            continue
+        keys = ", ".join(f'"{k}"' for k in t.fixed)
+        private.append(f"    prsm::data::ResolvedTable<{t.cpp_type}, {len(t.fixed)}> {_resolved(t)};")
+        if t.fixed:
+            names = ", ".join(fixed_enumerator(k) for k in t.fixed)
+            fixed += [f"    // {t.label}: the keys that the formulas write out, resolved when the file loads. Reading",
+                      f"    // one behaves as the lookup by its text does, a missing key included.",
+                      f"    enum class {_enum(t)} : std::size_t {{ {names} }};",
+                      f"    static constexpr std::array<std::string_view, {len(t.fixed)}> {_keys_array(t)}{{{keys}}};",
+                      f"    {t.cpp_type} {t.getter}({_enum(t)} key) const;"]
+            if t.type in ERROR_VALUE:
+                fixed.append(f"    {t.cpp_type} {t.getter}OrError({_enum(t)} key) const;")
+            fixed.append("")
+        else:
+            private.append(f"    static constexpr std::array<std::string_view, 0> {_keys_array(t)}{{}};")
     return f"""{HEADER_NOTE.format(stem=sheet.stem)}#pragma once
 
 #include <prsm/framework/PRSMData.h>
+#include <prsm/framework/PRSMReservedValues.h>
+#include <prsm/framework/PRSMTableIndex.h>
 
+#include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -32,13 +68,20 @@ def header(sheet: Sheet) -> str:
 class {cls} : public PRSMData {{
 public:
     {cls}();
+    // A copy indexes its own maps.
+    {cls}({cls} const& other);
+    {cls}& operator=({cls} const& other);
 
     std::string className() const override;
     std::string reflect() const override;
 
     // Clears every table and loads the file again.
     void reset();
+    // Reads the file into the tables, then indexes them (see resolve).
     void loadCfgData();
+    // Rebuilds the tables' indexes and resolves the constant keys. Loading does this; call it after
+    // adding or erasing entries by hand for the lookups to be fast again (they stay correct without).
+    void resolve();
     // The keys of every table, table by table in load order, each table's keys sorted. The first form
     // replaces the contents of `keys`; the second appends to them unless `clear` is set.
     void getCfgKeys(std::vector<std::string>& keys) const;
@@ -46,17 +89,52 @@ public:
 
 {chr(10).join(getters)}
 
-    static {cls}& getMutableGlobal();
+{"".join(line + chr(10) for line in fixed)}    static {cls}& getMutableGlobal();
     static {cls} const& getGlobal();
 
 {chr(10).join(members)}
-}};
-"""
+{("private:" + chr(10) + chr(10).join(private) + chr(10)) if private else ""}}};
+{"".join(_inline_getters(cls, t) for t in sheet.tables if _scalar(t))}"""
 
 
-def _getter(cls: str, t: Table) -> str:
-    key = f"prsm::lookupKey({', '.join(t.keys)})"
+def _inline_getters(cls: str, t: Table) -> str:
+    """A scalar table's getters, inline: through the index, or the resolved slot of a constant key."""
+    keys = ", ".join(t.keys)
+    found = f"{t.cpp_type} const* value"
     out = f"""
+inline {t.cpp_type} {cls}::{t.getter}({_params(t)}) const {{
+    if ({found} = {_resolved(t)}.find({t.member}, {keys})) return *value;
+    prsm::data::throwMissing("{t.label}", "{cls}::{t.getter}", {keys});
+}}
+"""
+    if t.type in ERROR_VALUE:
+        out += f"""
+inline {t.cpp_type} {cls}::{t.getter}OrError({_params(t)}) const {{
+    {found} = {_resolved(t)}.find({t.member}, {keys});
+    return value != nullptr ? *value : {t.cpp_type}({ERROR_VALUE[t.type]});
+}}
+"""
+    if t.fixed:
+        slot = f"{_resolved(t)}.fixed({t.member}, static_cast<std::size_t>(key))"
+        out += f"""
+inline {t.cpp_type} {cls}::{t.getter}({_enum(t)} key) const {{
+    if ({found} = {slot}) return *value;
+    prsm::data::throwMissing("{t.label}", "{cls}::{t.getter}", {_keys_array(t)}[static_cast<std::size_t>(key)]);
+}}
+"""
+    if t.fixed and t.type in ERROR_VALUE:
+        out += f"""
+inline {t.cpp_type} {cls}::{t.getter}OrError({_enum(t)} key) const {{
+    {found} = {slot};
+    return value != nullptr ? *value : {t.cpp_type}({ERROR_VALUE[t.type]});
+}}
+"""
+    return out
+
+
+def _list_getter(cls: str, t: Table) -> str:
+    key = f"prsm::lookupKey({', '.join(t.keys)})"
+    return f"""
 {t.cpp_type} {cls}::{t.getter}({_params(t)}) const {{
     std::string const& composed = {key};
     auto const it = {t.member}.find(composed);
@@ -64,19 +142,16 @@ def _getter(cls: str, t: Table) -> str:
     return it->second;
 }}
 """
-    if t.type in ERROR_VALUE:
-        out += f"""
-{t.cpp_type} {cls}::{t.getter}OrError({_params(t)}) const {{
-    auto const it = {t.member}.find({key});
-    return it == {t.member}.end() ? {t.cpp_type}({ERROR_VALUE[t.type]}) : it->second;
-}}
-"""
-    return out
 
 
 def source(sheet: Sheet) -> str:
     cls = sheet.prefix + "Data"
     clears = "\n".join(f"    {t.member}.clear();" for t in sheet.tables)
+    scalars = [t for t in sheet.tables if _scalar(t)]
+    invalidates = "".join(f"    {_resolved(t)}.invalidate();\n" for t in scalars)
+    resolves = "\n".join(f"    {_resolved(t)}.resolve({t.member}, {len(t.keys)}, {_keys_array(t)});" for t in scalars)
+    copies = "".join(f", {t.member}(other.{t.member})" for t in sheet.tables)
+    assigns = "".join(f"    {t.member} = other.{t.member};\n" for t in sheet.tables)
     loads = []
     for setting, t in sheet.load_order:
         call = ("PRSMHelperUtils::loadCfgDataToList(&cfg, path, " if t.type == "list"
@@ -99,15 +174,28 @@ def source(sheet: Sheet) -> str:
 
 {cls}::{cls}() {{ reset(); }}
 
+{cls}::{cls}({cls} const& other) : PRSMData(other){copies} {{ resolve(); }}
+
+{cls}& {cls}::operator=({cls} const& other) {{
+    if (this == &other) return *this;
+{assigns}    resolve();
+    return *this;
+}}
+
 std::string {cls}::className() const {{ return "{cls}"; }}
 
 void {cls}::reset() {{
-{clears}
+{invalidates}{clears}
     loadCfgData();
 }}
 
 void {cls}::loadCfgData() {{
 {load_body}
+    resolve();
+}}
+
+void {cls}::resolve() {{
+{resolves}
 }}
 
 void {cls}::getCfgKeys(std::vector<std::string>& keys) const {{ getCfgKeys(keys, true); }}
@@ -126,7 +214,7 @@ std::string {cls}::reflect() const {{
 {reflects}
     return text;
 }}
-{"".join(_getter(cls, t) for t in sheet.tables)}
+{"".join(_list_getter(cls, t) for t in sheet.tables if not _scalar(t))}
 {cls}& {cls}::getMutableGlobal() {{
     static {cls} data;
     return data;

@@ -82,6 +82,14 @@ def header(sheet: Sheet) -> str:
                                    f"{cell.family.name} member) const;")
                 elif cell.name not in sheet.formulas:
                     private.append(f"    {cell.cpp_type} default{cell.camel}{SIG};")
+    strings = [c for c in sheet.all_cells() if c.type == "string"]
+    if strings:
+        public.append("    // String cells without a copy: the cell itself, after its function gave it a value.")
+        public += [f"    std::string const& ref{c.camel}{SIG};" for c in strings]
+    if sheet.derived:
+        public.append("    // Values that several formulas share, computed once per evaluation (not cells).")
+        public += [f"    float derived{camel(n)}{SIG};" for n in sheet.derived]
+        private += [f"    float compute{camel(n)}{SIG};" for n in sheet.derived]
     public.append("")
     public.append("    // Cell functions: the cached value, or the formula's result, which is stored into the cell.")
     for cell in sheet.all_cells():
@@ -121,7 +129,9 @@ def header(sheet: Sheet) -> str:
     private_block = ("\nprivate:\n    // Formulas, written by hand beside the sheet's table.\n" + "\n".join(private)) if private else ""
     return f"""{HEADER_NOTE.format(stem=sheet.stem)}#pragma once
 
+#include <prsm/framework/PRSMCellSupport.h>
 #include <prsm/framework/PRSMModel.h>
+#include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/{sheet.subdir}/{p}.h>
 #include <prsm/{sheet.subdir}/{d}.h>
 
@@ -150,7 +160,7 @@ public:
     static {cls} const& getGlobal();
 {private_block}
 }};
-"""
+{"".join(text for text, inlined in _definitions(sheet, plan, cls) if inlined)}"""
 
 
 def _args(uses_params: bool, uses_data: bool) -> str:
@@ -163,7 +173,7 @@ def _memo(cls: str, cell: Cell, expr: str, uses_data: bool = True) -> str:
     return f"""
 {cell.cpp_type} {cls}::{_fn(cell)}{_args(True, uses_data)} {{
     {cached} cached = params[{enum}];
-    if (cached != {NOT_SET[cell.type]}) return cached;
+    if ({f"!prsm::cells::isNotSet(cached)" if cell.type == "string" else f"cached != {NOT_SET[cell.type]}"}) return cached;
     return params[{enum}] = {expr};
 }}
 """
@@ -382,11 +392,81 @@ def _rows_lacking(sheet: Sheet) -> str:
     return "\n".join(blocks)
 
 
+def _inline(text: str) -> str:
+    return text.replace("\n", "\ninline ", 1)
+
+
+def _definitions(sheet: Sheet, plan: Plan, cls: str) -> list[tuple[str, bool]]:
+    """The cell functions, each with whether it is defined inline in the header: the memoised functions
+    whose formula is the sheet's own (or a constant default), the string-cell references, the derived
+    values and the family accessors, so that the formulas call them without a call. Functions that call a
+    shared formula template stay in the source, whose header is not part of the installed interface."""
+    out: list[tuple[str, bool]] = []
+    for cell in sheet.all_cells():
+        kind = plan.kind(cell)
+        if kind == "input":
+            inp = sheet.inputs[cell.name]
+            shared = sheet.formulas.get(cell.pattern if cell.family is not None and inp.family_default
+                                        else cell.name) if inp.computed_default is not None else None
+            text = _input(cls, sheet, cell)
+            out.append((_inline(text), True) if shared is None else (text, False))
+        elif kind == "formula":
+            shared = sheet.formulas.get(cell.name)
+            text = _memo(cls, cell, shared.call() if shared else f"compute{cell.camel}(params, data)")
+            out.append((_inline(text), True) if shared is None else (text, False))
+        elif kind == "family":  # the family's accessor holds the cache test and the formula
+            fam = cell.family
+            member = f"{fam.name}::{fam.enumerator(cell.member)}"
+            out.append((_inline(f"""
+{cell.cpp_type} {cls}::{_fn(cell)}{SIG} {{ return {_family_fn(cell)}(params, data, {member}); }}
+"""), True))
+        elif kind == "constant":  # stored without looking at the cache
+            out.append((f"""
+{cell.cpp_type} {cls}::{_fn(cell)}{_args(True, False)} {{
+    return params[Params::{cell.name}] = {cpp_literal(sheet.constants[cell.name], cell.type)};
+}}
+""", False))
+        elif kind == "bound":
+            inp, fn = plan.bounds[cell.name]
+            lo, hi = (cpp_literal(float(v), "float") for v in inp.range)
+            out.append((f"""
+{cell.cpp_type} {cls}::{_fn(cell)}{_args(True, False)} {{
+    return params[Params::{cell.name}] = PRSMHelperUtils::{fn}({lo}, {hi});
+}}
+""", False))
+    for cell in sheet.all_cells():
+        if cell.type == "string":
+            out.append((_inline(f"""
+std::string const& {cls}::ref{cell.camel}{SIG} {{
+    std::string const& cell = params[Params::{cell.name}];
+    if (prsm::cells::isNotSet(cell)) {_fn(cell)}(params, data);
+    return cell;
+}}
+"""), True))
+    for i, name in enumerate(sheet.derived):
+        out.append((_inline(f"""
+float {cls}::derived{camel(name)}{SIG} {{
+    float& value = params.m_derivedFloats[{i}];  // {name}
+    if (value != prsm::kFloatNotSet) return value;
+    return value = compute{camel(name)}(params, data);
+}}
+"""), True))
+    seen = set()
+    for cell in sheet.all_cells():
+        if cell.family is not None and (cell.family.name, cell.pattern) not in seen:
+            seen.add((cell.family.name, cell.pattern))
+            text = _family_accessor(cls, sheet, plan, cell)
+            shared = sheet.formulas.get(cell.pattern)
+            out.append((_inline(text), True) if shared is None else (text, False))
+    return out
+
+
 def source(sheet: Sheet) -> str:
     plan = Plan(sheet)
     cls = sheet.prefix + "Model"
     parts = [f"""{HEADER_NOTE.format(stem=sheet.stem)}#include <prsm/{sheet.subdir}/{cls}.h>
 
+#include <prsm/framework/PRSMCellSupport.h>
 #include <prsm/framework/PRSMModelSupport.h>
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/framework/PRSMSheetAdapter.h>
@@ -408,38 +488,7 @@ std::string_view {cls}::memberName({fam.name} member) {{
     return {{}};
 }}
 """)
-    for cell in sheet.all_cells():
-        kind = plan.kind(cell)
-        if kind == "input":
-            parts.append(_input(cls, sheet, cell))
-        elif kind == "formula":
-            shared = sheet.formulas.get(cell.name)
-            parts.append(_memo(cls, cell, shared.call() if shared else f"compute{cell.camel}(params, data)"))
-        elif kind == "family":  # the family's accessor holds the cache test and the formula
-            fam = cell.family
-            member = f"{fam.name}::{fam.enumerator(cell.member)}"
-            parts.append(f"""
-{cell.cpp_type} {cls}::{_fn(cell)}{SIG} {{ return {_family_fn(cell)}(params, data, {member}); }}
-""")
-        elif kind == "constant":  # stored without looking at the cache
-            parts.append(f"""
-{cell.cpp_type} {cls}::{_fn(cell)}{_args(True, False)} {{
-    return params[Params::{cell.name}] = {cpp_literal(sheet.constants[cell.name], cell.type)};
-}}
-""")
-        elif kind == "bound":
-            inp, fn = plan.bounds[cell.name]
-            lo, hi = (cpp_literal(float(v), "float") for v in inp.range)
-            parts.append(f"""
-{cell.cpp_type} {cls}::{_fn(cell)}{_args(True, False)} {{
-    return params[Params::{cell.name}] = PRSMHelperUtils::{fn}({lo}, {hi});
-}}
-""")
-    seen = set()
-    for cell in sheet.all_cells():
-        if cell.family is not None and (cell.family.name, cell.pattern) not in seen:
-            seen.add((cell.family.name, cell.pattern))
-            parts.append(_family_accessor(cls, sheet, plan, cell))
+    parts += [text for text, inlined in _definitions(sheet, plan, cls) if not inlined]
     for inp in plan.validated.values():
         parts.append(_validity(cls, sheet, plan, inp))
     calls = "\n".join(f"    {_fn(sheet.by_name[n])}(params, data);" for n in sheet.calculate)

@@ -41,6 +41,19 @@ def header(sheet: Sheet) -> str:
                       for t in TYPES)
     names = "\n".join(f"    void get{TITLE[t]}{CATEGORY_WORD[c]}Names(std::vector<std::string>& names) const;"
                       for t in TYPES for c in CATEGORIES)
+    derived = ""
+    if sheet.derived:
+        derived = (f"    // Values that several formulas share, computed once per evaluation and cleared with the\n"
+                   f"    // intermediate calculations; they are not cells: {', '.join(sheet.derived)}.\n"
+                   f"    std::array<float, {len(sheet.derived)}> m_derivedFloats;\n")
+    accessors = ""
+    for t in TYPES:
+        ret = "std::string" if t == "string" else t
+        accessors += f"""
+// Bounds-checked like std::array::at, and inline so that formulas read cells without a call.
+inline {ret}& {cls}::operator[]({TITLE[t]}Enum const& cell) {{ return m_{t}Cells.at(cell); }}
+inline {ret} {cls}::operator[]({TITLE[t]}Enum const& cell) const {{ return m_{t}Cells.at(cell); }}
+"""
     return f"""{HEADER_NOTE.format(stem=sheet.stem)}#pragma once
 
 #include <prsm/framework/PRSMParams.h>
@@ -90,8 +103,8 @@ public:
     std::array<int, LastInt> m_intCells;
     std::array<float, LastFloat> m_floatCells;
     std::array<std::string, LastString> m_stringCells;
-}};
-"""
+{derived}}};
+{accessors}"""
 
 
 def source(sheet: Sheet) -> str:
@@ -141,19 +154,14 @@ std::unordered_map<std::string, unsigned int> const& {t}Indices() {{
 
 {cls}::{cls}() {{ reset(); }}
 """)
-    for t in TYPES:
-        title = TITLE[t]
-        ret = "std::string" if t == "string" else t
-        parts.append(f"""
-{ret}& {cls}::operator[]({title}Enum const& cell) {{ return m_{t}Cells.at(cell); }}
-{ret} {cls}::operator[]({title}Enum const& cell) const {{ return m_{t}Cells.at(cell); }}""")
+    clear_derived = "    m_derivedFloats.fill(prsm::kFloatNotSet);\n" if sheet.derived else ""
     parts.append(f"""
 
 void {cls}::reset() {{
     m_intCells.fill(prsm::kIntNotSet);
     m_floatCells.fill(prsm::kFloatNotSet);
     prsm::cells::fill(m_stringCells, 0, LastString, prsm::kStringNotSet);
-}}
+{clear_derived}}}
 """)
     for cat in CATEGORIES:
         m = MARKER[cat]
@@ -163,7 +171,7 @@ void {cls}::{RESET[cat]}() {{
     prsm::cells::fill(m_intCells, First{m}Int, Last{m}Int + 1, prsm::kIntNotSet);
     prsm::cells::fill(m_floatCells, First{m}Float, Last{m}Float, prsm::kFloatNotSet);
     prsm::cells::fill(m_stringCells, First{m}String, Last{m}String, prsm::kStringNotSet);
-}}
+{clear_derived if cat == "intermediates" else ""}}}
 """)
     for t in TYPES:
         for cat in CATEGORIES:

@@ -185,6 +185,7 @@ class Table:
     member: str
     getter: str
     keys: list[str]
+    fixed: list[str] = field(default_factory=list)  # constant keys, parts joined with "."
 
     @property
     def cpp_type(self) -> str:
@@ -214,6 +215,7 @@ class Sheet:
     formula_header: str | None = None
     methods: list[str] = field(default_factory=list)  # "type name": hand-written public members
     design: object = None  # design_decl.DesignDecl: rails, region and static-sheet declarations
+    derived: list[str] = field(default_factory=list)  # shared values computed once per evaluation
 
     @property
     def prefix(self) -> str:
@@ -384,8 +386,30 @@ def _tables(doc: dict) -> tuple[list[Table], list[tuple[str, Table]]]:
         elif table.type != type_:
             raise SheetError(f"table {setting}: map {map_name} already holds {table.type}")
         table.settings.append(setting)
+        table.fixed += [k for p in entry.get("fixed", []) for k in expand(p) if k not in table.fixed]
         order.append((setting, table))
+    for table in maps.values():
+        _check_fixed(table)
     return list(maps.values()), order
+
+
+def fixed_enumerator(key: str) -> str:
+    """The enumerator of a constant key: "DEFAULT.CLE_LOGIC_VCCINT" -> DEFAULT_CLE_LOGIC_VCCINT."""
+    name = re.sub(r"[^A-Za-z0-9_]", "_", key)
+    return "N" + name if name[:1].isdigit() else name
+
+
+def _check_fixed(table: Table) -> None:
+    if table.fixed and table.type == "list":
+        raise SheetError(f"table {table.map}: constant keys are for scalar tables")
+    names = {}
+    for key in table.fixed:
+        if key.count(".") != len(table.keys) - 1 or "" in key.split("."):
+            raise SheetError(f"table {table.map}: constant key {key!r} must have {len(table.keys)} parts")
+        name = fixed_enumerator(key)
+        if name in names:
+            raise SheetError(f"table {table.map}: constant keys {names[name]!r} and {key!r} share a name")
+        names[name] = key
 
 
 def load(path: Path, source_root: Path) -> Sheet:
@@ -476,6 +500,11 @@ def load(path: Path, source_root: Path) -> Sheet:
         named = set(calculate)
         calculate += [c.name for t in TYPES for c in cells[t][1] if c.name not in named]
 
+    derived = list(doc.get("derived", {}))
+    for name in derived:
+        if not re.fullmatch(r"[A-Z][A-Z0-9_]*", name) or name in by_name:
+            raise SheetError(f"derived: {name} must be an UPPER_SNAKE_CASE name that no cell has")
+
     has_model = meta.get("model", True)
     if tables and not meta.get("data_file"):
         raise SheetError("sheet.data_file is required when the sheet has tables")
@@ -486,7 +515,7 @@ def load(path: Path, source_root: Path) -> Sheet:
     subdir = path.parent.resolve().relative_to(source_root.resolve()).as_posix()
     sheet = Sheet(path.stem, subdir, meta.get("description", ""), meta.get("data_file"), has_model,
                   cells, by_name, inputs, constants, families, tables, load_order, calculate, formulas,
-                  meta.get("formula_header"), methods)
+                  meta.get("formula_header"), methods, derived=derived)
     import design_decl  # the whole-design declarations check against the cells above
     sheet.design = design_decl.load(doc, sheet)
     return sheet

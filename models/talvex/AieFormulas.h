@@ -21,6 +21,10 @@ template <typename Model>
 using ParamsOf = typename Model::Params;
 template <typename Model>
 using DataOf = typename Model::Data;
+// The function table's coefficients that the formulas name, resolved when the data loads
+// ("<name>.DYNAMIC" entries of AIE_DATA).
+template <typename Model>
+using Coefficient = typename DataOf<Model>::AieDataKey;
 
 // Exponent of the array's power against VCCINT.
 inline constexpr double kVoltageExponent = 2.3;
@@ -29,16 +33,16 @@ inline constexpr float kOtherWorkloadFactor = 0.7f;
 inline constexpr float kBanksPerTile = 0.125f;  // eight memory banks to a tile
 
 // A coefficient of the function table, or 0 when the table has no such row.
-template <typename Data>
-float coefficient(Data const& data, char const* name) {
-    return PRSMHelperUtils::IFERROR(data.getAieDataOrError(name, "DYNAMIC"), 0.0f);
+template <typename Data, typename Key>
+float coefficient(Data const& data, Key key) {
+    return PRSMHelperUtils::IFERROR(data.getAieDataOrError(key), 0.0f);
 }
 
 // A figure of the device's interface row, or 0 when the table has no such entry.
 template <typename Model>
 int shimFigure(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, char const* key) {
     using PRSMHelperUtils::IFERROR;
-    return IFERROR(data.getShimDataOrError(model.getInternalDeviceName(params, data), key), 0);
+    return IFERROR(data.getShimDataOrError(model.refInternalDeviceName(params, data), key), 0);
 }
 
 // Requested streams or tiles limited to what the device offers; a negative request uses nothing.
@@ -57,9 +61,9 @@ float inUse(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& da
 
 // A dynamic term: so many units (a count, or a count times its rate or load) at the array clock, at the
 // coefficient of that key, voltage- and device-scaled.
-template <typename Model>
+template <typename Model, typename Key>
 float arrayPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, float units,
-                 char const* key) {
+                 Key key) {
     return units * model.getClkFreq(params, data) * coefficient(data, key) *
            model.calculateVoltageScaling(params, data) * model.calculateVccintScale(params, data);
 }
@@ -106,7 +110,7 @@ int nocStreams(Model const& model, ParamsOf<Model>& params, DataOf<Model> const&
 // Without a characterisation voltage the coefficients are taken as they stand.
 template <typename Model>
 float voltageScaling(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
-    float const simVoltage = data.getSimConditionsOrError("PSIM_VOLTAGE");
+    float const simVoltage = data.getSimConditionsOrError(DataOf<Model>::SimConditionsKey::PSIM_VOLTAGE);
     if (PRSMHelperUtils::ISERROR(simVoltage)) return 1.0f;
     double const vccint = model.getVccint(params, data);
     if (!(simVoltage > 0.0f) || !(vccint > 0.0)) return 0.0f;
@@ -116,19 +120,21 @@ float voltageScaling(Model const& model, ParamsOf<Model>& params, DataOf<Model> 
 template <typename Model>
 float vccintScale(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
     using PRSMHelperUtils::IFERROR;
-    return IFERROR(data.getBlockPowerScaleOrError(model.getDevice(params, data), "AIE_VCCINT"),
-                   IFERROR(data.getBlockPowerScaleOrError("DEFAULT", "AIE_VCCINT"), 1.0f));
+    return IFERROR(
+        data.getBlockPowerScaleOrError(model.refDevice(params, data), "AIE_VCCINT"),
+        IFERROR(data.getBlockPowerScaleOrError(DataOf<Model>::BlockPowerScaleKey::DEFAULT_AIE_VCCINT), 1.0f));
 }
 
 // ---- Cores ----
 
 // The tiles of one kernel type: load-dependent vector power plus the idle and scalar floor of each
 // core, for every core at the array clock; 0 unless the kernel is of that type.
-template <typename Model>
+template <typename Model, typename Key>
 float kernelTiles(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, char const* type,
-                  char const* coreKey) {
-    if (model.getKernelType(params, data) != type) return 0.0f;
-    float const floor = coefficient(data, "AIE_TILE_IDLE_POWER") + coefficient(data, "AIE_TILE_SCALAR_POWER");
+                  Key coreKey) {
+    if (std::string_view(model.refKernelType(params, data)) != type) return 0.0f;
+    float const floor = coefficient(data, Coefficient<Model>::AIE_TILE_IDLE_POWER_DYNAMIC) +
+                        coefficient(data, Coefficient<Model>::AIE_TILE_SCALAR_POWER_DYNAMIC);
     return (model.getCoreLoad(params, data) * coefficient(data, coreKey) + floor) *
            (static_cast<float>(model.getAieCores(params, data)) * model.getClkFreq(params, data));
 }
@@ -136,37 +142,39 @@ float kernelTiles(Model const& model, ParamsOf<Model>& params, DataOf<Model> con
 // Complex kernels are costed as 16-bit integer kernels.
 template <typename Model>
 float complexTiles(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
-    return kernelTiles(model, params, data, "Complex", "AIE_INT_CORE_POWER_16BIT");
+    return kernelTiles(model, params, data, "Complex", Coefficient<Model>::AIE_INT_CORE_POWER_16BIT_DYNAMIC);
 }
 
 template <typename Model>
 float int16Tiles(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
-    return kernelTiles(model, params, data, "Int16", "AIE_INT_CORE_POWER_16BIT");
+    return kernelTiles(model, params, data, "Int16", Coefficient<Model>::AIE_INT_CORE_POWER_16BIT_DYNAMIC);
 }
 
 template <typename Model>
 float int8Tiles(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
-    return kernelTiles(model, params, data, "Int8", "AIE_INT_CORE_POWER_8BIT");
+    return kernelTiles(model, params, data, "Int8", Coefficient<Model>::AIE_INT_CORE_POWER_8BIT_DYNAMIC);
 }
 
 template <typename Model>
 float floatTiles(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
-    return kernelTiles(model, params, data, "Floating", "AIE_FP_CORE_POWER");
+    return kernelTiles(model, params, data, "Floating", Coefficient<Model>::AIE_FP_CORE_POWER_DYNAMIC);
 }
 
 // The FFT coefficient already includes the cores' floor.
 template <typename Model>
 float fftTiles(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
-    if (model.getKernelType(params, data) != "FFT") return 0.0f;
+    if (std::string_view(model.refKernelType(params, data)) != "FFT") return 0.0f;
     return static_cast<float>(model.getAieCores(params, data)) * model.getClkFreq(params, data) *
-           model.getCoreLoad(params, data) * coefficient(data, "AIE_FFT_CORE_POWER");
+           model.getCoreLoad(params, data) *
+           coefficient(data, Coefficient<Model>::AIE_FFT_CORE_POWER_DYNAMIC);
 }
 
 // The kernel tiles, summed by the sheet over the kernel types its array runs, scaled and weighted by
 // the workload.
 template <typename Model>
 float tilePower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, float kernels) {
-    float const workload = model.getWorkloadType(params, data) == "DSP" ? 1.0f : kOtherWorkloadFactor;
+    float const workload =
+        std::string_view(model.refWorkloadType(params, data)) == "DSP" ? 1.0f : kOtherWorkloadFactor;
     return kernels * model.calculateVoltageScaling(params, data) * model.calculateVccintScale(params, data) *
            workload;
 }
@@ -175,18 +183,22 @@ template <typename Model>
 float idlePower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
     int const idleTiles = model.getAieTiles(params, data) - model.getAieCores(params, data);
     if (idleTiles <= 0) return 0.0f;
-    return arrayPower(model, params, data, static_cast<float>(idleTiles), "AIE_TILE_IDLE_POWER");
+    return arrayPower(model, params, data, static_cast<float>(idleTiles),
+                      Coefficient<Model>::AIE_TILE_IDLE_POWER_DYNAMIC);
 }
 
 template <typename Model>
 float pllVccintPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
-    return coefficient(data, "PLL_POWER_VCCINT") * model.calculateVoltageScaling(params, data);
+    return coefficient(data, Coefficient<Model>::PLL_POWER_VCCINT_DYNAMIC) *
+           model.calculateVoltageScaling(params, data);
 }
 
 // The PLL's auxiliary supply is regulated: not voltage-scaled.
 template <typename Model>
 float pllVccauxPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
-    return model.getAieCores(params, data) >= 1 ? coefficient(data, "PLL_POWER_VCCAUX") : 0.0f;
+    return model.getAieCores(params, data) >= 1
+               ? coefficient(data, Coefficient<Model>::PLL_POWER_VCCAUX_DYNAMIC)
+               : 0.0f;
 }
 
 // ---- Memory, interconnect and interface row ----
@@ -196,7 +208,7 @@ float memoryPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> con
     return arrayPower(model, params, data,
                       static_cast<float>(model.getNumMemoryBanks(params, data)) *
                           model.getMemoryReadWriteRate(params, data),
-                      "AIE_MEMORY_POWER");
+                      Coefficient<Model>::AIE_MEMORY_POWER_DYNAMIC);
 }
 
 template <typename Model>
@@ -204,21 +216,22 @@ float interconnectStreamPower(Model const& model, ParamsOf<Model>& params, DataO
     return arrayPower(
         model, params, data,
         static_cast<float>(model.getAieTiles(params, data)) * model.getInterconnectLoad(params, data),
-        "STREAM_INTERCONNECT_POWER");
+        Coefficient<Model>::STREAM_INTERCONNECT_POWER_DYNAMIC);
 }
 
 template <typename Model>
 float shimPowerTop(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
     float const columns = static_cast<float>(model.calculateBColumnFactor(params, data)) *
-                          coefficient(data, "AIE_SHIM_TOP_POWER");
-    return model.getClkFreq(params, data) * (columns + coefficient(data, "AIE_SHIM_C_POWER")) *
+                          coefficient(data, Coefficient<Model>::AIE_SHIM_TOP_POWER_DYNAMIC);
+    return model.getClkFreq(params, data) *
+           (columns + coefficient(data, Coefficient<Model>::AIE_SHIM_C_POWER_DYNAMIC)) *
            model.calculateVoltageScaling(params, data) * model.calculateVccintScale(params, data);
 }
 
 // Each interface stream in use, up to the device's count, costs its coefficient at the array clock.
-template <typename Model>
+template <typename Model, typename Key>
 float shimStreamPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, int requested,
-                      int available, char const* key) {
+                      int available, Key key) {
     float const power = arrayPower(model, params, data, limitedCount(requested, available), key);
     return inUse(model, params, data, power);
 }
@@ -226,13 +239,15 @@ float shimStreamPower(Model const& model, ParamsOf<Model>& params, DataOf<Model>
 template <typename Model>
 float plShimPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
     return shimStreamPower(model, params, data, model.getPlInterfaceStreams(params, data),
-                           model.calculatePlStreams(params, data), "AIE_SHIM_PL_STREAM_POWER");
+                           model.calculatePlStreams(params, data),
+                           Coefficient<Model>::AIE_SHIM_PL_STREAM_POWER_DYNAMIC);
 }
 
 template <typename Model>
 float nocShimPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
     return shimStreamPower(model, params, data, model.getNocAximmsInterfaceStreams(params, data),
-                           model.calculateNocStreams(params, data), "AIE_SHIM_NOC_STREAM_POWER");
+                           model.calculateNocStreams(params, data),
+                           Coefficient<Model>::AIE_SHIM_NOC_STREAM_POWER_DYNAMIC);
 }
 
 template <typename Model>

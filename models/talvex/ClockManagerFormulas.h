@@ -3,9 +3,7 @@
 // and the currents that follow it. Each is a template over the sheet's generated model, whose getters and
 // cell functions have the same names on every sheet that has the cell; a sheet's own formula passes the
 // coefficient keys of its rail. Coefficients are "COMMON_DATA" entries, in amperes per MHz for the
-// "_pMHz" keys.
-
-#include <string_view>
+// "_pMHz" keys. A key is the sheet's constant-key enumerator (Data::CommonDataKey::...) or its text.
 
 namespace prsm::clocking {
 
@@ -42,32 +40,32 @@ float xiphyClock(Model const& model, typename Model::Params& params, typename Mo
 }
 
 // A block that toggles at the VCO rate.
-template <typename Model>
+template <typename Model, typename Key>
 float vcoCurrent(Model const& model, typename Model::Params& params, typename Model::Data const& data,
-                 std::string_view perMhzKey) {
+                 Key perMhzKey) {
     return data.getCommonData(perMhzKey) * model.calculateFvco(params, data);
 }
 
 // A block that toggles at the PHY clock rate.
-template <typename Model>
+template <typename Model, typename Key>
 float xiphyClockCurrent(Model const& model, typename Model::Params& params, typename Model::Data const& data,
-                        std::string_view perMhzKey) {
+                        Key perMhzKey) {
     return data.getCommonData(perMhzKey) * model.calculateXiphyClock(params, data);
 }
 
 // The phase detector at the phase-detector rate and the input divider at the input rate.
-template <typename Model>
+template <typename Model, typename Key>
 float pfdClockCurrent(Model const& model, typename Model::Params& params, typename Model::Data const& data,
-                      std::string_view pfdKey, std::string_view inputCountersKey) {
+                      Key pfdKey, Key inputCountersKey) {
     return data.getCommonData(pfdKey) * model.calculatePfdClock(params, data) +
            data.getCommonData(inputCountersKey) * model.getInputFrequency(params, data);
 }
 
 // An output's counter runs at the VCO rate (divide times the output rate), its driver at the output rate.
 // A divide of exactly 1 bypasses both.
-template <typename Model>
+template <typename Model, typename Key>
 float clkoutCurrent(Model const& model, typename Model::Params& params, typename Model::Data const& data,
-                    typename Model::Output member, std::string_view countersKey, std::string_view driverKey) {
+                    typename Model::Output member, Key countersKey, Key driverKey) {
     int const divide = model.getClkoutDivide(params, data, member);
     if (divide == 1) return 0.0f;
     return (data.getCommonData(countersKey) * static_cast<float>(divide) + data.getCommonData(driverKey)) *
@@ -75,9 +73,9 @@ float clkoutCurrent(Model const& model, typename Model::Params& params, typename
 }
 
 // Likewise the feedback counter (M times the feedback rate is the VCO rate) and its driver.
-template <typename Model>
+template <typename Model, typename Key>
 float clockfboutCurrent(Model const& model, typename Model::Params& params, typename Model::Data const& data,
-                        std::string_view countersKey, std::string_view driverKey) {
+                        Key countersKey, Key driverKey) {
     return (data.getCommonData(countersKey) * static_cast<float>(model.getMCounter(params, data)) +
             data.getCommonData(driverKey)) *
            model.calculateClockfbout(params, data);
@@ -85,12 +83,12 @@ float clockfboutCurrent(Model const& model, typename Model::Params& params, type
 
 // A rail's current: the sum of its shared parts, then each output's share in the order of `outputs`,
 // calibrated by the rail's factor.
-template <typename Model, typename Outputs>
+template <typename Model, typename Outputs, typename Key>
 float railCurrent(Model const& model, typename Model::Params& params, typename Model::Data const& data,
                   float parts, Outputs const& outputs,
                   float (Model::*outputCurrent)(typename Model::Params&, typename Model::Data const&,
                                                 typename Model::Output) const,
-                  std::string_view factorKey) {
+                  Key factorKey) {
     for (typename Model::Output const output : outputs) parts += (model.*outputCurrent)(params, data, output);
     return data.getCommonData(factorKey) * parts;
 }
@@ -99,13 +97,14 @@ float railCurrent(Model const& model, typename Model::Params& params, typename M
 // clock, calibrated by the auxiliary factor.
 template <typename Model>
 float ioPllAuxBaseCurrent(Model const&, typename Model::Params&, typename Model::Data const& data) {
-    return data.getCommonData("IVCCAUX_REGULATOR") + data.getCommonData("IVCCAUX_CHARGE_PUMP");
+    return data.getCommonData(Model::Data::CommonDataKey::IVCCAUX_REGULATOR) +
+           data.getCommonData(Model::Data::CommonDataKey::IVCCAUX_CHARGE_PUMP);
 }
 
 template <typename Model>
 float ioPllAuxIntCurrent(Model const& model, typename Model::Params& params,
                          typename Model::Data const& data) {
-    return data.getCommonData("FUDGE_FACTOR_AUX") *
+    return data.getCommonData(Model::Data::CommonDataKey::FUDGE_FACTOR_AUX) *
            (model.calculateVccAuxBaseCurrent(params, data) + model.calculateVccAuxVcoCurrent(params, data) +
             model.calculateVccAuxXiphyClockCurrent(params, data));
 }
@@ -113,7 +112,7 @@ float ioPllAuxIntCurrent(Model const& model, typename Model::Params& params,
 // The I/O-bank PLLs' VCCINTIO control logic.
 template <typename Model>
 float ioPllIntioBaseCurrent(Model const&, typename Model::Params&, typename Model::Data const& data) {
-    return data.getCommonData("IVCCINTIO_CTRL_LOGIC");
+    return data.getCommonData(Model::Data::CommonDataKey::IVCCINTIO_CTRL_LOGIC);
 }
 
 template <typename Model>

@@ -37,7 +37,7 @@ float Model::computeAieTilePower(Params& params, Data const& data) const {
 float Model::computeAieMemTilePower(Params& params, Data const& data) const {
     float const tiles = aie::limitedCount(getMemTiles(params, data), calculateMemTileCount(params, data));
     return aie::arrayPower(*this, params, data, tiles * getMemoryReadWriteRate(params, data),
-                           "AIE_MEM_TILE_POWER");
+                           Data::AieDataKey::AIE_MEM_TILE_POWER_DYNAMIC);
 }
 
 // ---- Groups and rails ----

@@ -9,16 +9,17 @@
 #include <cmath>
 
 using PRSMHelperUtils::IFERROR;
-using PRSMHelperUtils::LEFT;
 using Model = PRSMTalvexCleLogicModel;
+using Data = Model::Data;
 
 namespace {
 
-bool startsWith(std::string const& text, char const* prefix, int length) {
-    return LEFT(text, length) == prefix;
+// LEFT(text, length) == prefix, without the copy.
+bool startsWith(std::string_view text, char const* prefix, std::size_t length) {
+    return text.size() >= length && text.compare(0, length, prefix) == 0;
 }
 
-bool isMemoryLut(std::string const& type) {
+bool isMemoryLut(std::string_view type) {
     return type == "LUT_DRAM" || type == "LUT_SRL";
 }
 
@@ -28,6 +29,36 @@ char const* a5ListName(std::string const& type) {
 
 constexpr Model::Pin kAddressPins[] = {Model::Pin::A1, Model::Pin::A2, Model::Pin::A3,
                                        Model::Pin::A4, Model::Pin::A5, Model::Pin::A6};
+
+// LUT_CAP's entries for the address pins and for the internal nodes of inputs 1 to 5.
+constexpr Data::LutCapKey kAddressPinCaps[] = {Data::LutCapKey::A1, Data::LutCapKey::A2, Data::LutCapKey::A3,
+                                               Data::LutCapKey::A4, Data::LutCapKey::A5, Data::LutCapKey::A6};
+constexpr Data::LutCapKey kInternalCaps[] = {Data::LutCapKey::A1INT, Data::LutCapKey::A2INT,
+                                             Data::LutCapKey::A3INT, Data::LutCapKey::A4INT,
+                                             Data::LutCapKey::A5INT};
+
+// The capacitance of a pin: the look-up table's for address and output pins, the miscellaneous
+// table's for bypass and output-mux pins, the look-ahead chain's for the carry outputs.
+float pinCapacitance(Data const& data, Model::Pin pin) {
+    switch (pin) {
+        case Model::Pin::BYP:
+            return data.getMiscCap(Data::MiscCapKey::BYP);
+        case Model::Pin::OFMUX:
+            return data.getMiscCap(Data::MiscCapKey::OFMUX);
+        case Model::Pin::COUTB:
+            return data.getLookaheadCap(Data::LookaheadCapKey::COUTB);
+        case Model::Pin::COUTD:
+            return data.getLookaheadCap(Data::LookaheadCapKey::COUTD);
+        case Model::Pin::COUTF:
+            return data.getLookaheadCap(Data::LookaheadCapKey::COUTF);
+        case Model::Pin::COUTH:
+            return data.getLookaheadCap(Data::LookaheadCapKey::COUTH);
+        case Model::Pin::OP:
+            return data.getLutCap(Data::LutCapKey::OP);
+        default:
+            return data.getLutCap(kAddressPinCaps[static_cast<int>(pin) - static_cast<int>(Model::Pin::A1)]);
+    }
+}
 
 }  // namespace
 
@@ -55,34 +86,17 @@ std::vector<std::string> Model::validListA5PinType(Params& params, Data const& d
 // ---- Pins and capacitance-frequency products ---------------------------------------------------------
 
 float Model::computeVccintScale(Params& params, Data const& data) const {
-    return IFERROR(data.getBlockPowerScaleOrError(getDevice(params, data), "CLE_LOGIC_VCCINT"),
-                   IFERROR(data.getBlockPowerScaleOrError("DEFAULT", "CLE_LOGIC_VCCINT"), 1));
+    return IFERROR(
+        data.getBlockPowerScaleOrError(refDevice(params, data), "CLE_LOGIC_VCCINT"),
+        IFERROR(data.getBlockPowerScaleOrError(Data::BlockPowerScaleKey::DEFAULT_CLE_LOGIC_VCCINT), 1));
 }
 
 float Model::computeFreq(Params& params, Data const& data, Pin pin) const {
     return getSigRate(params, data, pin) * 0.5f;
 }
 
-// Address and output pins are look-up table capacitances; bypass and output-mux pins are
-// miscellaneous ones; the carry outputs are the look-ahead chain's.
 float Model::computePinComponent(Params& params, Data const& data, Pin pin) const {
-    std::string_view const name = memberName(pin);
-    float capacitance = 0.0f;
-    switch (pin) {
-        case Pin::BYP:
-        case Pin::OFMUX:
-            capacitance = data.getMiscCap(name);
-            break;
-        case Pin::COUTB:
-        case Pin::COUTD:
-        case Pin::COUTF:
-        case Pin::COUTH:
-            capacitance = data.getLookaheadCap(name);
-            break;
-        default:
-            capacitance = data.getLutCap(name);
-            break;
-    }
+    float const capacitance = pinCapacitance(data, pin);
     return calculateFreq(params, data, pin) * capacitance;
 }
 
@@ -91,8 +105,7 @@ float Model::computeIntComponent(Params& params, Data const& data, LutInput inpu
     int const k = static_cast<int>(input);
     if (input == LutInput::A6) return 0.0f;
     float capacitance = 0.0f;
-    for (int j = k; j <= static_cast<int>(LutInput::A5); ++j)
-        capacitance += data.getLutCap(prsm::concatKey(memberName(static_cast<LutInput>(j)), "INT"));
+    for (int j = k; j <= static_cast<int>(LutInput::A5); ++j) capacitance += data.getLutCap(kInternalCaps[j]);
     return calculateFreq(params, data, kAddressPins[k]) * capacitance;
 }
 
@@ -104,19 +117,19 @@ float Model::computeMaxIntComponent(Params& params, Data const& data) const {
 
 // Only the largest internal component counts: one internal path switches per toggle.
 float Model::computeLutCapFreq(Params& params, Data const& data) const {
-    if (!startsWith(getInstanceType(params, data), "LUT", 3)) return 0.0f;
+    if (!startsWith(refInstanceType(params, data), "LUT", 3)) return 0.0f;
     float sum = 0.0f;
     for (Pin pin : kAddressPins) sum += calculatePinComponent(params, data, pin);
     return sum + calculateOpPinComponent(params, data) + calculateMaxIntComponent(params, data);
 }
 
 float Model::computeBypCapFreq(Params& params, Data const& data) const {
-    return startsWith(getInstanceType(params, data), "BYP", 3) ? calculateBypPinComponent(params, data)
+    return startsWith(refInstanceType(params, data), "BYP", 3) ? calculateBypPinComponent(params, data)
                                                                : 0.0f;
 }
 
 float Model::computeLookaheadCapFreq(Params& params, Data const& data) const {
-    if (!startsWith(getInstanceType(params, data), "LOOKAHEAD", 9)) return 0.0f;
+    if (!startsWith(refInstanceType(params, data), "LOOKAHEAD", 9)) return 0.0f;
     return calculateCoutbPinComponent(params, data) + calculateCoutdPinComponent(params, data) +
            calculateCoutfPinComponent(params, data) + calculateCouthPinComponent(params, data);
 }
@@ -127,27 +140,34 @@ float Model::computeOfmuxCapFreq(Params& params, Data const& data) const {
 }
 
 float Model::computeRegCapFreq(Params& params, Data const& data) const {
-    std::string const type = getInstanceType(params, data);
+    std::string const& type = refInstanceType(params, data);
     if (!startsWith(type, "REG", 3)) return 0.0f;
     return getQSigRate(params, data) * data.getRegCap(type);
 }
 
 float Model::computeMemoryWriteCapFreq(Params& params, Data const& data) const {
-    std::string const type = getInstanceType(params, data);
+    std::string_view const type = refInstanceType(params, data);
     if (type == "LUT_DRAM")
-        return data.getLutCap("C_LRAM") * getClockFreq(params, data) * getLutWeProb(params, data);
+        return data.getLutCap(Data::LutCapKey::C_LRAM) * getClockFreq(params, data) *
+               getLutWeProb(params, data);
     if (type == "LUT_SRL")
-        return getOpSigRate(params, data) * data.getLutCap("CLSRL") * getLutWeProb(params, data);
+        return getOpSigRate(params, data) * data.getLutCap(Data::LutCapKey::CLSRL) *
+               getLutWeProb(params, data);
     return 0.0f;
 }
 
 // ---- Components: capacitance-frequency product x V^VPOW x 0.001 x device scale ---------------------------
 
+// V^VPOW, which every component uses.
+float Model::computeVccintPower(Params& params, Data const& data) const {
+    return std::pow(getVccint(params, data), data.getMiscCap(Data::MiscCapKey::VPOW));
+}
+
 namespace {
 
 // X * P in single precision, then 0.001 and the device scale in double, stored as single precision.
 float component(Model const& model, Model::Params& params, Model::Data const& data, float capFreq) {
-    float const vpowFactor = std::pow(model.getVccint(params, data), data.getMiscCap("VPOW"));
+    float const vpowFactor = model.derivedVccintPower(params, data);
     float const switched = capFreq * vpowFactor;
     return static_cast<float>(static_cast<double>(switched) * 0.001 *
                               static_cast<double>(model.calculateVccintScale(params, data)));
@@ -216,7 +236,7 @@ float Model::computeLogicPower(Params& params, Data const& data) const {
     float const ofmux = calculateOfmuxInstancePower(params, data);
     float const byp = calculateBypInstancePower(params, data);
     float const lookahead = calculateLookaheadInstancePower(params, data);
-    std::string const type = getInstanceType(params, data);
+    std::string_view const type = refInstanceType(params, data);
     float perInstance = 0.0f;
     if (startsWith(type, "REG", 3))
         perInstance = reg;
@@ -237,14 +257,13 @@ float Model::computeLogicPower(Params& params, Data const& data) const {
 // The legacy estimator charges every pin of the table and every internal node at once.
 float Model::computeKpeLutPinCap(Params&, Data const& data) const {
     float sum = 0.0f;
-    for (Pin pin : kAddressPins) sum += data.getLutCap(memberName(pin));
-    return sum + data.getLutCap("OP");
+    for (Data::LutCapKey key : kAddressPinCaps) sum += data.getLutCap(key);
+    return sum + data.getLutCap(Data::LutCapKey::OP);
 }
 
 float Model::computeKpeLutIntCap(Params&, Data const& data) const {
     float sum = 0.0f;
-    for (LutInput input : {LutInput::A1, LutInput::A2, LutInput::A3, LutInput::A4, LutInput::A5})
-        sum += data.getLutCap(prsm::concatKey(memberName(input), "INT"));
+    for (Data::LutCapKey key : kInternalCaps) sum += data.getLutCap(key);
     return sum;
 }
 
@@ -264,7 +283,7 @@ float Model::computeKpeLogicPower(Params& params, Data const& data) const {
     float const reg = calculateRegInstancePower(params, data);
     float const lut = calculateLutKpePower(params, data);
     float const write = calculateMemoryWriteComponent(params, data);
-    std::string const type = getInstanceType(params, data);
+    std::string_view const type = refInstanceType(params, data);
     float perInstance = 0.0f;
     if (type == "REG_FF")
         perInstance = reg;

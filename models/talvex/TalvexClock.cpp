@@ -17,8 +17,9 @@ namespace {
 // The share of a resource that a clock reaches when it drives `util` of the device: 1 - VAR1^(VAR2 * util).
 // A result that is not a finite number is reported as the float error value.
 float reachedShare(Model::Data const& data, float util) {
-    double const share = 1.0 - std::pow(static_cast<double>(data.getVarData("VAR1")),
-                                        static_cast<double>(data.getVarData("VAR2")) * util);
+    double const share =
+        1.0 - std::pow(static_cast<double>(data.getVarData(Model::Data::VarDataKey::VAR1)),
+                       static_cast<double>(data.getVarData(Model::Data::VarDataKey::VAR2)) * util);
     return std::isfinite(share) ? static_cast<float>(share) : prsm::kFloatNotSet;
 }
 
@@ -90,13 +91,18 @@ float Model::computeSlices(Params& params, Data const& data) const {
     return slices >= 0.0 ? static_cast<float>(slices) : 0.0f;
 }
 
+// The share of the network that the clock's sites reach, computed once for the two cells that use it.
+float Model::computeSiteReach(Params& params, Data const& data) const {
+    return reachedShare(data, calculateSiteUtil(params, data));
+}
+
 float Model::computeHdistUtil(Params& params, Data const& data) const {
-    return IFERROR(reachedShare(data, calculateSiteUtil(params, data)), 1);
+    return IFERROR(derivedSiteReach(params, data), 1);
 }
 
 // Same expression and keys as the distribution share: the table makes the two equal, the cells stay apart.
 float Model::computeLeafUtil(Params& params, Data const& data) const {
-    return IFERROR(reachedShare(data, calculateSiteUtil(params, data)), 1);
+    return IFERROR(derivedSiteReach(params, data), 1);
 }
 
 int Model::computeHdCount(Params& params, Data const& data) const {
@@ -149,12 +155,13 @@ int Model::computeNonCleSiteFanout(Params& params, Data const& data) const {
 // Before placement a quarter of the four clock-enable groups of a slice is assumed in use; afterwards the
 // share follows the flip-flops per slice with the same saturating curve as the network utilisation.
 float Model::computeAvgCeFfGroupsPerSlice(Params& params, Data const& data) const {
-    if (getDesignState(params, data) == "SYNTHESIZED") return 0.25f;
+    if (std::string_view(refDesignState(params, data)) == "SYNTHESIZED") return 0.25f;
     float const slices = calculateSlices(params, data);
     if (!(slices > 0.0f)) return 0.0f;
     float const ffsPerSlot = static_cast<float>(getFfsUsingClk(params, data)) / (slices * 16);
-    double const share = 1.0 - std::pow(static_cast<double>(data.getVarData("VAR1")),
-                                        static_cast<double>(ffsPerSlot) * data.getVarData("VAR2"));
+    double const share =
+        1.0 - std::pow(static_cast<double>(data.getVarData(Model::Data::VarDataKey::VAR1)),
+                       static_cast<double>(ffsPerSlot) * data.getVarData(Model::Data::VarDataKey::VAR2));
     return static_cast<float>(share * 4);
 }
 

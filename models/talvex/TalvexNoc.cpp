@@ -15,6 +15,7 @@
 #include <climits>
 
 using Model = PRSMTalvexNocModel;
+using Data = Model::Data;
 using PRSMHelperUtils::IFERROR;
 using PRSMHelperUtils::MIN;
 using PRSMHelperUtils::toIntSaturated;
@@ -33,9 +34,17 @@ constexpr double kCharacterisationVoltageSquared = 0.7744;
 // One transaction-size byte in flits of the bandwidth overhead term.
 constexpr double kFlitsPerByte = 0.0625;
 
+// Each unit's coefficient, in the order of the Unit family, on either network generation.
+constexpr Data::CommonDataKey kUnitCoefficients[] = {
+    Data::CommonDataKey::NMU_DYNAMIC,  Data::CommonDataKey::NSU_DYNAMIC,  Data::CommonDataKey::NPS_DYNAMIC,
+    Data::CommonDataKey::NPS6_DYNAMIC, Data::CommonDataKey::NCRB_DYNAMIC, Data::CommonDataKey::NIDB_DYNAMIC};
+constexpr Data::CommonDataKey kNoc2UnitCoefficients[] = {
+    Data::CommonDataKey::NOC2_NMU_DYNAMIC,  Data::CommonDataKey::NOC2_NSU_DYNAMIC,
+    Data::CommonDataKey::NOC2_NPS_DYNAMIC,  Data::CommonDataKey::NOC2_NPS6_DYNAMIC,
+    Data::CommonDataKey::NOC2_NCRB_DYNAMIC, Data::CommonDataKey::NOC2_NIDB_DYNAMIC};
+
 // A count from the device table for the current device, or 0 when the table has no such entry.
-int deviceCount(Model::Data const& data, std::string const& device, std::string const& path,
-                char const* column) {
+int deviceCount(Model::Data const& data, std::string_view device, std::string_view path, char const* column) {
     return IFERROR(data.getDeviceDataOrError(device, path, column), 0);
 }
 
@@ -57,37 +66,36 @@ std::vector<std::string> Model::validListDevice(Params&, Data const& data) const
 
 // A part the table does not list is taken to be an internal name already.
 std::string Model::computeIntDeviceName(Params& params, Data const& data) const {
-    std::string const device = getDevice(params, data);
+    std::string const& device = refDevice(params, data);
     auto const it = data.m__DeviceIntNames.find(device);
     if (it == data.m__DeviceIntNames.end() || it->second.empty()) return device;
     return it->second.front();
 }
 
 int Model::computeNoc2Device(Params& params, Data const& data) const {
-    return calculateIntDeviceName(params, data) == kNoc2Device ? 1 : 0;
+    return std::string_view(refIntDeviceName(params, data)) == kNoc2Device ? 1 : 0;
 }
 
 // ---- Counts along the selected data path ----
 
 int Model::defaultNumSwitches(Params& params, Data const& data) const {
-    return deviceCount(data, calculateIntDeviceName(params, data), getDataPath(params, data), "AVG_SW");
+    return deviceCount(data, refIntDeviceName(params, data), refDataPath(params, data), "AVG_SW");
 }
 
 int Model::defaultNumNps6(Params& params, Data const& data) const {
-    return deviceCount(data, calculateIntDeviceName(params, data), getDataPath(params, data), "AVG_NPS6_SW");
+    return deviceCount(data, refIntDeviceName(params, data), refDataPath(params, data), "AVG_NPS6_SW");
 }
 
 int Model::defaultNumNidb(Params& params, Data const& data) const {
-    return deviceCount(data, calculateIntDeviceName(params, data), getDataPath(params, data), "AVG_NIDB_SW");
+    return deviceCount(data, refIntDeviceName(params, data), refDataPath(params, data), "AVG_NIDB_SW");
 }
 
 int Model::defaultNumNcrb(Params& params, Data const& data) const {
-    return deviceCount(data, calculateIntDeviceName(params, data), getDataPath(params, data), "AVG_NCRB_SW");
+    return deviceCount(data, refIntDeviceName(params, data), refDataPath(params, data), "AVG_NCRB_SW");
 }
 
 int Model::defaultNumClkBuffersPerPath(Params& params, Data const& data) const {
-    return deviceCount(data, calculateIntDeviceName(params, data), getDataPath(params, data),
-                       "AVG_CLK_BUFFERS");
+    return deviceCount(data, refIntDeviceName(params, data), refDataPath(params, data), "AVG_CLK_BUFFERS");
 }
 
 // ---- Coefficients ----
@@ -95,16 +103,15 @@ int Model::defaultNumClkBuffersPerPath(Params& params, Data const& data) const {
 float Model::computeClkData(Params& params, Data const& data) const {
     // The clock keys are spelled with the letters transposed. A coefficient the file lacks is an error of
     // the data, reported as a missing key.
-    return data.getCommonData(calculateNoc2Device(params, data) == 1 ? "NOC2_CLK_DYANMIC"
-                                                                     : "NOC_CLK_DYANMIC");
+    return data.getCommonData(calculateNoc2Device(params, data) == 1 ? Data::CommonDataKey::NOC2_CLK_DYANMIC
+                                                                     : Data::CommonDataKey::NOC_CLK_DYANMIC);
 }
 
 // A unit's coefficient: NOC2_<UNIT>_DYNAMIC on the second-generation network, else <UNIT>_DYNAMIC.
 float Model::computeData(Params& params, Data const& data, Unit unit) const {
-    std::string_view const name = memberName(unit);
-    return calculateNoc2Device(params, data) == 1
-               ? data.getCommonData(prsm::concatKey("NOC2_", name, "_DYNAMIC"))
-               : data.getCommonData(prsm::concatKey(name, "_DYNAMIC"));
+    auto const index = static_cast<std::size_t>(unit);
+    return data.getCommonData(calculateNoc2Device(params, data) == 1 ? kNoc2UnitCoefficients[index]
+                                                                     : kUnitCoefficients[index]);
 }
 
 // ---- Path power ----
@@ -152,12 +159,11 @@ float Model::computeTotalPathPwr(Params& params, Data const& data) const {
 // ---- Clock buffers ----
 
 int Model::computeTotalClockBuffers(Params& params, Data const& data) const {
-    return IFERROR(data.getClockBufferMaxOrError(calculateIntDeviceName(params, data)),
-                   kDefaultTotalClockBuffers);
+    return IFERROR(data.getClockBufferMaxOrError(refIntDeviceName(params, data)), kDefaultTotalClockBuffers);
 }
 
 int Model::computeDdrOnlyClockBuffers(Params& params, Data const& data) const {
-    return IFERROR(data.getClockBufferDdrOrError(calculateIntDeviceName(params, data)),
+    return IFERROR(data.getClockBufferDdrOrError(refIntDeviceName(params, data)),
                    kDefaultDdrOnlyClockBuffers);
 }
 
@@ -172,7 +178,7 @@ int Model::defaultNumClockBuffers(Params& params, Data const& data) const {
                                  getNumPs2aiePaths(params, data);
     if (otherPaths >= 1) return getNumClkBuffersPerPath(params, data);
     int const plPaths = getNum2plPaths(params, data);
-    int const perGroup = deviceCount(data, calculateIntDeviceName(params, data), kPlToPl, "AVG_CLK_BUFFERS");
+    int const perGroup = deviceCount(data, refIntDeviceName(params, data), kPlToPl, "AVG_CLK_BUFFERS");
     if (plPaths < 4 || plPaths % 4 == 0) return perGroup;
     long long const count = (PRSMHelperUtils::QUOTIENT(plPaths, 4) + 1LL) * perGroup;
     return static_cast<int>(std::clamp<long long>(count, INT_MIN, INT_MAX));

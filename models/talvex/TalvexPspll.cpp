@@ -25,28 +25,31 @@ std::vector<std::string> Model::validListClkoutDivideExp(Params&, Data const&) c
 
 // VCC_AUX: regulator and charge pump, and the VCO.
 float Model::computeVccAuxBaseCurrent(Params&, Data const& data) const {
-    return data.getCommonData("IVCCAUX_REGULATOR") + data.getCommonData("IVCCAUX_CHARGE_PUMP");
+    return data.getCommonData(Data::CommonDataKey::IVCCAUX_REGULATOR) +
+           data.getCommonData(Data::CommonDataKey::IVCCAUX_CHARGE_PUMP);
 }
 
 float Model::computeVccAuxCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("FUDGE_FACTOR_AUX") *
+    return data.getCommonData(Data::CommonDataKey::FUDGE_FACTOR_AUX) *
            (calculateVccAuxBaseCurrent(params, data) + calculateVccAuxVcoCurrent(params, data));
 }
 
 // VCCINT: control logic, the VCO's digital share and feedback divider (both at the VCO rate), the phase
 // detector and reference divider, and the output divider and driver.
 float Model::computeVccintBaseCurrent(Params&, Data const& data) const {
-    return data.getCommonData("IVCCINT_CTRL_LOGIC");
+    return data.getCommonData(Data::CommonDataKey::IVCCINT_CTRL_LOGIC);
 }
 
 // The divider's first stage toggles at the VCO rate whatever the exponent; the driver at the output rate.
 float Model::computeVccintClockoutCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("IVCCINT_OUTPUT_COUNTERS_pMHz") * calculateFvco(params, data) +
-           data.getCommonData("IVCCINT_OUTPUT_DRIVER_pMHz") * calculateClockout(params, data);
+    return data.getCommonData(Data::CommonDataKey::IVCCINT_OUTPUT_COUNTERS_pMHz) *
+               calculateFvco(params, data) +
+           data.getCommonData(Data::CommonDataKey::IVCCINT_OUTPUT_DRIVER_pMHz) *
+               calculateClockout(params, data);
 }
 
 float Model::computeVccintCurrent(Params& params, Data const& data) const {
-    return data.getCommonData("FUDGE_FACTOR_INT") *
+    return data.getCommonData(Data::CommonDataKey::FUDGE_FACTOR_INT) *
            (calculateVccintBaseCurrent(params, data) + calculateVccintVcoCurrent(params, data) +
             calculateVccintPfdClockCurrent(params, data) + calculateVccintClockoutCurrent(params, data));
 }

@@ -26,5 +26,5 @@ float Model::computeVccintioIntCurrent(Params& params, Data const& data) const {
         calculateVccintioXiphyClkCurrent(params, data) + calculateVccintioClk0Clk90PathCurrent(params, data) +
         calculateVccintioClkNetworkX5phioCurrent(params, data);
     return clocking::railCurrent(*this, params, data, parts, kOutputs, &Model::calculateVccintioClkoutCurrent,
-                                 "FUDGE_FACTOR_INT");
+                                 Data::CommonDataKey::FUDGE_FACTOR_INT);
 }

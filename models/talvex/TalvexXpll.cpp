@@ -24,5 +24,5 @@ float Model::computeVccintioIntCurrent(Params& params, Data const& data) const {
         calculateVccintioPfdClockCurrent(params, data) + calculateVccintioClockfboutCurrent(params, data) +
         calculateVccintioXiphyClkCurrent(params, data);
     return clocking::railCurrent(*this, params, data, parts, kOutputs, &Model::calculateVccintioClkoutCurrent,
-                                 "FUDGE_FACTOR_INT");
+                                 Data::CommonDataKey::FUDGE_FACTOR_INT);
 }
