@@ -27,11 +27,9 @@ using Data = Model::Data;
 
 using prsm::leakage::deviceName;
 using prsm::leakage::singleSupplyScaling;
+using prsm::leakage::skuName;
+using prsm::leakage::sumOfStaticPowers;
 using prsm::leakage::vtCoefficient;
-
-std::string const& skuName(Model const& model, Params& params, Data const& data) {
-    return prsm::leakage::inPlace(params, Params::SKU_NAME, [&] { model.calculateSkuName(params, data); });
-}
 
 // The rail a block leaks on.
 Rail railOf(Block block) {
@@ -98,14 +96,6 @@ float blockCoefficient(Model const& model, Params& params, Data const& data, Blo
 // The share of a block's leakage left in a power-gated state; 1 (no gating) without a row.
 float gatedShare(Model const& model, Params& params, Data const& data, char const* state) {
     return IFERROR(data.getPowerGatingOrError(deviceName(model, params, data), state), 1.0f);
-}
-
-// A region's static power: its rails' powers added in order from 0.
-template <std::size_t N>
-float sumOfStaticPowers(Model const& model, Params& params, Data const& data, Rail const (&rails)[N]) {
-    float sum = 0.0f;
-    for (Rail const rail : rails) sum += model.calculateStaticPower(params, data, rail);
-    return sum;
 }
 
 }  // namespace
