@@ -88,11 +88,6 @@ constexpr Block kBlocks[] = {
     Block::GTM_MGTMVCCAUX, Block::HBM_VCCHBM,     Block::HBM_VCCIOHBM,   Block::HBM_VCCAUXHBM,
     Block::VCU_VCCAUX,     Block::VCU_VCCPSPLL};
 
-// A block's coefficient: its member name is its component key.
-float blockCoefficient(Model const& model, Params& params, Data const& data, Block block, char const* key) {
-    return vtCoefficient(model, params, data, Model::memberName(block), key);
-}
-
 // The share of a block's leakage left in a power-gated state; 1 (no gating) without a row.
 float gatedShare(Model const& model, Params& params, Data const& data, char const* state) {
     return IFERROR(data.getPowerGatingOrError(deviceName(model, params, data), state), 1.0f);
@@ -138,38 +133,6 @@ float Model::computeCommonTotalPowerFactor(Params& params, Data const& data, Rai
 }
 
 // ---- A block's leakage (<BLOCK>_<RAIL>_...) ----
-
-float Model::computeVtA(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "A");
-}
-
-float Model::computeVtB(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "B");
-}
-
-float Model::computeVtC(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "C");
-}
-
-float Model::computeVtD(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "D");
-}
-
-float Model::computeVtE(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "E");
-}
-
-float Model::computeVtConst(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "CONST");
-}
-
-float Model::computeVC1(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "V_C1");
-}
-
-float Model::computeVC2(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "V_C2");
-}
 
 // The memory stacks sit at their own temperature; every other block at the junction temperature.
 float Model::computeVtLeakage(Params& params, Data const& data, Block block) const {

@@ -210,6 +210,13 @@ float sumOfStaticPowers(Model const& model, ParamsOf<Model>& params, DataOf<Mode
 
 // ---- A block's leakage: the <BLOCK>_... cells of the block family ----
 
+// <BLOCK>_VT_A .. _VT_CONST, _V_C1, _V_C2 of a sheet whose block member names are their component keys.
+template <typename Model>
+float blockCoefficient(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                       typename Model::Block block, char const* key) {
+    return vtCoefficient(model, params, data, Model::memberName(block), key);
+}
+
 template <typename Model>
 float blockLeakageAt(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
                      typename Model::Block block, double t) {
