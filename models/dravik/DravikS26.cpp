@@ -18,6 +18,8 @@ using Converter = Model::Converter;
 using Limit = Model::Limit;
 using Total = Model::Total;
 using prsm::som::LoadSteps;
+using prsm::som::Output;
+using Rating = prsm::som::Rating<Model>;
 
 namespace {
 
@@ -45,13 +47,6 @@ constexpr float kDdrVddVolts = 1.2f;
 constexpr float kDdrVppVolts = 2.5f;
 constexpr float kDdrVttVolts = 0.6f;
 
-// A switching regulator's output: its load, nominal voltage and the steps of its load key.
-struct Output {
-    float amperes;
-    float volts;
-    LoadSteps steps;
-};
-
 Output output(Model const& model, Model::Params& params, Model::Data const& data, Converter converter) {
     switch (converter) {
         case Converter::DA9062_BUCK1:
@@ -77,17 +72,8 @@ Output output(Model const& model, Model::Params& params, Model::Data const& data
 }
 
 float loss(Model const& model, Model::Params& params, Model::Data const& data, Converter converter) {
-    Output const out = output(model, params, data, converter);
-    return prsm::som::conversionLoss(out.amperes, out.volts,
-                                     model.calculateEfficiency(params, data, converter));
+    return prsm::som::loss(model, params, data, &output, converter);
 }
-
-// An output's rating: the rail whose load counts, the rated current and the nominal voltage.
-struct Rating {
-    Rail rail;
-    float amperes;
-    float volts;
-};
 
 Rating rating(Limit limit) {
     switch (limit) {
@@ -191,21 +177,17 @@ float Model::computeLoadCalc(Params& params, Data const& data, Part part) const 
 // ---- Regulators ----
 
 std::string Model::computeLoadKey(Params& params, Data const& data, Converter converter) const {
-    Output const out = output(*this, params, data, converter);
-    return prsm::som::loadKey(out.amperes, out.steps);
+    return prsm::som::outputLoadKey(*this, params, data, &output, converter);
 }
 
 float Model::computeEfficiencyCalc(Params& params, Data const& data, Converter converter) const {
     std::string const& key = calculateLoadKeyString(params, data, converter);
     switch (converter) {
         case Converter::DA9062_BUCK1:
-            return prsm::som::efficiency(data.getBuckDataTableOrError(key, "BUCK1"));
         case Converter::DA9062_BUCK2:
-            return prsm::som::efficiency(data.getBuckDataTableOrError(key, "BUCK2"));
         case Converter::DA9062_BUCK3:
-            return prsm::som::efficiency(data.getBuckDataTableOrError(key, "BUCK3"));
         case Converter::DA9062_BUCK4:
-            return prsm::som::efficiency(data.getBuckDataTableOrError(key, "BUCK4"));
+            return prsm::som::buckEfficiency<Model>(data, key, converter);
         case Converter::DA9130:
         case Converter::DA9131_CH1:
         case Converter::DA9131_CH2:
@@ -218,24 +200,11 @@ float Model::computeEfficiencyCalc(Params& params, Data const& data, Converter c
 }
 
 float Model::computeDa9062PowerCalc(Params& params, Data const& data, Da9062Loss member) const {
-    switch (member) {
-        case Da9062Loss::BUCK1:
-            return loss(*this, params, data, Converter::DA9062_BUCK1);
-        case Da9062Loss::BUCK2:
-            return loss(*this, params, data, Converter::DA9062_BUCK2);
-        case Da9062Loss::BUCK3:
-            return loss(*this, params, data, Converter::DA9062_BUCK3);
-        case Da9062Loss::BUCK4:
-            return loss(*this, params, data, Converter::DA9062_BUCK4);
-        case Da9062Loss::LDO1:
-            return calculateDa9062Load(params, data, Ldo::LDO1);
-    }
-    return 0.0f;
+    return prsm::som::da9062MemberPower(*this, params, data, &output, member);
 }
 
 float Model::computeOverlimitCalc(Params& params, Data const& data, Limit limit) const {
-    Rating const r = rating(limit);
-    return prsm::som::overLimit(calculateRegLoad(params, data, r.rail), r.amperes, r.volts);
+    return prsm::som::ratingOverLimit(*this, params, data, rating(limit));
 }
 
 // ---- Totals ----

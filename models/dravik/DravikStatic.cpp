@@ -27,11 +27,9 @@ using Data = Model::Data;
 
 using prsm::leakage::deviceName;
 using prsm::leakage::singleSupplyScaling;
+using prsm::leakage::skuName;
+using prsm::leakage::sumOfStaticPowers;
 using prsm::leakage::vtCoefficient;
-
-std::string const& skuName(Model const& model, Params& params, Data const& data) {
-    return prsm::leakage::inPlace(params, Params::SKU_NAME, [&] { model.calculateSkuName(params, data); });
-}
 
 // The rail a block leaks on.
 Rail railOf(Block block) {
@@ -90,22 +88,9 @@ constexpr Block kBlocks[] = {
     Block::GTM_MGTMVCCAUX, Block::HBM_VCCHBM,     Block::HBM_VCCIOHBM,   Block::HBM_VCCAUXHBM,
     Block::VCU_VCCAUX,     Block::VCU_VCCPSPLL};
 
-// A block's coefficient: its member name is its component key.
-float blockCoefficient(Model const& model, Params& params, Data const& data, Block block, char const* key) {
-    return vtCoefficient(model, params, data, Model::memberName(block), key);
-}
-
 // The share of a block's leakage left in a power-gated state; 1 (no gating) without a row.
 float gatedShare(Model const& model, Params& params, Data const& data, char const* state) {
     return IFERROR(data.getPowerGatingOrError(deviceName(model, params, data), state), 1.0f);
-}
-
-// A region's static power: its rails' powers added in order from 0.
-template <std::size_t N>
-float sumOfStaticPowers(Model const& model, Params& params, Data const& data, Rail const (&rails)[N]) {
-    float sum = 0.0f;
-    for (Rail const rail : rails) sum += model.calculateStaticPower(params, data, rail);
-    return sum;
 }
 
 }  // namespace
@@ -148,38 +133,6 @@ float Model::computeCommonTotalPowerFactor(Params& params, Data const& data, Rai
 }
 
 // ---- A block's leakage (<BLOCK>_<RAIL>_...) ----
-
-float Model::computeVtA(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "A");
-}
-
-float Model::computeVtB(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "B");
-}
-
-float Model::computeVtC(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "C");
-}
-
-float Model::computeVtD(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "D");
-}
-
-float Model::computeVtE(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "E");
-}
-
-float Model::computeVtConst(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "CONST");
-}
-
-float Model::computeVC1(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "V_C1");
-}
-
-float Model::computeVC2(Params& params, Data const& data, Block block) const {
-    return blockCoefficient(*this, params, data, block, "V_C2");
-}
 
 // The memory stacks sit at their own temperature; every other block at the junction temperature.
 float Model::computeVtLeakage(Params& params, Data const& data, Block block) const {

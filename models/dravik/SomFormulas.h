@@ -100,6 +100,83 @@ inline float overLimit(float amperes, float ratingAmperes, float volts) {
     return PRSMHelperUtils::MAX(amperes - ratingAmperes, 0.0f) * volts * 1000.0f;
 }
 
+// ---- A board's outputs and ratings ----
+
+// A switching regulator's output: its load, nominal voltage and the steps of its load key.
+struct Output {
+    float amperes;
+    float volts;
+    LoadSteps steps;
+};
+
+// A board's table of outputs: which rail feeds a regulator, at what voltage.
+template <typename Model>
+using OutputTable = Output (*)(Model const&, ParamsOf<Model>&, DataOf<Model> const&,
+                               typename Model::Converter);
+
+// A regulator's loss at its output, at the efficiency its load keys.
+template <typename Model>
+float loss(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, OutputTable<Model> output,
+           typename Model::Converter converter) {
+    Output const out = output(model, params, data, converter);
+    return conversionLoss(out.amperes, out.volts, model.calculateEfficiency(params, data, converter));
+}
+
+// A regulator's load key, from its output's load and steps.
+template <typename Model>
+std::string outputLoadKey(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                          OutputTable<Model> output, typename Model::Converter converter) {
+    Output const out = output(model, params, data, converter);
+    return loadKey(out.amperes, out.steps);
+}
+
+// A DA9062 buck's efficiency (BUCK_DATA_TABLE.<key>.BUCK<n>); `converter` is one of its four bucks.
+template <typename Model>
+float buckEfficiency(DataOf<Model> const& data, std::string const& key, typename Model::Converter converter) {
+    using Converter = typename Model::Converter;
+    char const* const column = converter == Converter::DA9062_BUCK1   ? "BUCK1"
+                               : converter == Converter::DA9062_BUCK2 ? "BUCK2"
+                               : converter == Converter::DA9062_BUCK3 ? "BUCK3"
+                                                                      : "BUCK4";
+    return efficiency(data.getBuckDataTableOrError(key, column));
+}
+
+// The DA9062's members: its four bucks' losses, and the first linear output's input draw.
+template <typename Model>
+float da9062MemberPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                        OutputTable<Model> output, typename Model::Da9062Loss member) {
+    using Converter = typename Model::Converter;
+    using Loss = typename Model::Da9062Loss;
+    switch (member) {
+        case Loss::BUCK1:
+            return loss(model, params, data, output, Converter::DA9062_BUCK1);
+        case Loss::BUCK2:
+            return loss(model, params, data, output, Converter::DA9062_BUCK2);
+        case Loss::BUCK3:
+            return loss(model, params, data, output, Converter::DA9062_BUCK3);
+        case Loss::BUCK4:
+            return loss(model, params, data, output, Converter::DA9062_BUCK4);
+        case Loss::LDO1:
+            return model.calculateDa9062Load(params, data, Model::Ldo::LDO1);
+    }
+    return 0.0f;
+}
+
+// An output's rating: the rail whose load counts, the rated current and the nominal voltage.
+template <typename Model>
+struct Rating {
+    typename Model::Rail rail;
+    float amperes;
+    float volts;
+};
+
+// The power beyond a rating in mW.
+template <typename Model>
+float ratingOverLimit(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                      Rating<Model> const& rating) {
+    return overLimit(model.calculateRegLoad(params, data, rating.rail), rating.amperes, rating.volts);
+}
+
 // ---- The DA9062's LDOs and its 3.3 V buck ----
 
 // What the 1.8 V transceiver-termination output draws, in W: its output power times 1.7777777 (the

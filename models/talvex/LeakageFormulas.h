@@ -16,6 +16,7 @@
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <cmath>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -39,6 +40,11 @@ std::string const& inPlace(Params& params, typename Params::StringEnum cell, Fil
 template <typename Model>
 std::string const& deviceName(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
     return inPlace(params, ParamsOf<Model>::DEVICE_NAME, [&] { model.getDeviceName(params, data); });
+}
+
+template <typename Model>
+std::string const& skuName(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return inPlace(params, ParamsOf<Model>::SKU_NAME, [&] { model.calculateSkuName(params, data); });
 }
 
 template <typename Model>
@@ -132,9 +138,7 @@ float commonVoltageScaling(Model const& model, ParamsOf<Model>& params, DataOf<M
 template <typename Model>
 float commonVoltBinning(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
                         typename Model::Rail rail) {
-    return voltBinning(
-        model, params, data, Model::memberName(rail),
-        inPlace(params, ParamsOf<Model>::SKU_NAME, [&] { model.calculateSkuName(params, data); }));
+    return voltBinning(model, params, data, Model::memberName(rail), skuName(model, params, data));
 }
 
 // VT_LEAKAGE · V_SCALING · VOLT_BINNING · MULTIPLIER.
@@ -195,7 +199,23 @@ float railStaticPower(Model const& model, ParamsOf<Model>& params, DataOf<Model>
     return model.getRail(params, data, rail) * model.calculateStaticCurrent(params, data, rail);
 }
 
+// A region's static power: its rails' static powers added left to right from 0.
+template <typename Model, std::size_t N>
+float sumOfStaticPowers(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                        typename Model::Rail const (&rails)[N]) {
+    float sum = 0.0f;
+    for (typename Model::Rail const rail : rails) sum += model.calculateStaticPower(params, data, rail);
+    return sum;
+}
+
 // ---- A block's leakage: the <BLOCK>_... cells of the block family ----
+
+// <BLOCK>_VT_A .. _VT_CONST, _V_C1, _V_C2 of a sheet whose block member names are their component keys.
+template <typename Model>
+float blockCoefficient(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                       typename Model::Block block, char const* key) {
+    return vtCoefficient(model, params, data, Model::memberName(block), key);
+}
 
 template <typename Model>
 float blockLeakageAt(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,

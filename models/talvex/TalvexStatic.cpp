@@ -49,11 +49,9 @@ using prsm::leakage::isWorstProcess;
 using prsm::leakage::kWorstProcess;
 using prsm::leakage::leakagePolynomial;
 using prsm::leakage::singleSupplyScaling;
+using prsm::leakage::skuName;
+using prsm::leakage::sumOfStaticPowers;
 using prsm::leakage::vtCoefficient;
-
-std::string const& skuName(Model const& model, Params& params, Data const& data) {
-    return inPlace(params, Params::SKU_NAME, [&] { model.calculateSkuName(params, data); });
-}
 
 // The package; a package name may be longer than a string's inline buffer, where a copy allocates.
 std::string const& gtPackage(Model const& model, Params& params, Data const& data) {
@@ -277,14 +275,6 @@ Rail x5ioRail(X5ioRail rail) {
             return Rail::VCCO12;
     }
     return Rail::VCCO10;
-}
-
-// Region totals: the rails' static powers added left to right from 0.
-template <std::size_t N>
-float sumOfStaticPowers(Model const& model, Params& params, Data const& data, Rail const (&rails)[N]) {
-    float sum = 0.0f;
-    for (Rail const rail : rails) sum += model.calculateStaticPower(params, data, rail);
-    return sum;
 }
 
 }  // namespace

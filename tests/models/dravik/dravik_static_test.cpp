@@ -13,6 +13,7 @@
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/models/dravik/PRSMDravikStaticModel.h>
 
+#include "ModelFixture.h"
 #include "TestData.h"
 
 #include <gtest/gtest.h>
@@ -35,20 +36,9 @@ constexpr int kRails = 53;
 constexpr double kVccint25 = 0.9765625e-3 + 7.8125e-3 + 0.046875 + 0.25 + 1.25 + 1.0;  // 2.5556640625
 double const kE09 = std::exp(0.9);  // VCCAUX: 2 exp(0.5 x 1.8) = 2 e^0.9; GTY: 0.5 exp(1 x 0.9)
 
-void expectRel(double actual, double expected) {
-    EXPECT_NEAR(actual, expected, 1e-5 * std::fabs(expected) + 1e-9) << "expected " << expected;
-}
+using prsm::test::expectRel;
 
-class DravikStatic : public ::testing::Test {
-protected:
-    float calc(Params::FloatEnum cell) {
-        model.calculate(p);
-        return p[cell];
-    }
-    Model const& model = Model::getGlobal();
-    Data const& data = Data::getGlobal();
-    Params p;
-};
+class DravikStatic : public prsm::test::ModelFixture<Model> {};
 
 TEST_F(DravikStatic, RailLeakageAtTheJunctionTemperature) {
     // VCCINT: its own leakage 2.5556640625 x scaling 1 x binning 0.5, plus the UltraRAM array (share 1).

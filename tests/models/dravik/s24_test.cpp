@@ -9,6 +9,7 @@
 #include <prsm/models/dravik/PRSMDravikS24Model.h>
 #include <prsm/models/dravik/PRSMDravikS26Params.h>
 
+#include "ModelFixture.h"
 #include "TestData.h"
 
 #include <gtest/gtest.h>
@@ -22,12 +23,7 @@ using Params = PRSMDravikS24Params;
 using Model = PRSMDravikS24Model;
 using Data = PRSMDravikS24Data;
 
-class S24 : public ::testing::Test {
-protected:
-    Model const& model = Model::getGlobal();
-    Data const& data = Data::getGlobal();
-    Params p;
-};
+class S24 : public prsm::test::ModelFixture<Model> {};
 
 TEST_F(S24, CellsDifferFromTheLargerBoardOnlyWhereTheBoardsDiffer) {
     using Large = PRSMDravikS26Params;

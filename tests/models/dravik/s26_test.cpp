@@ -6,6 +6,7 @@
 // (0.25 x 1.08 x 1.2 + 0.25 x 0.36 x 1.2 + max(0.12, 0.24)) / 1.2 = 0.672 / 1.2 = 0.56 A.
 #include <prsm/models/dravik/PRSMDravikS26Model.h>
 
+#include "ModelFixture.h"
 #include "TestData.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +20,7 @@ using Params = PRSMDravikS26Params;
 using Model = PRSMDravikS26Model;
 using Data = PRSMDravikS26Data;
 
-class S26 : public ::testing::Test {
+class S26 : public prsm::test::ModelFixture<Model> {
 protected:
     // The figure of `cell` after a full calculation with one input set.
     float with(Params::FloatEnum input, float value, Params::FloatEnum cell) {
@@ -34,9 +35,6 @@ protected:
         model.calculate(q);
         return q[key];
     }
-    Model const& model = Model::getGlobal();
-    Data const& data = Data::getGlobal();
-    Params p;
 };
 
 TEST_F(S26, LoadKeysFollowEachRegulatorsSteps) {

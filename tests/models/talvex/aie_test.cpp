@@ -8,6 +8,7 @@
 #include <prsm/models/talvex/PRSMTalvexAie2Model.h>
 #include <prsm/models/talvex/PRSMTalvexAieModel.h>
 
+#include "ModelFixture.h"
 #include "TestData.h"
 
 #include <gtest/gtest.h>
@@ -18,12 +19,8 @@ using Params = PRSMTalvexAieParams;
 using Model = PRSMTalvexAieModel;
 using Data = PRSMTalvexAieData;
 
-class Aie : public ::testing::Test {
+class Aie : public prsm::test::ModelFixture<Model> {
 protected:
-    float calc(Params::FloatEnum cell) {
-        model.calculate(p);
-        return p[cell];
-    }
     // 16 cores and 256 banks (32 tiles) at 1000 MHz, half load, half read/write rate.
     void sixteenCores(Params& q) {
         q[Params::AIE_CORES] = 16;
@@ -32,9 +29,6 @@ protected:
         q[Params::CORE_LOAD] = 0.5f;
         q[Params::MEMORY_READ_WRITE_RATE] = 0.5f;
     }
-    Model const& model = Model::getGlobal();
-    Data const& data = Data::getGlobal();
-    Params p;
 };
 
 // The default tile count is formed in float: 2147483646 cores round up to 2^31 there, one past the int

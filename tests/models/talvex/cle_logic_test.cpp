@@ -1,6 +1,7 @@
 // The logic-element sheet on tests/data: every figure below is worked out by hand from that file.
 #include <prsm/models/talvex/PRSMTalvexCleLogicModel.h>
 
+#include "ModelFixture.h"
 #include "TestData.h"
 
 #include <gtest/gtest.h>
@@ -14,16 +15,7 @@ using Params = PRSMTalvexCleLogicParams;
 using Model = PRSMTalvexCleLogicModel;
 using Data = PRSMTalvexCleLogicData;
 
-class CleLogic : public ::testing::Test {
-protected:
-    float calc(Params::FloatEnum cell) {
-        model.calculate(p);
-        return p[cell];
-    }
-    Model const& model = Model::getGlobal();
-    Data const& data = Data::getGlobal();
-    Params p;
-};
+class CleLogic : public prsm::test::ModelFixture<Model> {};
 
 TEST_F(CleLogic, LayoutMatchesTheDeclaredCells) {
     EXPECT_EQ(Params::LastUIInt, 5);

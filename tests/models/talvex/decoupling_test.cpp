@@ -5,6 +5,7 @@
 #include <prsm/models/talvex/PRSMTalvexDecouplingCapXcModel.h>
 #include <prsm/models/talvex/PRSMTalvexDecouplingCapXqModel.h>
 
+#include "ModelFixture.h"
 #include "TestData.h"
 
 #include <gtest/gtest.h>
@@ -24,12 +25,9 @@ using XcParams = PRSMTalvexDecouplingCapXcParams;
 using XcModel = PRSMTalvexDecouplingCapXcModel;
 using XcData = PRSMTalvexDecouplingCapXcData;
 
-class Decoupling : public ::testing::Test {
+class Decoupling : public prsm::test::ModelFixture<XqModel> {
 protected:
     float xq(char const* cell) { return model.floatDispatchTable(p, data, cell); }
-    XqModel const& model = XqModel::getGlobal();
-    XqData const& data = XqData::getGlobal();
-    XqParams p;
 };
 
 // VCCAUX: (M, B) = (1, 2), (3, 4), (5, 6), (7, 8), (9, 10), (0.5, 0.25) for 0.1 ... 330 uF.

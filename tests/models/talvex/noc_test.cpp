@@ -7,6 +7,7 @@
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/models/talvex/PRSMTalvexNocModel.h>
 
+#include "ModelFixture.h"
 #include "TestData.h"
 
 #include <gtest/gtest.h>
@@ -21,19 +22,12 @@ using Data = PRSMTalvexNocData;
 
 constexpr float kScale = 0.826446f;
 
-class Noc : public ::testing::Test {
+class Noc : public prsm::test::ModelFixture<Model> {
 protected:
-    float calc(Params::FloatEnum cell) {
-        model.calculate(p);
-        return p[cell];
-    }
     int usedBuffers() {
         model.calculate(p);
         return p[Params::USED_CLK_BUFFERS];
     }
-    Model const& model = Model::getGlobal();
-    Data const& data = Data::getGlobal();
-    Params p;
 };
 
 // Raw bandwidth 0.8 x 5/4 + 0.8 x 6/4 = 2.2 Gb/s; units 1 + 2 + 3x2 + 4x1 + 6x0 + 5x1 = 18, so the

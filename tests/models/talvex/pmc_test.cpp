@@ -6,6 +6,8 @@
 // 0.8 V (VCCINTPMC) and 1.5 V (VCCAUXPMC). Loads are percent: L enters as L / 100.
 #include <prsm/models/talvex/PRSMTalvexPmcModel.h>
 
+#include "ModelFixture.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -16,7 +18,7 @@ using Params = PRSMTalvexPmcParams;
 using Model = PRSMTalvexPmcModel;
 using Data = PRSMTalvexPmcData;
 
-class Pmc : public ::testing::Test {
+class Pmc : public prsm::test::ModelFixture<Model> {
 protected:
     // Every interface and PLL disabled except the quad flash (defaults: 2 outputs, 4 bidirectional
     // pins at 150 MHz, 25 %, bank 0 at 1.8 V).
@@ -27,13 +29,6 @@ protected:
               Params::PMC_USB0_USAGE, Params::PMC_PLL_USAGE, Params::NOC_PLL_USAGE})
             p[usage] = "DISABLED";
     }
-    float calc(Params::FloatEnum cell) {
-        model.calculate(p);
-        return p[cell];
-    }
-    Model const& model = Model::getGlobal();
-    Data const& data = Data::getGlobal();
-    Params p;
 };
 
 // The flash: 150 MHz at 25 % is 37.5 MHz of activity on 4 receivers, 6 drivers, 6 pins.

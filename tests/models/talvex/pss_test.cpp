@@ -10,6 +10,7 @@
 #include <prsm/framework/PRSMException.h>
 #include <prsm/models/talvex/PRSMTalvexPssModel.h>
 
+#include "ModelFixture.h"
 #include "TestData.h"
 
 #include <gtest/gtest.h>
@@ -22,16 +23,7 @@ using Params = PRSMTalvexPssParams;
 using Model = PRSMTalvexPssModel;
 using Data = PRSMTalvexPssData;
 
-class Pss : public ::testing::Test {
-protected:
-    float calc(Params::FloatEnum cell) {
-        model.calculate(p);
-        return p[cell];
-    }
-    Model const& model = Model::getGlobal();
-    Data const& data = Data::getGlobal();
-    Params p;
-};
+class Pss : public prsm::test::ModelFixture<Model> {};
 
 TEST_F(Pss, VoltageScalingOfEachDomain) {
     EXPECT_FLOAT_EQ(calc(Params::VCCPSFP_VOLTAGE_SCALING), 1.0f);

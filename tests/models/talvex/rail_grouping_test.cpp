@@ -5,6 +5,7 @@
 #include <prsm/framework/PRSMException.h>
 #include <prsm/models/talvex/PRSMTalvexPowerRailGroupingModel.h>
 
+#include "ModelFixture.h"
 #include "TestData.h"
 
 #include <gtest/gtest.h>
@@ -32,7 +33,7 @@ std::vector<std::string> const kMinGroups = {"MIN_RAILS_1A", "MIN_RAILS_1B", "MI
                                              "MIN_RAILS_5A", "MIN_RAILS_5B", "MIN_RAILS_6A", "MIN_RAILS_6B",
                                              "MIN_RAILS_7A", "MIN_RAILS_7B", "MIN_RAILS_8"};
 
-class RailGrouping : public ::testing::Test {
+class RailGrouping : public prsm::test::ModelFixture<Model> {
 protected:
     void SetUp() override { p[Params::DEVICE_FAMILY] = "FAM_A"; }
     std::string cell(std::string const& name) { return p[Params::string_to_string_enum(name)]; }
@@ -42,9 +43,6 @@ protected:
         p[Params::VOLTAGE_GRADE] = grade;
         model.calculate(p);
     }
-    Model const& model = Model::getGlobal();
-    Data const& data = Data::getGlobal();
-    Params p;
 };
 
 TEST_F(RailGrouping, FullPowerManagementShowsTheDomainGroupsAndBlanksTheOthers) {

@@ -12,6 +12,7 @@
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/models/talvex/PRSMTalvexStaticModel.h>
 
+#include "ModelFixture.h"
 #include "TestData.h"
 
 #include <gtest/gtest.h>
@@ -34,20 +35,9 @@ double vccintLeakage(double t) {
 // VCCAUX's two-supply scaling at 1.5 V and VCCINT 0.8 V: exp(0.5 x 1.5) exp(1 x 0.8) (2 x 0.64 + 1).
 double const kVccauxScaling = std::exp(0.75) * std::exp(0.8) * 2.28;
 
-class Static : public ::testing::Test {
-protected:
-    float calc(Params::FloatEnum cell) {
-        model.calculate(p);
-        return p[cell];
-    }
-    Model const& model = Model::getGlobal();
-    Data const& data = Data::getGlobal();
-    Params p;
-};
+class Static : public prsm::test::ModelFixture<Model> {};
 
-void expectRel(double actual, double expected) {
-    EXPECT_NEAR(actual, expected, 1e-5 * std::fabs(expected) + 1e-9) << "expected " << expected;
-}
+using prsm::test::expectRel;
 
 TEST_F(Static, LeakagePolynomialAndItsValueAt25Degrees) {
     // Defaults: 25 degrees, no dynamic power, so no temperature rise.
