@@ -93,17 +93,18 @@ std::string renderEstimateTable(design::Report const& report) {
     }
 
     text << "\n";
-    if (report.complete)
-        text << formatTable({"total", "power (W)"}, {{"dynamic", fixed(report.dynamicPower, 4)},
-                                                     {"static", fixed(report.staticPower, 4)},
-                                                     {"total", fixed(report.totalPower, 4)}});
-    if (report.complete && report.board)
-        text << formatTable(
-            {"board", "power (W)"},
-            {{report.board->model + " total",
-              std::isnan(report.board->totalPower) ? "-" : fixed(report.board->totalPower, 4)}});
-    else
+    if (!report.complete) {
         text << "No totals: the estimate is incomplete (see the errors).\n";
+        return text.str();
+    }
+    text << formatTable({"total", "power (W)"}, {{"dynamic", fixed(report.dynamicPower, 4)},
+                                                 {"static", fixed(report.staticPower, 4)},
+                                                 {"total", fixed(report.totalPower, 4)}});
+    if (report.board)
+        text << "\n"
+             << formatTable({"board", "power (W)"},
+                            {{report.board->model + " total",
+                              std::isnan(report.board->totalPower) ? "-" : fixed(report.board->totalPower, 4)}});
     return text.str();
 }
 

@@ -36,6 +36,9 @@ TEST(HostEstimate, PrintsTableJsonAndCsv) {
     EXPECT_EQ(table.code, kExitOk) << table.err;
     EXPECT_NE(table.out.find("voltage (V)"), std::string::npos);
     EXPECT_NE(table.out.find("4 iterations"), std::string::npos);
+    // A complete estimate without a board ends with its totals, and says nothing of missing ones.
+    EXPECT_NE(table.out.find("dynamic  0.5540"), std::string::npos) << table.out;
+    EXPECT_EQ(table.out.find("No totals"), std::string::npos) << table.out;
 
     EstimateRun const json = estimate("small.json", {"--json"});
     ASSERT_EQ(json.code, kExitOk);
