@@ -204,7 +204,7 @@ void DesignTarget::describe() {
         std::string const name = rail;  // a copy the readers keep
         auto railOutput = [&](std::string const& figure, std::string const& unit,
                               double design::RailResult::*member) {
-            output("rail." + rail + "." + figure, CellType::Float, unit,
+            output("rail." + name + "." + figure, CellType::Float, unit,
                    [name, member](design::Report const& r) {
                        design::RailResult const* found = findRail(r, name);
                        return found ? found->*member : 0.0;
