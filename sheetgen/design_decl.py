@@ -107,22 +107,20 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
     if "temperature" in design:
         decl.temperature = design["temperature"]
         cell(decl.temperature, "design.temperature", ("float",), True)
-        decl.static_current = design.get("static_current", "")
-        if decl.static_current and decl.static_current.count("{}") != 1:
-            raise SheetError("design.static_current: a cell pattern with one {} for the rail")
-        if decl.static_current:
-            for _, rail in decl.voltage:
-                name = decl.static_current.replace("{}", rail)
+        def rail_pattern(key: str) -> str:
+            """A per-rail cell pattern with one {}; each rail's cell it names, where there is one, is a
+            float computed cell."""
+            pattern = design.get(key, "")
+            if pattern and pattern.count("{}") != 1:
+                raise SheetError(f"design.{key}: a cell pattern with one {{}} for the rail")
+            for _, rail in decl.voltage if pattern else ():
+                name = pattern.replace("{}", rail)
                 if name in sheet.by_name:
-                    cell(name, "design.static_current", ("float",), False)
-        decl.max_current = design.get("max_current", "")
-        if decl.max_current and decl.max_current.count("{}") != 1:
-            raise SheetError("design.max_current: a cell pattern with one {} for the rail")
-        if decl.max_current:
-            for _, rail in decl.voltage:
-                name = decl.max_current.replace("{}", rail)
-                if name in sheet.by_name:
-                    cell(name, "design.max_current", ("float",), False)
+                    cell(name, f"design.{key}", ("float",), False)
+            return pattern
+
+        decl.static_current = rail_pattern("static_current")
+        decl.max_current = rail_pattern("max_current")
         decl.static_total = design.get("static_total", "")
         if decl.static_total:
             cell(decl.static_total, "design.static_total", ("float",), False)
