@@ -53,24 +53,38 @@ std::string designJson(bool mixed) {
     return text + "]}";
 }
 
-void full(benchmark::State& state, bool mixed) {
+// `fromAmbient`: every thermal solve from the ambient, as a sweep's points are solved.
+void full(benchmark::State& state, bool mixed, bool fromAmbient) {
     Estimator estimator(parseDesign(designJson(mixed), "bench.json"));
+    if (fromAmbient) estimator.setThermalStart(Estimator::ThermalStartFrom::Ambient);
     if (!estimator.estimate().complete) state.SkipWithError("the bench design does not estimate");
-    for (auto _ : state) benchmark::DoNotOptimize(estimator.estimate().totalPower);
+    double calculations = 0;
+    for (auto _ : state) {
+        Report const& report = estimator.estimate();
+        benchmark::DoNotOptimize(report.totalPower);
+        calculations += report.thermal.iterations;
+    }
+    state.counters["static_calcs"] = benchmark::Counter(calculations, benchmark::Counter::kAvgIterations);
 }
 
 void oneBlock(benchmark::State& state, bool mixed) {
     Estimator estimator(parseDesign(designJson(mixed), "bench.json"));
     if (!estimator.estimate().complete) state.SkipWithError("the bench design does not estimate");
     bool flip = false;
+    double calculations = 0;
     for (auto _ : state) {
         estimator.setInput("b500", "CLOCK_FREQ", (flip = !flip) ? "250" : "300");
-        benchmark::DoNotOptimize(estimator.update().totalPower);
+        Report const& report = estimator.update();
+        benchmark::DoNotOptimize(report.totalPower);
+        calculations += report.thermal.iterations;
     }
+    state.counters["static_calcs"] = benchmark::Counter(calculations, benchmark::Counter::kAvgIterations);
 }
 
-BENCHMARK_CAPTURE(full, logic_1000, false)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(full, mixed_1000, true)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(full, logic_1000, false, false)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(full, mixed_1000, true, false)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(full, logic_1000_from_ambient, false, true)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(full, mixed_1000_from_ambient, true, true)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(oneBlock, logic_1000, false)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(oneBlock, mixed_1000, true)->Unit(benchmark::kMicrosecond);
 

@@ -1,5 +1,6 @@
 #include <prsm/design/Estimate.h>
 #include <prsm/design/Rails.h>
+#include <prsm/design/ThermalSolve.h>
 #include <prsm/framework/PRSMCommonParamControlData.h>
 #include <prsm/framework/PRSMException.h>
 #include <prsm/framework/PRSMReservedValues.h>
@@ -198,6 +199,10 @@ struct Estimator::State {
     std::vector<std::size_t> maxCurrentCell;                            // per rail
     std::vector<std::pair<std::size_t, std::size_t>> staticRegionCell;  // region, cell
     std::vector<Feed> feeds;
+    std::vector<double> feedPower;  // W into each feed, summed by build()
+    // The last thermal solution, where the next solve starts when warmStart.
+    std::optional<ThermalStart> thermalStart;
+    bool warmStart = true;
 
     // The module board: its current inputs with the rail each takes (kNone: a rail the design lacks).
     struct BoardRegulatorCells {
@@ -435,7 +440,11 @@ void Estimator::State::checkValidity(BlockState& block) {
     }
 }
 
+// The static sheet at one junction temperature, from a fresh parameter set each time, so that its
+// figures at a temperature never depend on the temperatures calculated before.
 bool Estimator::State::staticAt(double junction, double& staticPower) {
+    restore(*statics);
+    for (std::size_t i = 0; i < feeds.size(); ++i) statics->instance->setNumber(feeds[i].cell, feedPower[i]);
     statics->instance->setNumber(temperatureCell, junction);
     calculateBlock(*statics);
     if (!statics->error.empty()) return false;
@@ -620,8 +629,8 @@ void Estimator::State::build() {
     out.thermal.ambient = design.thermal.ambient;
     out.thermal.thetaJa = design.thermal.thetaJa;
     if (statics) {
-        restore(*statics);
         out.staticModel = statics->given->model;
+        feedPower.clear();
         for (Feed const& feed : feeds) {
             double sum = 0;
             for (Cell const& c : cells) {
@@ -638,45 +647,41 @@ void Estimator::State::build() {
                 }
                 if (match) sum += c.power;
             }
-            statics->instance->setNumber(feed.cell, sum);
+            feedPower.push_back(sum);
             out.staticInputs.emplace_back(feed.name, sum);
         }
     }
     bool staticOk = true;
+    double const ta = design.thermal.ambient, theta = design.thermal.thetaJa;
     if (design.thermal.junction) {
         out.thermal.junction = *design.thermal.junction;
         if (statics) staticOk = staticAt(out.thermal.junction, staticPower);
+    } else if (!statics || theta == 0) {
+        // Nothing to iterate: without leakage, or without a package resistance, the rise is known.
+        out.thermal.solved = true;
+        out.thermal.iterations = 1;
+        out.thermal.junction = ta + theta * dynamic;
+        if (statics) staticOk = staticAt(out.thermal.junction, staticPower);
     } else {
         out.thermal.solved = true;
-        double const ta = design.thermal.ambient, theta = design.thermal.thetaJa;
-        double t = ta;
-        for (int i = 1;; ++i) {
-            if (statics && !(staticOk = staticAt(t, staticPower))) break;
-            double const next = ta + theta * (dynamic + staticPower);
-            out.thermal.iterations = i;
-            bool const converged = !statics || std::fabs(next - t) < kThermalTolerance;
-            // Without leakage there is nothing to iterate: however hot, the temperature is a result.
-            if (!std::isfinite(next) ||
-                (!converged && (next > kRunawayTemperature || i >= kMaxThermalIterations))) {
-                out.thermal.runaway = true;
-                out.thermal.junction = next;
-                break;
-            }
-            t = next;
-            if (converged) break;
-        }
-        if (!out.thermal.runaway) {
-            out.thermal.junction = t;
-            if (statics && staticOk) staticOk = staticAt(t, staticPower);
-        }
-        if (out.thermal.runaway) {
+        ThermalSolution const solution =
+            solveJunction({ta, theta, dynamic}, thermalStart ? &*thermalStart : nullptr,
+                          [this](double junction, double& power) { return staticAt(junction, power); });
+        out.thermal.iterations = solution.calculations;
+        out.thermal.junction = solution.junction;
+        staticPower = solution.staticPower;
+        staticOk = solution.outcome != ThermalSolution::Failed;
+        if (solution.next && warmStart) thermalStart = solution.next;
+        if (solution.outcome == ThermalSolution::Runaway) {
+            out.thermal.runaway = true;
             out.complete = false;
             char text[200];
             std::snprintf(
                 text, sizeof text,
                 "thermal runaway: no steady junction temperature at ambient %.1f degC and theta_ja %.3g "
-                "degC/W (%.1f degC after %d rounds)",
-                ta, theta, out.thermal.junction, out.thermal.iterations);
+                "degC/W (%.1f degC after %d iteration%s)",
+                ta, theta, out.thermal.junction, out.thermal.iterations,
+                out.thermal.iterations == 1 ? "" : "s");
             out.failures.push_back(text);
         }
     }
@@ -822,6 +827,11 @@ void Estimator::clearInputs() {
 
 void Estimator::setThermal(Thermal const& thermal) {
     m_state->design.thermal = thermal;
+}
+
+void Estimator::setThermalStart(ThermalStartFrom from) {
+    m_state->warmStart = from == ThermalStartFrom::LastSolution;
+    if (!m_state->warmStart) m_state->thermalStart.reset();
 }
 
 void Estimator::setRailVoltage(std::string const& rail, double volts) {

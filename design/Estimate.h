@@ -4,6 +4,7 @@
 // the ambient when it is not given, and one report of it all.
 
 #include <prsm/design/Design.h>
+#include <prsm/design/ThermalSolve.h>
 
 #include <cstddef>
 #include <memory>
@@ -48,12 +49,12 @@ struct Warning {
 };
 
 struct ThermalResult {
-    bool solved = false;  // true: Tj = Ta + thetaJA * P(Tj) was iterated; false: the junction was given
+    bool solved = false;  // true: Tj = Ta + thetaJA * P(Tj) was solved; false: the junction was given
     double ambient = 0;   // degC
     double thetaJa = 0;   // degC/W
     double junction = 0;  // degC, the temperature the leakage is evaluated at
-    int iterations = 0;
-    bool runaway = false;  // the loop found no steady state
+    int iterations = 0;   // static calculations the solve made
+    bool runaway = false;  // the solve found no steady state
 };
 
 // One regulator output of the module board; a figure its sheet does not declare is NaN.
@@ -90,12 +91,6 @@ struct Report {
     double totalPower = 0;             // W
 };
 
-// The thermal loop stops when two successive temperatures differ by less than this (degC)...
-constexpr double kThermalTolerance = 1e-4;
-// ...and reports a runaway when the junction passes this temperature or the loop this many rounds.
-constexpr double kRunawayTemperature = 250.0;
-constexpr int kMaxThermalIterations = 500;
-
 class Estimator {
 public:
     // Creates one parameter set per block and writes the design's inputs, rail voltages and device into
@@ -117,6 +112,12 @@ public:
     void clearInputs();
     // New thermal conditions (a given junction temperature, or ambient and theta_ja to solve from).
     void setThermal(Thermal const& thermal);
+    // Where a junction-temperature solve starts: from the last solution (the default: after a small
+    // change it takes two static calculations) or from the ambient, as a fresh estimate does. The
+    // junction and every figure are the same either way; only the count of static calculations differs,
+    // and from the ambient it depends on the design alone, not on the changes made before.
+    enum class ThermalStartFrom { LastSolution, Ambient };
+    void setThermalStart(ThermalStartFrom from);
     // A rail's voltage, as if the file gave it under /rails: the blocks that take it or draw a current
     // from it recalculate, and loads given as a current follow. Throws DesignError for a rail not in use.
     void setRailVoltage(std::string const& rail, double volts);

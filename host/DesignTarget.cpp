@@ -54,7 +54,12 @@ std::string numberText(double value) {
 DesignEvaluation::DesignEvaluation(design::Design const& design,
                                    std::map<std::string, DesignTarget::Setting> const& settings,
                                    std::map<std::string, DesignTarget::Reader> const& readers)
-    : m_engine(design), m_settings(settings), m_readers(readers), m_thermal(design.thermal) {}
+    : m_engine(design), m_settings(settings), m_readers(readers), m_thermal(design.thermal) {
+    // Each point solved from the ambient, as `prsm estimate` solves a file: a row's every figure, the
+    // solve's count of static calculations included, then depends on its settings alone, not on the
+    // points a thread evaluated before it.
+    m_engine.setThermalStart(design::Estimator::ThermalStartFrom::Ambient);
+}
 
 void DesignEvaluation::evaluate() {
     design::Report const& report = apply();

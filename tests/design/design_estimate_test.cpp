@@ -69,8 +69,11 @@ TEST(DesignEstimate, SmallDesignRailsFeedsAndThermalByHand) {
     double const u = (2.0 * (kDynamic + 0.55) - 0.022 * 2.0 * kLogic) / (1.0 - 0.022);
     EXPECT_TRUE(report.thermal.solved);
     EXPECT_FALSE(report.thermal.runaway);
-    EXPECT_NEAR(report.thermal.junction, 25.0 + u, 1e-3);
-    // Each round shrinks the step by theta * dP/dT = 0.022: 2.2, 0.048, 0.0011, 2.3e-5 < 1e-4.
+    // 27.249841 degC is 446461.4 grid steps: the junction is step 446462, the first above the root.
+    EXPECT_EQ(report.thermal.junction, std::ceil((25.0 + u) / kThermalGrid) * kThermalGrid);
+    EXPECT_LT(report.thermal.junction - (25.0 + u), kThermalGrid);
+    // Static calculations: at 25 degC, at the plain step 25 + 2 P(25), then, the leakage being linear,
+    // the secant's exact root bracketed by its two grid points.
     EXPECT_EQ(report.thermal.iterations, 4);
 
     RailResult const& vccint = rail(report, "VCCINT");
@@ -112,6 +115,26 @@ TEST(DesignEstimate, SmallDesignRailsFeedsAndThermalByHand) {
     double const updated = estimator.update().dynamicPower;
     EXPECT_NEAR(updated, kDynamic - kSlow + 500e-12 * 0.64 * 150e6, 1e-6);
     EXPECT_NEAR(estimator.estimate().dynamicPower, updated, 1e-12);
+
+    // The junction is solved from the last solution, and lands on the grid point a fresh estimate of the
+    // changed design lands on. The test leakage falls by 0.022 W per watt of logic dynamic power (it is
+    // taken 2 degC/W below the junction), which the first change teaches the solve: after it, a
+    // change costs two static calculations, the grid points either side of the root.
+    auto fresh = [&](char const* clock) {
+        Design design = readDesignFile(designFile("small.json"));
+        for (Block& block : design.blocks)
+            if (block.name == "slow") block.inputs.push_back({"CLOCK_FREQ", clock, ""});
+        return Estimator(design).estimate().thermal;
+    };
+    EXPECT_EQ(estimator.update().thermal.junction, fresh("150").junction);
+    EXPECT_EQ(fresh("150").iterations, 4);
+    estimator.setInput("slow", "CLOCK_FREQ", "100");
+    ThermalResult const warm = estimator.update().thermal;
+    EXPECT_EQ(warm.junction, fresh("100").junction);
+    EXPECT_EQ(warm.iterations, 2);
+    estimator.setThermalStart(Estimator::ThermalStartFrom::Ambient);
+    estimator.setInput("slow", "CLOCK_FREQ", "150");
+    EXPECT_EQ(estimator.update().thermal.iterations, 4);  // as a fresh estimate, whatever came before
     // The design owns rail voltages; unknown blocks and text that is no number are refused.
     EXPECT_THROW(estimator.setInput("core", "VCCINT", "0.7"), DesignError);
     EXPECT_THROW(estimator.setInput("nobody", "CLOCK_FREQ", "1"), DesignError);
@@ -143,7 +166,7 @@ TEST(DesignEstimate, ThermalRunawayIsReportedNotLooped) {
     EXPECT_TRUE(report.thermal.runaway);
     EXPECT_FALSE(report.complete);
     EXPECT_GT(report.thermal.junction, kRunawayTemperature);
-    EXPECT_LT(report.thermal.iterations, kMaxThermalIterations);
+    EXPECT_LT(report.thermal.iterations, kMaxThermalCalculations);
     ASSERT_EQ(report.failures.size(), 1u);
     EXPECT_NE(report.failures[0].find("thermal runaway"), std::string::npos);
     // Nothing partial is printed as a total.
