@@ -1,4 +1,6 @@
-// Uses the installed library as a host would: one sheet through its classes, every sheet by name.
+// Uses the installed libraries as a host would: one sheet through its classes, every sheet by name, and
+// a small design through the design engine.
+#include <prsm/design/Estimate.h>
 #include <prsm/prsm.h>
 
 #include <iostream>
@@ -14,5 +16,13 @@ int main() {
         instance->calculate();
     }
     std::cout << PRSMCommonParamControlData::getGlobal().getDevice("TALVEX_COMPUTE", "ZQVC1902") << "\n";
-    return watts > 0.0f ? 0 : 1;
+
+    prsm::design::Estimator estimator(prsm::design::parseDesign(R"({"schema_version": 1,
+        "device": {"part": "ZQVC1902"}, "thermal": {"ambient_temperature": 40, "theta_ja": 1.0},
+        "static": {"model": "TalvexStatic"},
+        "blocks": [{"name": "logic", "model": "TalvexCleLogic", "inputs": {"INSTANCE_COUNT": 1000}}]})",
+                                                                "consumer.json"));
+    prsm::design::Report const& report = estimator.estimate();
+    std::cout << "a 1000-LUT design: " << report.totalPower << " W at " << report.thermal.junction << " degC\n";
+    return watts > 0.0f && report.complete && report.staticPower > 0 ? 0 : 1;
 }
