@@ -1,26 +1,31 @@
+#include <prsm/framework/PRSMNumberText.h>
 #include <prsm/framework/PRSMSheetAdapter.h>
 
 #include <cerrno>
-#include <climits>
 #include <cmath>
 
 namespace prsm {
 
 int parseIntCell(std::string const& name, std::string const& text) {
-    char* end = nullptr;
-    errno = 0;
-    long const value = std::strtol(text.c_str(), &end, 10);
-    if (text.empty() || *end != '\0' || errno == ERANGE || value < INT_MIN || value > INT_MAX)
-        throw std::invalid_argument("cell " + name + " takes a whole number, not \"" + text + "\"");
-    return static_cast<int>(value);
+    DecimalText number;
+    int value = 0;
+    if (!parseDecimalText(text, number) || !decimalToInt(number, value))
+        throw std::invalid_argument(
+            "cell " + name + " takes a whole number from -2147483648 to 2147483647, not \"" + text + "\"");
+    return value;
 }
 
 float parseFloatCell(std::string const& name, std::string const& text) {
-    char* end = nullptr;
-    errno = 0;
-    float const value = std::strtof(text.c_str(), &end);
-    if (text.empty() || *end != '\0' || errno == ERANGE)
+    DecimalText number;
+    if (!parseDecimalText(text, number))
         throw std::invalid_argument("cell " + name + " takes a number, not \"" + text + "\"");
+    errno = 0;
+    float const value = std::strtof(text.c_str(), nullptr);
+    if (std::isinf(value))
+        throw std::invalid_argument("cell " + name + " = " + text + " is out of the float range");
+    if (errno == ERANGE)
+        throw std::invalid_argument("cell " + name + " = " + text +
+                                    " is too close to 0 for a float; write 0 for zero");
     return value;
 }
 

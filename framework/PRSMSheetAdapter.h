@@ -17,8 +17,8 @@
 
 namespace prsm {
 
-// Parses a cell's text; throws std::invalid_argument naming the cell when the text is not a whole
-// number of the cell's type.
+// Parses a cell's text by the number rule of PRSMNumberText.h; throws std::invalid_argument naming the
+// cell when the text breaks it or its value does not fit the cell's type.
 int parseIntCell(std::string const& name, std::string const& text);
 float parseFloatCell(std::string const& name, std::string const& text);
 std::string formatFloatCell(float value);

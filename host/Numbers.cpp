@@ -1,9 +1,9 @@
+#include <prsm/framework/PRSMNumberText.h>
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/host/Numbers.h>
 #include <prsm/host/Values.h>
 
 #include <cfloat>
-#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -11,61 +11,6 @@
 namespace prsm::host {
 
 namespace {
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-// A number as sign, significant digits and a power of ten: value = -/+ digits * 10^exponent. `digits`
-// has neither leading nor trailing zeros; it is empty for zero.
-struct Decimal {
-    bool negative = false;
-    std::string digits;
-    long long exponent = 0;
-};
-
-// Exponents are saturated here: far beyond any float or int, and far from overflowing.
-constexpr long long kExponentLimit = 1000000000LL;
-
-bool parseDecimal(std::string const& text, Decimal& number) {
-    std::size_t i = 0;
-    std::size_t const n = text.size();
-    if (i < n && text[i] == '-') {
-        number.negative = true;
-        ++i;
-    }
-    std::string digits;
-    std::size_t fractionDigits = 0;
-    while (i < n && isDigit(text[i])) digits += text[i++];
-    bool const wholePart = !digits.empty();
-    if (i < n && text[i] == '.') {
-        ++i;
-        while (i < n && isDigit(text[i])) {
-            digits += text[i++];
-            ++fractionDigits;
-        }
-    }
-    if (!wholePart && fractionDigits == 0) return false;
-    long long exponent = 0;
-    if (i < n && (text[i] == 'e' || text[i] == 'E')) {
-        ++i;
-        bool negativeExponent = false;
-        if (i < n && (text[i] == '+' || text[i] == '-')) negativeExponent = text[i++] == '-';
-        if (i == n || !isDigit(text[i])) return false;
-        for (; i < n && isDigit(text[i]); ++i)
-            if (exponent < kExponentLimit) exponent = exponent * 10 + (text[i] - '0');
-        if (negativeExponent) exponent = -exponent;
-    }
-    if (i != n) return false;
-
-    std::size_t const first = digits.find_first_not_of('0');
-    if (first == std::string::npos) return true;  // zero
-    std::size_t const last = digits.find_last_not_of('0');
-    number.digits = digits.substr(first, last - first + 1);
-    number.exponent =
-        exponent - static_cast<long long>(fractionDigits) + static_cast<long long>(digits.size() - 1 - last);
-    return true;
-}
 
 bool isNonFiniteWord(std::string text) {
     if (!text.empty() && (text[0] == '-' || text[0] == '+')) text.erase(0, 1);
@@ -89,29 +34,22 @@ std::string reserved(CellInfo const& cell, std::string const& text) {
 }
 
 std::string checkInt(CellInfo const& cell, std::string const& text, std::string& canonical) {
-    Decimal number;
-    if (!parseDecimal(text, number)) return notANumber(cell, text);
+    DecimalText number;
+    if (!parseDecimalText(text, number)) return notANumber(cell, text);
     if (number.exponent < 0 && !number.digits.empty())
         return "cell " + cell.name + " takes a whole number, not \"" + printable(text) + "\" (an int input)";
-    long long value = 0;
-    if (!number.digits.empty()) {
-        if (static_cast<long long>(number.digits.size()) + number.exponent > 10)
-            return "cell " + cell.name + " = " + printable(text) +
-                   " is out of the int range (-2147483648 .. 2147483647)";
-        value = std::stoll(number.digits + std::string(static_cast<std::size_t>(number.exponent), '0'));
-        if (number.negative) value = -value;
-        if (value < INT_MIN || value > INT_MAX)
-            return "cell " + cell.name + " = " + printable(text) +
-                   " is out of the int range (-2147483648 .. 2147483647)";
-    }
+    int value = 0;
+    if (!decimalToInt(number, value))
+        return "cell " + cell.name + " = " + printable(text) +
+               " is out of the int range (-2147483648 .. 2147483647)";
     if (value == kIntNotSet || value == kIntUnset) return reserved(cell, text);
     canonical = std::to_string(value);
     return std::string();
 }
 
 std::string checkFloat(CellInfo const& cell, std::string const& text, std::string& canonical) {
-    Decimal number;
-    if (!parseDecimal(text, number)) return notANumber(cell, text);
+    DecimalText number;
+    if (!parseDecimalText(text, number)) return notANumber(cell, text);
     float const value = std::strtof(text.c_str(), nullptr);
     if (std::isinf(value))
         return "cell " + cell.name + " = " + printable(text) +
@@ -148,8 +86,8 @@ std::string checkCellText(CellInfo const& cell, std::string const& text, std::st
 }
 
 bool isNumberText(std::string const& text) {
-    Decimal ignored;
-    return parseDecimal(text, ignored);
+    DecimalText ignored;
+    return parseDecimalText(text, ignored);
 }
 
 bool isUtf8(std::string const& text) {

@@ -88,6 +88,18 @@ TEST(Model, RegistryDrivesTheSheetByName) {
     EXPECT_THROW(instance->set("COUNT", "3.5"), std::invalid_argument);
     EXPECT_THROW(instance->set("RATE", "fast"), std::invalid_argument);
     EXPECT_THROW(instance->set("NOPE", "1"), std::invalid_argument);
+    // One number rule by name, the host's: no blanks, '+', hexadecimal, inf or nan; values that fit.
+    for (char const* text : {" 3", "3 ", "+3", "0x3", "3e", ".", "-", "2147483648", "1e10"})
+        EXPECT_THROW(instance->set("COUNT", text), std::invalid_argument) << text;
+    for (char const* text : {"nan", "inf", "-Infinity", "1e39", "1e-50", "0x1p3", "1,5", ""})
+        EXPECT_THROW(instance->set("RATE", text), std::invalid_argument) << text;
+    instance->set("RATE", "-2.5e-1");
+    EXPECT_EQ(instance->get("RATE"), "-0.25");
+    instance->set("RATE", "5e-1");  // back to its default
+    instance->set("COUNT", "-2147483648");
+    EXPECT_EQ(instance->get("COUNT"), "-2147483648");
+    instance->set("COUNT", "0.3e1");  // a whole number, however written
+    EXPECT_EQ(instance->get("COUNT"), "3");
     instance->calculate();
     EXPECT_EQ(instance->get("TOTAL"), "1");
     EXPECT_EQ(instance->get("LABEL"), "SLOW:3");
