@@ -8,6 +8,7 @@
 // missing efficiency row counts at 50 %, a missing memory, storage or part figure counts as 0.
 
 #include <prsm/framework/PRSMCellSupport.h>
+#include <prsm/framework/PRSMModelTypes.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <cmath>
@@ -16,11 +17,6 @@
 #include <string_view>
 
 namespace prsm::som {
-
-template <typename Model>
-using ParamsOf = typename Model::Params;
-template <typename Model>
-using DataOf = typename Model::Data;
 
 // ---- X takes over X_CALC ----
 

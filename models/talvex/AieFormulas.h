@@ -10,6 +10,7 @@
 // memory, interconnect, interface row, the PLL's VCCAUX part, and memory tiles where the array has
 // them) are only charged when at least one core is in use: an array without cores is powered down.
 
+#include <prsm/framework/PRSMModelTypes.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <cmath>
@@ -17,10 +18,6 @@
 
 namespace prsm::aie {
 
-template <typename Model>
-using ParamsOf = typename Model::Params;
-template <typename Model>
-using DataOf = typename Model::Data;
 // The function table's coefficients that the formulas name, resolved when the data loads
 // ("<name>.DYNAMIC" entries of AIE_DATA).
 template <typename Model>

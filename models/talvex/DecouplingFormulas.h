@@ -11,6 +11,7 @@
 //   channels or part thereof. A supply without a channel in use needs no capacitor at all.
 // A coefficient the table lacks throws PRSMException naming the key.
 
+#include <prsm/framework/PRSMModelTypes.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <cctype>
@@ -18,11 +19,6 @@
 #include <string_view>
 
 namespace prsm::decoupling {
-
-template <typename Model>
-using ParamsOf = typename Model::Params;
-template <typename Model>
-using DataOf = typename Model::Data;
 
 inline constexpr char kAllPackages[] = "ALL_PACKAGES";
 inline constexpr int kChannelsPerQuad = 4;

@@ -12,6 +12,7 @@
 // given scaled by the rail's total-power factor, and every rail has a power-up current: its leakage at
 // 25 degrees, scaled, plus a constant.
 
+#include <prsm/framework/PRSMModelTypes.h>
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
@@ -21,11 +22,6 @@
 #include <string_view>
 
 namespace prsm::leakage {
-
-template <typename Model>
-using ParamsOf = typename Model::Params;
-template <typename Model>
-using DataOf = typename Model::Data;
 
 inline constexpr char kWorstProcess[] = "MAX";
 
@@ -77,18 +73,24 @@ float voltBinning(Model const& model, ParamsOf<Model>& params, DataOf<Model> con
         1.0f);
 }
 
-// A·t⁵ + B·t⁴ + C·t³ + D·t² + E·t + CONST, the powers of t in double, the result stored as float.
-inline float leakagePolynomial(float a, float b, float c, float d, float e, float constant, double t) {
+// The coefficients of a leakage polynomial in the temperature t: A·t⁵ + B·t⁴ + C·t³ + D·t² + E·t + CONST.
+struct Quintic {
+    float a, b, c, d, e, constant;
+};
+
+// The polynomial at t, the powers of t in double, the result stored as float.
+inline float leakagePolynomial(Quintic const& q, double t) {
     double const t2 = t * t;
     double const t3 = t2 * t;
     double const t4 = t3 * t;
     double const t5 = t4 * t;
-    return static_cast<float>(a * t5 + b * t4 + c * t3 + d * t2 + e * t + constant);
+    return static_cast<float>(q.a * t5 + q.b * t4 + q.c * t3 + q.d * t2 + q.e * t + q.constant);
 }
 
 // The same polynomial at exactly 25 degrees, its powers written out.
-inline float leakageAt25(float a, float b, float c, float d, float e, float constant) {
-    return static_cast<float>(a * 9765625.0 + b * 390625.0 + c * 15625.0 + d * 625.0 + e * 25.0 + constant);
+inline float leakageAt25(Quintic const& q) {
+    return static_cast<float>(q.a * 9765625.0 + q.b * 390625.0 + q.c * 15625.0 + q.d * 625.0 + q.e * 25.0 +
+                              q.constant);
 }
 
 // 1 when C1 is 0, else C1·exp(C2·V).
@@ -108,21 +110,23 @@ float commonCoefficient(Model const& model, ParamsOf<Model>& params, DataOf<Mode
 
 // The rail's polynomial at temperature t (each sheet says which t).
 template <typename Model>
+Quintic commonQuintic(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                      typename Model::Rail rail) {
+    return {model.calculateCommonVtA(params, data, rail), model.calculateCommonVtB(params, data, rail),
+            model.calculateCommonVtC(params, data, rail), model.calculateCommonVtD(params, data, rail),
+            model.calculateCommonVtE(params, data, rail), model.calculateCommonVtConst(params, data, rail)};
+}
+
+template <typename Model>
 float commonLeakageAt(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
                       typename Model::Rail rail, double t) {
-    return leakagePolynomial(
-        model.calculateCommonVtA(params, data, rail), model.calculateCommonVtB(params, data, rail),
-        model.calculateCommonVtC(params, data, rail), model.calculateCommonVtD(params, data, rail),
-        model.calculateCommonVtE(params, data, rail), model.calculateCommonVtConst(params, data, rail), t);
+    return leakagePolynomial(commonQuintic(model, params, data, rail), t);
 }
 
 template <typename Model>
 float commonLeakage25(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
                       typename Model::Rail rail) {
-    return leakageAt25(
-        model.calculateCommonVtA(params, data, rail), model.calculateCommonVtB(params, data, rail),
-        model.calculateCommonVtC(params, data, rail), model.calculateCommonVtD(params, data, rail),
-        model.calculateCommonVtE(params, data, rail), model.calculateCommonVtConst(params, data, rail));
+    return leakageAt25(commonQuintic(model, params, data, rail));
 }
 
 // V_C1·exp(V_C2·V) on the rail's own voltage, 1 when V_C1 is 0 (V_C2 is then not read).
@@ -218,20 +222,23 @@ float blockCoefficient(Model const& model, ParamsOf<Model>& params, DataOf<Model
 }
 
 template <typename Model>
+Quintic blockQuintic(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                     typename Model::Block block) {
+    return {model.calculateVtA(params, data, block), model.calculateVtB(params, data, block),
+            model.calculateVtC(params, data, block), model.calculateVtD(params, data, block),
+            model.calculateVtE(params, data, block), model.calculateVtConst(params, data, block)};
+}
+
+template <typename Model>
 float blockLeakageAt(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
                      typename Model::Block block, double t) {
-    return leakagePolynomial(model.calculateVtA(params, data, block), model.calculateVtB(params, data, block),
-                             model.calculateVtC(params, data, block), model.calculateVtD(params, data, block),
-                             model.calculateVtE(params, data, block),
-                             model.calculateVtConst(params, data, block), t);
+    return leakagePolynomial(blockQuintic(model, params, data, block), t);
 }
 
 template <typename Model>
 float blockLeakage25(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
                      typename Model::Block block) {
-    return leakageAt25(model.calculateVtA(params, data, block), model.calculateVtB(params, data, block),
-                       model.calculateVtC(params, data, block), model.calculateVtD(params, data, block),
-                       model.calculateVtE(params, data, block), model.calculateVtConst(params, data, block));
+    return leakageAt25(blockQuintic(model, params, data, block));
 }
 
 }  // namespace prsm::leakage

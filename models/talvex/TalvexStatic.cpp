@@ -715,12 +715,13 @@ float Model::computeCommonVccauxPlPoweredDownVtConst(Params& params, Data const&
 float Model::computeCommonVccauxPlPoweredDownVtLeakage(Params& params, Data const& data) const {
     double const t =
         static_cast<double>(getJunctionTemperature(params, data)) - calculateTjDeltaPl(params, data);
-    return leakagePolynomial(calculateCommonVccauxPlPoweredDownVtA(params, data),
-                             calculateCommonVccauxPlPoweredDownVtB(params, data),
-                             calculateCommonVccauxPlPoweredDownVtC(params, data),
-                             calculateCommonVccauxPlPoweredDownVtD(params, data),
-                             calculateCommonVccauxPlPoweredDownVtE(params, data),
-                             calculateCommonVccauxPlPoweredDownVtConst(params, data), t);
+    return leakagePolynomial({calculateCommonVccauxPlPoweredDownVtA(params, data),
+                              calculateCommonVccauxPlPoweredDownVtB(params, data),
+                              calculateCommonVccauxPlPoweredDownVtC(params, data),
+                              calculateCommonVccauxPlPoweredDownVtD(params, data),
+                              calculateCommonVccauxPlPoweredDownVtE(params, data),
+                              calculateCommonVccauxPlPoweredDownVtConst(params, data)},
+                             t);
 }
 
 float Model::computeCommonVccauxPlPoweredDownVC1(Params& params, Data const& data) const {
@@ -793,16 +794,11 @@ float Model::computeVtLeakage(Params& params, Data const& data, Block block) con
     double const t = isMemoryStack(block) ? static_cast<double>(getJunctionTemperatureHbmdram(params, data))
                                           : static_cast<double>(getJunctionTemperature(params, data)) -
                                                 calculateTjDeltaPl(params, data);
-    return leakagePolynomial(calculateVtA(params, data, block), calculateVtB(params, data, block),
-                             calculateVtC(params, data, block), calculateVtD(params, data, block),
-                             calculateVtE(params, data, block), calculateVtConst(params, data, block), t);
+    return prsm::leakage::blockLeakageAt(*this, params, data, block, t);
 }
 
 float Model::computePass1VtLeakage(Params& params, Data const& data, Block block) const {
-    return leakagePolynomial(calculateVtA(params, data, block), calculateVtB(params, data, block),
-                             calculateVtC(params, data, block), calculateVtD(params, data, block),
-                             calculateVtE(params, data, block), calculateVtConst(params, data, block),
-                             getJunctionTemperature(params, data));
+    return prsm::leakage::blockLeakageAt(*this, params, data, block, getJunctionTemperature(params, data));
 }
 
 float Model::computeVC1(Params& params, Data const& data, Block block) const {
