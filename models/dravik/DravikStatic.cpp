@@ -119,7 +119,7 @@ float Model::defaultRail(Params& params, Data const& data, Rail rail) const {
 // ---- A rail's own leakage (the other COMMON_<RAIL>_... cells are the shared rules) ----
 
 float Model::computeCommonVtLeakage(Params& params, Data const& data, Rail rail) const {
-    return prsm::leakage::commonLeakageAt(*this, params, data, rail, getJunctionTemperature(params, data));
+    return prsm::leakage::leakageAt(*this, params, data, rail, getJunctionTemperature(params, data));
 }
 
 // A rail's own leakage is counted once.
@@ -140,7 +140,7 @@ float Model::computeVtLeakage(Params& params, Data const& data, Block block) con
         block == Block::HBM_VCCHBM || block == Block::HBM_VCCIOHBM || block == Block::HBM_VCCAUXHBM;
     float const t =
         stack ? getJunctionTemperatureHbmdram(params, data) : getJunctionTemperature(params, data);
-    return prsm::leakage::blockLeakageAt(*this, params, data, block, t);
+    return prsm::leakage::leakageAt(*this, params, data, block, t);
 }
 
 float Model::computeVScaling(Params& params, Data const& data, Block block) const {

@@ -108,25 +108,13 @@ float commonCoefficient(Model const& model, ParamsOf<Model>& params, DataOf<Mode
     return vtCoefficient(model, params, data, Model::memberName(rail), key);
 }
 
-// The rail's polynomial at temperature t (each sheet says which t).
+// The coefficients of the rail's polynomial: COMMON_<RAIL>_VT_A .. _VT_CONST.
 template <typename Model>
-Quintic commonQuintic(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
-                      typename Model::Rail rail) {
+Quintic quintic(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                typename Model::Rail rail) {
     return {model.calculateCommonVtA(params, data, rail), model.calculateCommonVtB(params, data, rail),
             model.calculateCommonVtC(params, data, rail), model.calculateCommonVtD(params, data, rail),
             model.calculateCommonVtE(params, data, rail), model.calculateCommonVtConst(params, data, rail)};
-}
-
-template <typename Model>
-float commonLeakageAt(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
-                      typename Model::Rail rail, double t) {
-    return leakagePolynomial(commonQuintic(model, params, data, rail), t);
-}
-
-template <typename Model>
-float commonLeakage25(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
-                      typename Model::Rail rail) {
-    return leakageAt25(commonQuintic(model, params, data, rail));
 }
 
 // V_C1·exp(V_C2·V) on the rail's own voltage, 1 when V_C1 is 0 (V_C2 is then not read).
@@ -221,24 +209,27 @@ float blockCoefficient(Model const& model, ParamsOf<Model>& params, DataOf<Model
     return vtCoefficient(model, params, data, Model::memberName(block), key);
 }
 
+// The coefficients of the block's polynomial: <BLOCK>_VT_A .. _VT_CONST.
 template <typename Model>
-Quintic blockQuintic(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
-                     typename Model::Block block) {
+Quintic quintic(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                typename Model::Block block) {
     return {model.calculateVtA(params, data, block), model.calculateVtB(params, data, block),
             model.calculateVtC(params, data, block), model.calculateVtD(params, data, block),
             model.calculateVtE(params, data, block), model.calculateVtConst(params, data, block)};
 }
 
-template <typename Model>
-float blockLeakageAt(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
-                     typename Model::Block block, double t) {
-    return leakagePolynomial(blockQuintic(model, params, data, block), t);
+// ---- Either family ----
+
+// A rail's or a block's leakage polynomial at temperature t (each sheet says which t).
+template <typename Model, typename Member>
+float leakageAt(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, Member member,
+                double t) {
+    return leakagePolynomial(quintic(model, params, data, member), t);
 }
 
-template <typename Model>
-float blockLeakage25(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
-                     typename Model::Block block) {
-    return leakageAt25(blockQuintic(model, params, data, block));
+template <typename Model, typename Member>
+float leakage25(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, Member member) {
+    return leakageAt25(quintic(model, params, data, member));
 }
 
 }  // namespace prsm::leakage

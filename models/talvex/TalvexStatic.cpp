@@ -596,12 +596,12 @@ float Model::computeTjDeltaAie(Params& params, Data const& data) const {
 float Model::computeCommonVtLeakage(Params& params, Data const& data, Rail rail) const {
     float const rise =
         rail == Rail::VCCME ? calculateTjDeltaAie(params, data) : calculateTjDeltaPl(params, data);
-    return prsm::leakage::commonLeakageAt(*this, params, data, rail,
-                                          static_cast<double>(getJunctionTemperature(params, data)) - rise);
+    return prsm::leakage::leakageAt(*this, params, data, rail,
+                                    static_cast<double>(getJunctionTemperature(params, data)) - rise);
 }
 
 float Model::computeCommonPass1VtLeakage(Params& params, Data const& data, Rail rail) const {
-    return prsm::leakage::commonLeakageAt(*this, params, data, rail, getJunctionTemperature(params, data));
+    return prsm::leakage::leakageAt(*this, params, data, rail, getJunctionTemperature(params, data));
 }
 
 float Model::computeCommonVccauxVC3(Params& params, Data const& data) const {
@@ -794,11 +794,11 @@ float Model::computeVtLeakage(Params& params, Data const& data, Block block) con
     double const t = isMemoryStack(block) ? static_cast<double>(getJunctionTemperatureHbmdram(params, data))
                                           : static_cast<double>(getJunctionTemperature(params, data)) -
                                                 calculateTjDeltaPl(params, data);
-    return prsm::leakage::blockLeakageAt(*this, params, data, block, t);
+    return prsm::leakage::leakageAt(*this, params, data, block, t);
 }
 
 float Model::computePass1VtLeakage(Params& params, Data const& data, Block block) const {
-    return prsm::leakage::blockLeakageAt(*this, params, data, block, getJunctionTemperature(params, data));
+    return prsm::leakage::leakageAt(*this, params, data, block, getJunctionTemperature(params, data));
 }
 
 float Model::computeVC1(Params& params, Data const& data, Block block) const {
