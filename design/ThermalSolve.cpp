@@ -18,6 +18,13 @@ constexpr double kDynamicSpan = 1e-4;  // W
 // the plain fixed-point step.
 constexpr double kLeastContraction = 0.02;
 
+// What a Newton step divides the excess by: 1 - theta_ja * slope, at least kLeastContraction; 1, a plain
+// fixed-point step, when the slope says the leakage outgrows the package.
+double contraction(double thetaJa, double slope) {
+    double const d = 1 - thetaJa * slope;
+    return d > 0 ? std::max(d, kLeastContraction) : 1.0;
+}
+
 struct Point {
     long long k;    // grid index: t = k * kThermalGrid
     double t;       // degC
@@ -26,7 +33,8 @@ struct Point {
 };
 
 // One search for the grid point `hi` whose excess is not positive while its lower neighbour's, `lo`,
-// is. The bracket only narrows: every calculation lies strictly between the points known so far.
+// is. The bracket only narrows: every calculation lies between the two points known so far, and only
+// the last, the solution again when the lower one came last, may repeat one.
 class Search {
 public:
     enum class End { Converged, Runaway, Failed, Astray };
@@ -126,12 +134,8 @@ private:
     // A Newton step from the last point with the measured slope, bisection when it leaves the bracket
     // or the bracket stops halving.
     double estimate() {
-        double contraction = 1;  // a plain fixed-point step
-        if (m_slope && !m_fixedPoint) {
-            double const d = 1 - m_problem.thetaJa * *m_slope;
-            if (d > 0) contraction = std::max(d, kLeastContraction);
-        }
-        double x = m_last->t + m_last->excess / contraction;
+        double const d = m_slope && !m_fixedPoint ? contraction(m_problem.thetaJa, *m_slope) : 1.0;
+        double x = m_last->t + m_last->excess / d;
         if (m_lo && m_hi) {
             long long const width = m_hi->k - m_lo->k;
             bool const slow = m_width != 0 && 2 * width > m_width;
@@ -196,10 +200,8 @@ ThermalSolution solveJunction(ThermalProblem const& problem, ThermalStart const*
         };
         double const excess = excessAt(start->junction, start->staticPower);
         double x = start->junction;
-        if (excess > 0 || excessAt(start->junction - kThermalGrid, start->belowPower) <= 0) {
-            double const d = 1 - problem.thetaJa * start->slope;
-            x += excess / (d > kLeastContraction ? d : 1.0);
-        }
+        if (excess > 0 || excessAt(start->junction - kThermalGrid, start->belowPower) <= 0)
+            x += excess / contraction(problem.thetaJa, start->slope);
         Search warm(problem, staticAt, kWarmCalculations, true, start->slope);
         Search::End const end = warm.run(x, false);
         if (end == Search::End::Converged) {
