@@ -17,6 +17,8 @@
 
 #include <gtest/gtest.h>
 
+#include "HostFailure.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <sstream>
@@ -33,19 +35,6 @@ ParsedCommandLine parse(std::vector<char const*> args, std::string* out = nullpt
     if (out != nullptr) *out = outStream.str();
     if (err != nullptr) *err = errStream.str();
     return parsed;
-}
-
-// The message of the HostError that `action` throws, checking its exit code.
-template <typename Action>
-std::string failure(ExitCode expected, Action action) {
-    try {
-        action();
-    } catch (HostError const& e) {
-        EXPECT_EQ(e.code(), expected);
-        return e.what();
-    }
-    ADD_FAILURE() << "no HostError thrown";
-    return std::string();
 }
 
 Sheet const& sampler() {
@@ -115,8 +104,9 @@ TEST(HostInputs, ReadsAssignmentsAndJsonObjects) {
     EXPECT_EQ(pair.name, "MODE");
     EXPECT_EQ(pair.text, "a=b");
     EXPECT_EQ(parseAssignment("MODE=").text, "");
-    EXPECT_NE(failure(kExitBadInput, [] { parseAssignment("MODE"); }).find("NAME=VALUE"), std::string::npos);
-    failure(kExitBadInput, [] { parseAssignment("=3"); });
+    EXPECT_NE(hostFailure(kExitBadInput, [] { parseAssignment("MODE"); }).find("NAME=VALUE"),
+              std::string::npos);
+    hostFailure(kExitBadInput, [] { parseAssignment("=3"); });
 
     std::vector<Assignment> const file =
         parseInputJson(R"({"COUNT": 3, "RATE": 0.25, "MODE": "SLOW"})", "f.json");
@@ -129,15 +119,16 @@ TEST(HostInputs, ReadsAssignmentsAndJsonObjects) {
     EXPECT_EQ(kindOf("RATE"), ValueKind::JsonNumber);
     EXPECT_EQ(kindOf("MODE"), ValueKind::JsonString);
 
-    EXPECT_NE(failure(kExitBadInput, [] { parseInputJson("{\"COUNT\": ", "f.json"); }).find("not valid JSON"),
-              std::string::npos);
-    EXPECT_NE(failure(kExitBadInput, [] { parseInputJson("[1, 2]", "f.json"); }).find("object"),
+    EXPECT_NE(
+        hostFailure(kExitBadInput, [] { parseInputJson("{\"COUNT\": ", "f.json"); }).find("not valid JSON"),
+        std::string::npos);
+    EXPECT_NE(hostFailure(kExitBadInput, [] { parseInputJson("[1, 2]", "f.json"); }).find("object"),
               std::string::npos);
     std::string const kinds =
-        failure(kExitBadInput, [] { parseInputJson(R"({"A": true, "B": null})", "f.json"); });
+        hostFailure(kExitBadInput, [] { parseInputJson(R"({"A": true, "B": null})", "f.json"); });
     EXPECT_NE(kinds.find("A must be a number or a string"), std::string::npos);
     EXPECT_NE(kinds.find("B must be a number or a string"), std::string::npos);
-    EXPECT_NE(failure(kExitBadInput, [] { readInputFile("/nonexistent/in.json"); }).find("cannot open"),
+    EXPECT_NE(hostFailure(kExitBadInput, [] { readInputFile("/nonexistent/in.json"); }).find("cannot open"),
               std::string::npos);
 
     std::vector<Assignment> const merged =
@@ -158,7 +149,7 @@ TEST(HostInputs, ChecksEveryAssignmentAgainstTheSheet) {
     EXPECT_EQ(ok[1].text, "0.5");
     EXPECT_EQ(ok[2].text, "NOT_A_MODE");  // invalid but well-formed: accepted here
 
-    std::string const problems = failure(kExitBadInput, [] {
+    std::string const problems = hostFailure(kExitBadInput, [] {
         resolveInputs(sampler(), {parseAssignment("CONT=1"), parseAssignment("TOTAL=1"),
                                   parseAssignment("IS_VALID_COUNT=1"), parseAssignment("RATE=fast"),
                                   parseAssignment("COUNT=1.5"), parseAssignment("COUNT=99999999999")});
@@ -169,10 +160,10 @@ TEST(HostInputs, ChecksEveryAssignmentAgainstTheSheet) {
     EXPECT_NE(problems.find("RATE"), std::string::npos) << problems;
     EXPECT_EQ(std::count(problems.begin(), problems.end(), '\n'), 5) << problems;
 
-    EXPECT_NE(
-        failure(kExitBadInput, [] { resolveInputs(sampler(), parseInputJson(R"({"MODE": 1})", "f.json")); })
-            .find("JSON string"),
-        std::string::npos);
+    EXPECT_NE(hostFailure(kExitBadInput,
+                          [] { resolveInputs(sampler(), parseInputJson(R"({"MODE": 1})", "f.json")); })
+                  .find("JSON string"),
+              std::string::npos);
 }
 
 TEST(HostValues, PrintsShortestExactTextAndTypedJson) {
@@ -244,7 +235,7 @@ TEST(HostCalculation, CalculatesTheTestSheetAndFlagsInvalidInputs) {
     ASSERT_EQ(invalidInputWarnings(result).size(), 1u);
 
     // The sheet looks its mode up without a fallback: an unknown mode fails the calculation.
-    std::string const lookup = failure(kExitDataFailure, [] {
+    std::string const lookup = hostFailure(kExitDataFailure, [] {
         runCalculation(sampler(), resolveInputs(sampler(), {parseAssignment("MODE=X")}));
     });
     EXPECT_NE(lookup.find("LANE_CAP"), std::string::npos) << lookup;
@@ -269,7 +260,7 @@ TEST(HostCellListing, ShowsEvaluatedDefaultsAndChoices) {
     EXPECT_EQ(row("MODE").validValues, "FAST, SLOW");
     EXPECT_EQ(listCells(sampler(), "output").rows.size(), 3u);
 
-    std::string const unknown = failure(kExitBadInput, [] { findSheet("TestSampeler"); });
+    std::string const unknown = hostFailure(kExitBadInput, [] { findSheet("TestSampeler"); });
     EXPECT_NE(unknown.find("did you mean TestSampler?"), std::string::npos) << unknown;
 }
 

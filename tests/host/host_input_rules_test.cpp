@@ -16,6 +16,8 @@
 
 #include <gtest/gtest.h>
 
+#include "HostFailure.h"
+
 #include <algorithm>
 #include <sstream>
 
@@ -107,19 +109,6 @@ TEST(HostNumberRule, RefusesNonFiniteOutOfRangeAndReservedValues) {
     EXPECT_TRUE(has(refused(CellType::String, std::string("A\0B", 3)), "NUL"));
 }
 
-// The message of the HostError that `action` throws with exit status 2.
-template <typename Action>
-std::string badInput(Action action) {
-    try {
-        action();
-    } catch (HostError const& e) {
-        EXPECT_EQ(e.code(), kExitBadInput);
-        return e.what();
-    }
-    ADD_FAILURE() << "no HostError thrown";
-    return std::string();
-}
-
 Sheet const& sampler() {
     return *SheetRegistry::instance().find("TestSampler");
 }
@@ -130,20 +119,24 @@ TEST(HostJsonInput, KeepsNumbersAsWrittenAndRefusesWhatWouldCrashOrMislead) {
     EXPECT_EQ(read[0].text, "0.10");
     EXPECT_EQ(read[0].kind, ValueKind::JsonNumber);
 
-    EXPECT_TRUE(has(badInput([] { parseInputJson(R"({"RATE": 0.5, "COUNT": 1, "RATE": 0.7})", "f.json"); }),
-                    "input file f.json: RATE is given more than once"));
+    EXPECT_TRUE(
+        has(hostFailure(kExitBadInput,
+                        [] { parseInputJson(R"({"RATE": 0.5, "COUNT": 1, "RATE": 0.7})", "f.json"); }),
+            "input file f.json: RATE is given more than once"));
 
     // Beyond the double range the JSON parser gives up; the number still reaches its cell, as written.
-    std::string const huge = badInput(
-        [] { resolveInputs(sampler(), parseInputJson(R"({"MODE": "FAST", "RATE": 1e400})", "f.json")); });
+    std::string const huge = hostFailure(kExitBadInput, [] {
+        resolveInputs(sampler(), parseInputJson(R"({"MODE": "FAST", "RATE": 1e400})", "f.json"));
+    });
     EXPECT_TRUE(has(huge, "cell RATE = 1e400 is out of the float range")) << huge;
     EXPECT_TRUE(has(huge, "(in f.json)")) << huge;
     EXPECT_TRUE(
-        has(badInput([] { resolveInputs(sampler(), parseInputJson(R"({"COUNT": -1e400})", "f.json")); }),
+        has(hostFailure(kExitBadInput,
+                        [] { resolveInputs(sampler(), parseInputJson(R"({"COUNT": -1e400})", "f.json")); }),
             "cell COUNT = -1e400 is out of the int range"));
 
-    EXPECT_TRUE(
-        has(badInput([] { parseInputJson(R"({"RATE": NaN})", "f.json"); }), "not valid JSON (at RATE)"));
+    EXPECT_TRUE(has(hostFailure(kExitBadInput, [] { parseInputJson(R"({"RATE": NaN})", "f.json"); }),
+                    "not valid JSON (at RATE)"));
 
     // A hostile file is not answered name by name: 60 copies of one name are 59 repeats, 50 of them
     // listed; 60 unknown names are 50 problems and 10 names left unchecked.
@@ -153,10 +146,10 @@ TEST(HostJsonInput, KeepsNumbersAsWrittenAndRefusesWhatWouldCrashOrMislead) {
         repeated += std::string(i == 0 ? "" : ", ") + "\"RATE\": 0.5";
         unknown.push_back({"NO_SUCH_CELL_" + std::to_string(i), "1", ValueKind::Text, "command line"});
     }
-    std::string const repeats = badInput([&] { parseInputJson(repeated + "}", "f.json"); });
+    std::string const repeats = hostFailure(kExitBadInput, [&] { parseInputJson(repeated + "}", "f.json"); });
     EXPECT_EQ(std::count(repeats.begin(), repeats.end(), '\n'), 50);
     EXPECT_TRUE(has(repeats, "\n... and 9 more problems")) << repeats;
-    std::string const unknowns = badInput([&] { resolveInputs(sampler(), unknown); });
+    std::string const unknowns = hostFailure(kExitBadInput, [&] { resolveInputs(sampler(), unknown); });
     EXPECT_EQ(std::count(unknowns.begin(), unknowns.end(), '\n'), 50);
     EXPECT_TRUE(has(unknowns, "\n... and 10 more inputs not checked")) << unknowns;
 }

@@ -13,6 +13,8 @@
 
 #include <gtest/gtest.h>
 
+#include "HostFailure.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -34,18 +36,6 @@ SweepOptions threads(unsigned count) {
     SweepOptions options;
     options.threads = count;
     return options;
-}
-
-template <typename Action>
-std::string failure(ExitCode expected, Action action) {
-    try {
-        action();
-    } catch (HostError const& e) {
-        EXPECT_EQ(e.code(), expected);
-        return e.what();
-    }
-    ADD_FAILURE() << "no HostError thrown";
-    return "";
 }
 
 // The float a cell holds for `value`, as a double.
@@ -87,7 +77,7 @@ TEST(SweepValues, RangesAndListsGiveTheValuesAsTheCellHoldsThem) {
 
 TEST(SweepValues, RejectsBadRangesListsAndValuesWithTheirName) {
     auto bad = [](std::string const& name, std::string const& text) {
-        return failure(kExitBadInput, [&] { parseValues(variable(name), text); });
+        return hostFailure(kExitBadInput, [&] { parseValues(variable(name), text); });
     };
     EXPECT_EQ(bad("RATE", "0:1:0"), "the step of RATE=0:1:0 is zero");
     EXPECT_EQ(bad("RATE", "0:1:-0.1"), "the step of RATE=0:1:-0.1 goes away from 1; use a positive step");
@@ -100,9 +90,9 @@ TEST(SweepValues, RejectsBadRangesListsAndValuesWithTheirName) {
     EXPECT_EQ(bad("COUNT", "1,2.5"), "COUNT takes a whole number, not \"2.5\" (an int input)");
     EXPECT_EQ(bad("COUNT", "0:2:0.5"), "COUNT takes a whole number, not \"0.5\" (an int input)");
     EXPECT_EQ(bad("RATE", "0:1e9:1e-3"), "RATE=0:1e9:1e-3 makes more than 100000000 points");
-    EXPECT_EQ(failure(kExitBadInput, [] { numberColumn(variable("COUNT"), {1.5}); }),
+    EXPECT_EQ(hostFailure(kExitBadInput, [] { numberColumn(variable("COUNT"), {1.5}); }),
               "COUNT takes a whole number, not 1.5 (an int input)");
-    EXPECT_NE(failure(kExitBadInput, [] { numberColumn(variable("MODE"), {1.0}); }).find("takes text"),
+    EXPECT_NE(hostFailure(kExitBadInput, [] { numberColumn(variable("MODE"), {1.0}); }).find("takes text"),
               std::string::npos);
 
     EXPECT_EQ(sampler().notAVariable("TOTAL"),
@@ -111,7 +101,7 @@ TEST(SweepValues, RejectsBadRangesListsAndValuesWithTheirName) {
               "TestSampler has no cell RAET (did you mean RATE?); `prsm cells "
               "TestSampler --category input` lists the inputs");
     EXPECT_EQ(
-        failure(kExitBadInput, [] { selectOutputs(sampler(), "TOT*,NOPE"); }),
+        hostFailure(kExitBadInput, [] { selectOutputs(sampler(), "TOT*,NOPE"); }),
         "no output of TestSampler matches \"NOPE\"; `prsm cells TestSampler --category output` lists the "
         "outputs");
     std::vector<Quantity> const chosen = selectOutputs(sampler(), "LAB?L, COUNT_*");
@@ -167,19 +157,20 @@ TEST(SweepRun, RowsMatchTheFormulaAndSingleCalculationsOnEveryThreadCount) {
 TEST(SweepRun, AFailingPointIsNamedAndNothingIsReturned) {
     // MEDIUM has no row in the capacitance table: the second point fails.
     std::vector<Column> const points{parseValues(variable("MODE"), "FAST,MEDIUM,SLOW")};
-    std::string const message =
-        failure(kExitDataFailure, [&] { runSweep(sampler(), {}, points, sampler().outputs(), threads(1)); });
+    std::string const message = hostFailure(
+        kExitDataFailure, [&] { runSweep(sampler(), {}, points, sampler().outputs(), threads(1)); });
     EXPECT_EQ(
         message.rfind("calculating TestSampler failed at point 2 of 3 (MODE=MEDIUM): PRS Exception: ", 0), 0u)
         << message;
-    EXPECT_EQ(failure(kExitBadInput, [] { runSweep(sampler(), {}, {}, sampler().outputs()); }),
+    EXPECT_EQ(hostFailure(kExitBadInput, [] { runSweep(sampler(), {}, {}, sampler().outputs()); }),
               "a sweep needs a variable with a range or a list of values");
-    EXPECT_EQ(failure(kExitBadInput,
-                      [] {
-                          runSweep(sampler(), {},
-                                   {numberColumn(variable("RATE"), {}), numberColumn(variable("SCALE"), {})},
-                                   sampler().outputs());
-                      }),
+    EXPECT_EQ(hostFailure(kExitBadInput,
+                          [] {
+                              runSweep(
+                                  sampler(), {},
+                                  {numberColumn(variable("RATE"), {}), numberColumn(variable("SCALE"), {})},
+                                  sampler().outputs());
+                          }),
               "no values for RATE");
 }
 
