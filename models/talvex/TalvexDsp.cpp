@@ -91,10 +91,10 @@ float Model::computeProductBits(Params& params, Data const& data) const {
 }
 
 // Each slice's pre-adder takes A, up to the pre-adder's own width.
-int Model::computePreaddBits(Params& params, Data const& data) const {
-    if (!isYes(refUsePreadder(params, data))) return 0;
+float Model::computePreaddBits(Params& params, Data const& data) const {
+    if (!isYes(refUsePreadder(params, data))) return 0.0f;
     int const bits = std::min(getAWidth(params, data), modeWidth(*this, params, data, "PREADD"));
-    return calculateModeSlices(params, data) * bits;
+    return static_cast<float>(calculateModeSlices(params, data)) * static_cast<float>(bits);
 }
 
 int Model::computeAccBits(Params& params, Data const& data) const {
@@ -125,7 +125,7 @@ float Model::computeMultCapFreq(Params& params, Data const& data) const {
 }
 
 float Model::computePreaddCapFreq(Params& params, Data const& data) const {
-    return static_cast<float>(calculatePreaddBits(params, data)) * sliceCap(data, Data::SliceCapKey::PREADD) *
+    return calculatePreaddBits(params, data) * sliceCap(data, Data::SliceCapKey::PREADD) *
            calculateDataFreq(params, data);
 }
 
@@ -144,7 +144,7 @@ float Model::computeRegCapFreq(Params& params, Data const& data) const {
 
 // A cascade port carries the accumulator's width to or from the neighbouring slice.
 float Model::computeCascadeCapFreq(Params& params, Data const& data) const {
-    return static_cast<float>(calculateCascadePorts(params, data) * calculateAccBits(params, data)) *
+    return static_cast<float>(calculateCascadePorts(params, data)) * static_cast<float>(calculateAccBits(params, data)) *
            sliceCap(data, Data::SliceCapKey::CASCADE) * calculateDataFreq(params, data);
 }
 

@@ -100,8 +100,8 @@ int Model::defaultCount(Params& params, Data const& data, Segment member) const 
     else if (member == Segment::LEAF_1)
         total = "LEAVES";
     if (total == nullptr) return 0;
-    return static_cast<int>(static_cast<float>(deviceNetwork(*this, params, data, total)) *
-                            calculateNetworkReach(params, data));
+    return static_cast<int>(static_cast<double>(deviceNetwork(*this, params, data, total)) *
+                            static_cast<double>(calculateNetworkReach(params, data)));
 }
 
 int Model::defaultNumFfSlices(Params& params, Data const& data) const {
@@ -235,11 +235,12 @@ float Model::computeVccauxClockPower(Params& params, Data const& data) const {
     return static_cast<float>(getInstanceCount(params, data)) * calculateBufferComponent(params, data) * 0.001f;
 }
 
-// Formed in 64 bits; a count beyond the int range wraps as the cell stores it.
+// Formed in unsigned 64 bits, so that any inputs give a defined figure; a count beyond the int range
+// wraps as the cell stores it.
 int Model::computeClockLoadCount(Params& params, Data const& data) const {
-    std::int64_t const loads = static_cast<std::int64_t>(getFfsUsingClk(params, data)) +
-                               getLutramsUsingClk(params, data) + getSrlsUsingClk(params, data) +
-                               getBramsUsingClk(params, data) + getUramsUsingClk(params, data) +
-                               getDspsUsingClk(params, data);
-    return static_cast<int>(static_cast<std::int64_t>(getInstanceCount(params, data)) * loads);
+    auto const u = [](int n) { return static_cast<std::uint64_t>(static_cast<std::int64_t>(n)); };
+    std::uint64_t const loads = u(getFfsUsingClk(params, data)) + u(getLutramsUsingClk(params, data)) +
+                                u(getSrlsUsingClk(params, data)) + u(getBramsUsingClk(params, data)) +
+                                u(getUramsUsingClk(params, data)) + u(getDspsUsingClk(params, data));
+    return static_cast<int>(u(getInstanceCount(params, data)) * loads);
 }
