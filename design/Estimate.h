@@ -15,9 +15,16 @@
 
 namespace prsm::design {
 
+// Where a rail's voltage came from, first found first: the design, the static sheet's figure at the
+// design's voltage corner, the device catalogue's nominal voltage, the first block's default.
+enum class VoltageSource { Design, Corner, CatalogueNominal, BlockDefault };
+// "design", "corner", "catalogue_nominal", "block_default".
+char const* toString(VoltageSource source);
+
 struct RailResult {
     std::string rail;
-    double voltage = 0;         // V
+    double voltage = 0;  // V
+    VoltageSource voltageSource = VoltageSource::Design;
     double dynamicCurrent = 0;  // A
     double staticCurrent = 0;   // A
     double totalCurrent = 0;    // A
@@ -76,6 +83,7 @@ struct BoardResult {
 struct Report {
     std::string source;
     std::string staticModel;  // empty when the design names no static sheet
+    std::string voltageCorner;  // the corner of the voltages the design leaves out: nominal, max or min
     // False when a block failed or the thermal loop ran away: the totals below are then not a result.
     bool complete = true;
     std::vector<std::string> failures;  // one line per failed block, or the thermal runaway
