@@ -556,6 +556,7 @@ void Estimator::State::buildBoard(std::vector<double> const& railDynamic,
     Report& out = report;
     BoardResult result;
     result.model = board->given->model;
+    restore(*board);  // fresh, as the blocks are: no default kept from an input changed since
     for (auto const& [cell, railName] : boardInputs) {
         double current = 0;
         if (auto it = railIndex.find(railName); it != railIndex.end()) {
@@ -876,10 +877,11 @@ void Estimator::clearInputs() {
             block.dirty = true;
             block.checkValidity = true;
         }
-    if (s.statics && !s.statics->changed_inputs.empty()) {
-        s.statics->changed_inputs.clear();
-        s.statics->checkValidity = true;
-    }
+    for (State::BlockState* sheet : {s.statics.get(), s.board.get()})
+        if (sheet && !sheet->changed_inputs.empty()) {  // both are restored at every calculation
+            sheet->changed_inputs.clear();
+            sheet->checkValidity = true;
+        }
 }
 
 void Estimator::setThermal(Thermal const& thermal) {

@@ -116,7 +116,8 @@ public:
     // module board); the next update() recalculates it.
     // Throws DesignError for an unknown block, a cell it may not set or a value that does not parse.
     void setInput(std::string const& block, std::string const& cell, std::string const& text);
-    // Back to the file's inputs: every setInput since is undone (the blocks concerned recalculate).
+    // Back to the file's inputs: every setInput since is undone, on the blocks, the static sheet and the
+    // board (the blocks concerned recalculate).
     void clearInputs();
     // New thermal conditions (a given junction temperature, or ambient and theta_ja to solve from).
     void setThermal(Thermal const& thermal);
