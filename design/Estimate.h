@@ -130,9 +130,9 @@ public:
     // A rail's voltage, as if the file gave it under /rails: the blocks that take it or draw a current
     // from it recalculate, and loads given as a current follow. Throws DesignError for a rail not in use.
     void setRailVoltage(std::string const& rail, double volts);
-    // Every rail in use, in the engine's order, with its voltage.
     // Back to the file's rail voltages: every setRailVoltage since is undone.
     void clearRailVoltages();
+    // Every rail in use, in the engine's order, with its voltage.
     std::vector<std::pair<std::string, double>> railVoltages() const;
 
     Design const& design() const;
