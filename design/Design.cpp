@@ -1,4 +1,5 @@
 #include <prsm/design/Design.h>
+#include <prsm/design/Grades.h>
 #include <prsm/design/Rails.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
@@ -18,9 +19,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-char const* const kDeviceFields[] = {
-    "part",          "internal_part", "package", "speed_grade", "temperature_grade",
-    "voltage_grade", "power_screen",  "process"};
+char const* const kDeviceFields[] = {"part",        "internal_part",     "package",       "grade",
+                                     "speed_grade", "temperature_grade", "voltage_grade", "power_screen",
+                                     "process",     "voltage_corner"};
 char const* const kRegions[] = {"logic", "io", "gt", "ps_pmc", "noc", "aie", "hbm"};
 
 std::string escapePointer(std::string const& token) {
@@ -173,6 +174,34 @@ std::string designOwned(SheetDesign const& design, std::string const& cell) {
 
 namespace {
 
+// The combined grade becomes its parts, as if the file gave them one by one; a voltage corner is one the
+// engine knows.
+void readGrades(Checker& check, Device& device) {
+    if (std::string const* grade = device.find("grade")) {
+        std::optional<GradeParts> const parts = splitGrade(*grade);
+        if (!parts)
+            check.fail("/device/grade", "\"" + *grade +
+                                            "\" is not a grade of the form -S<speed><voltage>-<temperature> "
+                                            "(\"-S2M-E\") or -<speed>-<temperature> (\"-2-E\")");
+        for (char const* field : {"speed_grade", "voltage_grade", "temperature_grade"})
+            if (device.find(field))
+                check.fail(
+                    std::string("/device/") + field,
+                    std::string(field) + " is part of /device/grade: give the grade whole or by parts");
+        if (parts) {
+            device.fields.emplace_back("speed_grade", parts->speed);
+            if (!parts->voltage.empty()) device.fields.emplace_back("voltage_grade", parts->voltage);
+            device.fields.emplace_back("temperature_grade", parts->temperature);
+        }
+    }
+    if (std::string const* corner = device.find("voltage_corner")) {
+        std::vector<std::string> const& corners = voltageCorners();
+        if (std::find(corners.begin(), corners.end(), *corner) == corners.end())
+            check.fail("/device/voltage_corner",
+                       "unknown voltage corner \"" + *corner + "\"; one of nominal, max, min");
+    }
+}
+
 enum class Role { Block, Static, Board };
 
 Block readBlock(Checker& check, Json const& json, std::string const& pointer, Role role) {
@@ -321,6 +350,7 @@ Design parseDesign(std::string const& text, std::string const& source) {
                 if (auto value = check.string(*it, std::string("/device/") + field))
                     design.device.fields.emplace_back(field, *value);
         if (device->find("part") == device->end()) check.fail("/device", "missing \"part\"");
+        readGrades(check, design.device);
     }
 
     if (Json const* thermal = check.object(json, "thermal", "", true)) {

@@ -1,4 +1,5 @@
 #include <prsm/design/Estimate.h>
+#include <prsm/design/Grades.h>
 #include <prsm/design/Rails.h>
 #include <prsm/design/ThermalSolve.h>
 #include <prsm/framework/PRSMCommonParamControlData.h>
@@ -146,6 +147,20 @@ std::string what(std::exception const& e) {
 
 }  // namespace
 
+char const* toString(VoltageSource source) {
+    switch (source) {
+        case VoltageSource::Design:
+            return "design";
+        case VoltageSource::Corner:
+            return "corner";
+        case VoltageSource::CatalogueNominal:
+            return "catalogue_nominal";
+        case VoltageSource::BlockDefault:
+            return "block_default";
+    }
+    return "";
+}
+
 struct Estimator::State {
     struct Output {
         std::size_t cell;
@@ -164,6 +179,7 @@ struct Estimator::State {
         bool changed = true;  // calculated since the report last described it
         bool checkValidity = true;
         std::vector<std::pair<std::string, std::string>> changed_inputs;  // setInput's, cell -> text
+        std::vector<std::pair<std::string, std::string>> device;  // device inputs in the sheet's spelling
         std::string error;
         std::vector<Warning> warnings;
     };
@@ -182,8 +198,10 @@ struct Estimator::State {
     std::vector<std::string> rails;
     std::map<std::string, std::size_t> railIndex;
     std::vector<double> voltage;
+    std::vector<VoltageSource> voltageSource;
     std::vector<std::pair<std::string, double>> givenRails;  // design.rails as the file gives them
     std::vector<double> givenVoltage;                        // the voltages setup() settled on
+    std::vector<VoltageSource> givenSource;
     std::vector<std::string> tags{""};
     std::vector<BlockState> blocks;
     std::map<std::string, std::size_t> blockIndex;
@@ -223,6 +241,7 @@ struct Estimator::State {
     }
 
     void setup();
+    void settleVoltages();
     void prepareBlock(BlockState& block);
     void restore(BlockState& block);
     void markRail(std::size_t r);
@@ -242,8 +261,8 @@ void Estimator::State::prepareBlock(BlockState& block) {
     SheetDesign const& declared = sheet.design();
     block.instance = sheet.create();
     block.region = regionIndex(declared.region);
-    for (auto const& [cell, field] : declared.deviceInputs)
-        if (std::string const* value = design.device.find(field)) block.instance->set(cell, *value);
+    block.device = deviceInputs(design.device, sheet, *block.instance, block.given->name, deviceWarnings);
+    for (auto const& [cell, text] : block.device) block.instance->set(cell, text);
     for (Input const& input : block.given->inputs) {
         try {
             block.instance->set(input.cell, input.text);
@@ -267,8 +286,7 @@ void Estimator::State::prepareBlock(BlockState& block) {
 void Estimator::State::restore(BlockState& block) {
     SheetDesign const& declared = block.sheet->design();
     block.instance->resetUserInputs();
-    for (auto const& [cell, field] : declared.deviceInputs)
-        if (std::string const* value = design.device.find(field)) block.instance->set(cell, *value);
+    for (auto const& [cell, text] : block.device) block.instance->set(cell, text);
     for (Input const& input : block.given->inputs) block.instance->set(input.cell, input.text);
     for (auto const& [cell, text] : block.changed_inputs) block.instance->set(cell, text);
     for (auto const& [cell, railName] : declared.voltageInputs)
@@ -296,6 +314,8 @@ void Estimator::State::setup() {
                 {"", "/device/part",
                  name + " is not in the device catalogue; sheets may fall back to defaults"});
     }
+    if (!design.device.find("voltage_corner"))
+        design.device.fields.emplace_back("voltage_corner", voltageCorners()[0]);
     for (auto const& [name, value] : design.rails)
         voltage.resize(rail(name) + 1), voltage[rail(name)] = value;
     blocks.reserve(design.blocks.size());
@@ -335,39 +355,7 @@ void Estimator::State::setup() {
 
     if (design.board) setupBoard();
 
-    // Voltages: the design's, else the static sheet's default, else the first block's default.
-    voltage.resize(rails.size(), std::nan(""));
-    std::vector<std::string> why(rails.size());  // a default that could not be evaluated
-    auto adoptDefaults = [&](BlockState& block) {
-        for (auto const& [cell, railName] : block.sheet->design().voltageInputs) {
-            std::size_t const r = railIndex[railName];
-            if (!std::isnan(voltage[r])) continue;
-            std::string value;
-            try {
-                value = block.instance->evaluate(cell);
-            } catch (PRSMException const& e) {
-                why[r] = " (block \"" + block.given->name + "\": " + e.what() + ")";
-                continue;
-            } catch (std::exception const& e) {
-                why[r] = " (block \"" + block.given->name + "\": " + e.what() + ")";
-                continue;
-            }
-            // The sheet's float default, to the 7 digits a float holds (0.8, not 0.800000012).
-            char text[32];
-            std::snprintf(text, sizeof text, "%.7g", std::strtod(value.c_str(), nullptr));
-            voltage[r] = std::strtod(text, nullptr);
-        }
-    };
-    if (statics) adoptDefaults(*statics);
-    for (BlockState& block : blocks) adoptDefaults(block);
-    for (std::size_t r = 0; r < rails.size(); ++r)
-        if (std::isnan(voltage[r])) voltage[r] = nominalVoltage(rails[r]);
-    for (std::size_t r = 0; r < rails.size(); ++r)
-        if (std::isnan(voltage[r]))
-            throw DesignError(
-                design.source + ": /rails: rail " + rails[r] +
-                " is in use but has no voltage, no sheet gives a default and the catalogue no nominal" +
-                why[r] + ": set it under /rails");
+    settleVoltages();
     auto writeVoltages = [&](BlockState& block) {
         for (auto const& [cell, railName] : block.sheet->design().voltageInputs)
             block.instance->setNumber(cellIndex(*block.sheet, cell), voltage[railIndex[railName]]);
@@ -378,6 +366,7 @@ void Estimator::State::setup() {
         if (design.loads[i].current) design.loads[i].power = *design.loads[i].current * voltage[loadRail[i]];
     givenRails = design.rails;
     givenVoltage = voltage;
+    givenSource = voltageSource;
 
     for (BlockState& block : blocks)
         for (Output& out : block.outputs) out.aggregate = cellOf(out.rail, block.region, 0);
@@ -395,6 +384,72 @@ void Estimator::State::setup() {
         };
         perRail(statics->sheet->design().staticCurrent, staticCurrentCell);
         perRail(statics->sheet->design().maxCurrent, maxCurrentCell);
+    }
+}
+
+// The voltage of every rail in use that the design leaves out: the static sheet's at the design's
+// voltage corner, else the catalogue's nominal, else the first block's default. A static sheet without
+// a row for the rail gives 0 V (its own fallback); that is taken only when nothing else knows the rail.
+void Estimator::State::settleVoltages() {
+    voltage.resize(rails.size(), std::nan(""));
+    voltageSource.assign(rails.size(), VoltageSource::Design);
+    std::vector<std::string> why(rails.size());  // a default that could not be evaluated
+    std::vector<bool> offInStatic(rails.size(), false);
+    auto sheetDefault = [&](BlockState& block, std::string const& cell, std::size_t r) {
+        std::string value;
+        try {
+            value = block.instance->evaluate(cell);
+        } catch (PRSMException const& e) {
+            why[r] = " (block \"" + block.given->name + "\": " + e.what() + ")";
+            return std::nan("");
+        } catch (std::exception const& e) {
+            why[r] = " (block \"" + block.given->name + "\": " + e.what() + ")";
+            return std::nan("");
+        }
+        // The sheet's float default, to the 7 digits a float holds (0.8, not 0.800000012).
+        char text[32];
+        std::snprintf(text, sizeof text, "%.7g", std::strtod(value.c_str(), nullptr));
+        return std::strtod(text, nullptr);
+    };
+    auto adopt = [&](std::size_t r, double volts, VoltageSource source) {
+        voltage[r] = volts;
+        voltageSource[r] = source;
+    };
+    if (statics)
+        for (auto const& [cell, railName] : statics->sheet->design().voltageInputs) {
+            std::size_t const r = railIndex[railName];
+            if (!std::isnan(voltage[r])) continue;
+            double const volts = sheetDefault(*statics, cell, r);
+            if (volts > 0)
+                adopt(r, volts, VoltageSource::Corner);
+            else if (volts == 0)
+                offInStatic[r] = true;
+        }
+    for (std::size_t r = 0; r < rails.size(); ++r)
+        if (std::isnan(voltage[r])) adopt(r, nominalVoltage(rails[r]), VoltageSource::CatalogueNominal);
+    for (BlockState& block : blocks)
+        for (auto const& [cell, railName] : block.sheet->design().voltageInputs) {
+            std::size_t const r = railIndex[railName];
+            if (std::isnan(voltage[r])) adopt(r, sheetDefault(block, cell, r), VoltageSource::BlockDefault);
+        }
+    std::string const& corner = *design.device.find("voltage_corner");
+    for (std::size_t r = 0; r < rails.size(); ++r) {
+        if (std::isnan(voltage[r]) && offInStatic[r]) adopt(r, 0.0, VoltageSource::Corner);
+        if (std::isnan(voltage[r]))
+            throw DesignError(
+                design.source + ": /rails: rail " + rails[r] +
+                " is in use but has no voltage, no sheet gives a default and the catalogue no nominal" +
+                why[r] + ": set it under /rails");
+        if (corner != voltageCorners()[0] && (voltageSource[r] == VoltageSource::CatalogueNominal ||
+                                              voltageSource[r] == VoltageSource::BlockDefault)) {
+            char text[200];
+            std::snprintf(text, sizeof text, "rail %s: no %s voltage is known; the %s of %.4g V is used",
+                          rails[r].c_str(), corner.c_str(),
+                          voltageSource[r] == VoltageSource::CatalogueNominal ? "catalogue's nominal voltage"
+                                                                              : "first block's default",
+                          voltage[r]);
+            deviceWarnings.push_back({"", "/device/voltage_corner", text});
+        }
     }
 }
 
@@ -501,6 +556,7 @@ void Estimator::State::buildBoard(std::vector<double> const& railDynamic,
     Report& out = report;
     BoardResult result;
     result.model = board->given->model;
+    restore(*board);  // fresh, as the blocks are: no default kept from an input changed since
     for (auto const& [cell, railName] : boardInputs) {
         double current = 0;
         if (auto it = railIndex.find(railName); it != railIndex.end()) {
@@ -572,6 +628,7 @@ void Estimator::State::describe(BlockState const& block, BlockResult& result) co
 void Estimator::State::build() {
     Report& out = report;
     out.source = design.source;
+    out.voltageCorner = *design.device.find("voltage_corner");
     out.complete = true;
     out.failures.clear();
     out.warnings = deviceWarnings;
@@ -716,6 +773,7 @@ void Estimator::State::build() {
         RailResult rail;
         rail.rail = rails[r];
         rail.voltage = voltage[r];
+        rail.voltageSource = voltageSource[r];
         rail.dynamicCurrent = voltage[r] > 0 ? railDynamic[r] / voltage[r] : 0.0;
         rail.staticCurrent = staticCurrent[r];
         rail.totalCurrent = rail.dynamicCurrent + rail.staticCurrent;
@@ -819,10 +877,11 @@ void Estimator::clearInputs() {
             block.dirty = true;
             block.checkValidity = true;
         }
-    if (s.statics && !s.statics->changed_inputs.empty()) {
-        s.statics->changed_inputs.clear();
-        s.statics->checkValidity = true;
-    }
+    for (State::BlockState* sheet : {s.statics.get(), s.board.get()})
+        if (sheet && !sheet->changed_inputs.empty()) {  // both are restored at every calculation
+            sheet->changed_inputs.clear();
+            sheet->checkValidity = true;
+        }
 }
 
 void Estimator::setThermal(Thermal const& thermal) {
@@ -848,6 +907,7 @@ void Estimator::setRailVoltage(std::string const& rail, double volts) {
         given->second = volts;
     else
         s.design.rails.emplace_back(rail, volts);
+    s.voltageSource[r] = VoltageSource::Design;
     if (s.voltage[r] == volts) return;
     s.voltage[r] = volts;
     for (std::size_t i = 0; i < s.design.loads.size(); ++i)
@@ -860,6 +920,7 @@ void Estimator::setRailVoltage(std::string const& rail, double volts) {
 void Estimator::clearRailVoltages() {
     State& s = *m_state;
     s.design.rails = s.givenRails;
+    s.voltageSource = s.givenSource;
     for (std::size_t r = 0; r < s.rails.size(); ++r)
         if (s.voltage[r] != s.givenVoltage[r]) {
             s.voltage[r] = s.givenVoltage[r];

@@ -15,9 +15,16 @@
 
 namespace prsm::design {
 
+// Where a rail's voltage came from, first found first: the design, the static sheet's figure at the
+// design's voltage corner, the device catalogue's nominal voltage, the first block's default.
+enum class VoltageSource { Design, Corner, CatalogueNominal, BlockDefault };
+// "design", "corner", "catalogue_nominal", "block_default".
+char const* toString(VoltageSource source);
+
 struct RailResult {
     std::string rail;
-    double voltage = 0;         // V
+    double voltage = 0;  // V
+    VoltageSource voltageSource = VoltageSource::Design;
     double dynamicCurrent = 0;  // A
     double staticCurrent = 0;   // A
     double totalCurrent = 0;    // A
@@ -76,6 +83,7 @@ struct BoardResult {
 struct Report {
     std::string source;
     std::string staticModel;  // empty when the design names no static sheet
+    std::string voltageCorner;  // the corner of the voltages the design leaves out: nominal, max or min
     // False when a block failed or the thermal loop ran away: the totals below are then not a result.
     bool complete = true;
     std::vector<std::string> failures;  // one line per failed block, or the thermal runaway
@@ -108,7 +116,8 @@ public:
     // module board); the next update() recalculates it.
     // Throws DesignError for an unknown block, a cell it may not set or a value that does not parse.
     void setInput(std::string const& block, std::string const& cell, std::string const& text);
-    // Back to the file's inputs: every setInput since is undone (the blocks concerned recalculate).
+    // Back to the file's inputs: every setInput since is undone, on the blocks, the static sheet and the
+    // board (the blocks concerned recalculate).
     void clearInputs();
     // New thermal conditions (a given junction temperature, or ambient and theta_ja to solve from).
     void setThermal(Thermal const& thermal);
@@ -121,9 +130,9 @@ public:
     // A rail's voltage, as if the file gave it under /rails: the blocks that take it or draw a current
     // from it recalculate, and loads given as a current follow. Throws DesignError for a rail not in use.
     void setRailVoltage(std::string const& rail, double volts);
-    // Every rail in use, in the engine's order, with its voltage.
     // Back to the file's rail voltages: every setRailVoltage since is undone.
     void clearRailVoltages();
+    // Every rail in use, in the engine's order, with its voltage.
     std::vector<std::pair<std::string, double>> railVoltages() const;
 
     Design const& design() const;

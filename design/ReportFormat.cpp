@@ -33,6 +33,7 @@ std::string toJson(Report const& report) {
     out["design"] = report.source;
     out["complete"] = report.complete;
     out["failures"] = report.failures;
+    out["voltage_corner"] = report.voltageCorner;
     Json thermal;
     thermal["junction_temperature"] = report.thermal.junction;
     thermal["solved"] = report.thermal.solved;
@@ -52,6 +53,7 @@ std::string toJson(Report const& report) {
     for (RailResult const& r : report.rails)
         rails.push_back({{"rail", r.rail},
                          {"voltage", r.voltage},
+                         {"voltage_source", toString(r.voltageSource)},
                          {"dynamic_current", r.dynamicCurrent},
                          {"static_current", r.staticCurrent},
                          {"total_current", r.totalCurrent},
@@ -115,8 +117,10 @@ std::string toCsv(Report const& report) {
         out << section << "," << csvField(name) << "," << csvField(rail) << "," << quantity << ","
             << csvField(value) << "," << unit << "\n";
     };
+    line("device", "", "", "voltage_corner", report.voltageCorner, "");
     for (RailResult const& r : report.rails) {
         line("rail", r.rail, r.rail, "voltage", number(r.voltage), "V");
+        line("rail", r.rail, r.rail, "voltage_source", toString(r.voltageSource), "");
         line("rail", r.rail, r.rail, "dynamic_current", number(r.dynamicCurrent), "A");
         line("rail", r.rail, r.rail, "static_current", number(r.staticCurrent), "A");
         line("rail", r.rail, r.rail, "total_current", number(r.totalCurrent), "A");

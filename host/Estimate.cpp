@@ -38,16 +38,18 @@ std::string renderEstimateTable(design::Report const& report) {
         text << "Leakage: " << report.staticModel << "\n";
     else
         text << "Leakage: not estimated (the design names no static-power sheet)\n";
+    text << "Voltage corner: " << report.voltageCorner << " (of the rails the design leaves out)\n";
 
     std::vector<TextRow> rails;
     for (design::RailResult const& r : report.rails)
-        rails.push_back({r.rail, fixed(r.voltage, 3), fixed(r.dynamicCurrent, 4), fixed(r.staticCurrent, 4),
-                         fixed(r.totalCurrent, 4), fixed(r.power, 4),
+        rails.push_back({r.rail, fixed(r.voltage, 3), design::toString(r.voltageSource),
+                         fixed(r.dynamicCurrent, 4), fixed(r.staticCurrent, 4), fixed(r.totalCurrent, 4),
+                         fixed(r.power, 4),
                          r.maxCurrent > 0 ? fixed(r.maxCurrent, 3) + (r.overLimit ? " EXCEEDED" : "") : "-"});
     text << "\n"
-         << formatTable(
-                {"rail", "voltage (V)", "dynamic (A)", "static (A)", "total (A)", "power (W)", "max (A)"},
-                rails);
+         << formatTable({"rail", "voltage (V)", "voltage from", "dynamic (A)", "static (A)", "total (A)",
+                         "power (W)", "max (A)"},
+                        rails);
 
     std::vector<TextRow> blocks;
     for (design::BlockResult const& b : report.blocks) {

@@ -10,7 +10,7 @@ from sheet import Sheet, SheetError, expand
 
 REGIONS = ("logic", "io", "gt", "ps_pmc", "noc", "aie", "hbm")
 DEVICE_FIELDS = ("part", "internal_part", "package", "speed_grade", "temperature_grade", "voltage_grade",
-                 "power_screen", "process")
+                 "power_screen", "process", "voltage_corner")
 RAIL = re.compile(r"[A-Z][A-Z0-9_]*")
 
 

@@ -62,9 +62,13 @@ def test_a_small_design_adds_up_by_its_blocks():
     report = design.estimate()
     assert report["thermal"]["junction_temperature"] == 85.0 and "static" not in report
     (block,) = report["blocks"]
+    # VCCINT, which the design leaves out, is the catalogue's nominal 0.8 V (not the sheet's own default).
+    (vccint,) = [rail for rail in report["rails"] if rail["rail"] == "VCCINT"]
+    assert (vccint["voltage"], vccint["voltage_source"]) == (0.8, "catalogue_nominal")
     sheet = prsm.Sheet("TalvexCleLogic")
     for cell, value in SMALL["blocks"][0]["inputs"].items():
         sheet.set(cell, value)
+    sheet.set("VCCINT", 0.8)
     # No leakage sheet: the total is the block's power, the sheet's own figure on its rails.
     assert report["totals"]["total_power"] == pytest.approx(block["power"], rel=1e-12)
     assert block["power"] == pytest.approx(sheet.calculate()["LOGIC_POWER"], rel=1e-6)

@@ -141,6 +141,35 @@ TEST(DesignEstimate, SmallDesignRailsFeedsAndThermalByHand) {
     EXPECT_THROW(estimator.setInput("core", "CLOCK_FREQ", "fast"), DesignError);
 }
 
+TEST(DesignEstimate, ClearInputsGivesWhatAFreshEstimateGives) {
+    // A block's clock, and the static sheet's share of LUTs used, which sets its VCCAUX leakage.
+    Design const design =
+        parseDesign(R"({"schema_version": 1, "device": {"part": "ZQVP1502", "grade": "-S2L-E"},
+      "thermal": {"junction_temperature": 25}, "static": {"model": "TalvexStatic"},
+      "blocks": [{"name": "core", "model": "TestLoad"}]})",
+                    "clear.json");
+    Report const fresh = Estimator(design).estimate();
+    Estimator estimator(design);
+    estimator.estimate();
+    estimator.setInput("core", "CLOCK_FREQ", "300");
+    estimator.setInput("static", "LUT_USED_PCT", "80");
+    Report const changed = estimator.update();
+    EXPECT_NE(changed.dynamicPower, fresh.dynamicPower);
+    EXPECT_NE(changed.staticPower, fresh.staticPower);
+    estimator.clearInputs();
+    Report const cleared = estimator.update();
+    EXPECT_EQ(cleared.dynamicPower, fresh.dynamicPower);
+    EXPECT_EQ(cleared.staticPower, fresh.staticPower);
+
+    // The board's own OTHER_POWER, 0.5 W by default, enters its total as it is: 2.5 W adds 2 W.
+    Estimator board(readDesignFile(designFile("board.json")));
+    double const total = board.estimate().board->totalPower;
+    board.setInput("board", "OTHER_POWER", "2.5");
+    EXPECT_NEAR(board.update().board->totalPower, total + 2.0, 1e-5);
+    board.clearInputs();
+    EXPECT_EQ(board.update().board->totalPower, total);
+}
+
 TEST(DesignEstimate, GivenJunctionTemperature) {
     Design design = readDesignFile(designFile("small.json"));
     design.thermal.junction = 40.0;

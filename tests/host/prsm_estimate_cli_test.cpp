@@ -4,15 +4,16 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 namespace {
 
-// The JSON report of a shipped example; fails the test when prsm does not end with status 0.
-nlohmann::json estimateExample(std::string const& name) {
+// The JSON report of a design file; fails the test when prsm does not end with status 0.
+nlohmann::json estimate(std::string const& path) {
     std::string const command = std::string("QDI_DATADIR='") + PRSM_SHIPPED_DATADIR + "' '" +
-                                PRSM_HOST_BINARY + "' estimate '" + PRSM_EXAMPLESDIR + "/" + name +
-                                "' --json 2>/dev/null";
+                                PRSM_HOST_BINARY + "' estimate '" + path + "' --json 2>/dev/null";
     FILE* pipe = ::popen(command.c_str(), "r");
     EXPECT_NE(pipe, nullptr);
     std::string out;
@@ -20,6 +21,10 @@ nlohmann::json estimateExample(std::string const& name) {
     for (std::size_t n; pipe && (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) out.append(buffer, n);
     EXPECT_EQ(pipe ? ::pclose(pipe) : -1, 0) << out;
     return out.empty() ? nlohmann::json::object() : nlohmann::json::parse(out);
+}
+
+nlohmann::json estimateExample(std::string const& name) {
+    return estimate(std::string(PRSM_EXAMPLESDIR) + "/" + name);
 }
 
 TEST(PrsmEstimateCli, ShippedExampleEstimatesCompletely) {
@@ -66,6 +71,32 @@ TEST(PrsmEstimateCli, ModuleExampleFeedsItsBoard) {
     EXPECT_GT(module, device + 0.5);
     EXPECT_LT(module, 10.0);
     EXPECT_FALSE(board["regulators"].empty());
+}
+
+// The design file that docs/design-files.md shows runs clean: its grades reach the static sheet in the
+// sheet's own spelling, so the SKU is found and the rails it leaves out take the SKU's nominal voltage.
+TEST(PrsmEstimateCli, DocumentedDesignFileRunsClean) {
+    std::ifstream doc(std::string(PRSM_EXAMPLESDIR) + "/../docs/design-files.md");
+    std::string const text((std::istreambuf_iterator<char>(doc)), std::istreambuf_iterator<char>());
+    std::size_t const start = text.find("```json\n", text.find("## The file"));
+    ASSERT_NE(start, std::string::npos);
+    std::string const path = ::testing::TempDir() + "documented-design.json";
+    std::ofstream(path) << text.substr(start + 8, text.find("```", start + 8) - start - 8);
+    nlohmann::json const report = estimate(path);
+    EXPECT_TRUE(report.value("complete", false));
+    EXPECT_TRUE(report["warnings"].empty()) << report["warnings"].dump();
+    EXPECT_EQ(report["voltage_corner"], "nominal");
+    // VCCPSFP, left out, is the data's nominal 0.8 V (its maximum corner is 1.03 times that).
+    bool seen = false;
+    for (auto const& rail : report["rails"])
+        if (rail["rail"] == "VCCPSFP") {
+            seen = true;
+            EXPECT_NEAR(rail["voltage"].get<double>(), 0.8, 1e-6);
+            EXPECT_EQ(rail["voltage_source"], "corner");
+        } else if (rail["rail"] == "VCCINT") {
+            EXPECT_EQ(rail["voltage_source"], "design");
+        }
+    EXPECT_TRUE(seen);
 }
 
 }  // namespace
