@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -42,7 +43,17 @@ struct MissingRow {
     std::vector<std::string> values;  // the values its rows do have at that key, sorted
 };
 
-// One parameter set of a sheet, driven by cell names and text values.
+// A data file that a sheet needs could not be found, read or parsed. A sheet instance throws it in
+// place of the configuration library's exceptions, which name no file: what() is the loader's one-line
+// account (PRSMData::lastLoadFailure()), taken on the thread that failed. The library has already
+// printed its own one-line report on standard error.
+class DataFileError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// One parameter set of a sheet, driven by cell names and text values. Every call that evaluates
+// something loads the sheet's data on first use, and throws DataFileError when it cannot.
 class SheetInstance {
 public:
     virtual ~SheetInstance() = default;

@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -124,8 +125,41 @@ TEST_F(PrsmCli, RejectsMissingAndMalformedInputFiles) {
 }
 
 TEST_F(PrsmCli, ReportsDataThatCannotBeLoaded) {
-    expectRejected(prsm({"calc", "TalvexCleLogic", "--json"}, "QDI_DATADIR=/nonexistent"), 3,
-                   {"calculating TalvexCleLogic failed", "QDI_DATADIR: /nonexistent"});
+    // The library's report is its one line; the host names the file and the directories searched.
+    HostRun const calc = prsm({"calc", "TalvexCleLogic", "--json"}, "QDI_DATADIR=/nonexistent");
+    EXPECT_EQ(calc.status, 3);
+    EXPECT_EQ(calc.out, "");
+    EXPECT_EQ(calc.err,
+              "I/O error while reading file.\n"
+              "prsm: error: calculating TalvexCleLogic failed: data file "
+              "powercfg/talvex/PRSMTalvexCleLogicData.cfg not found in the data directories (QDI_DATADIR): "
+              "/nonexistent\n"
+              "prsm: hint: data directory from QDI_DATADIR: /nonexistent\n");
+
+    // An estimate names the file too, on the line of the block that needed it: here a data directory
+    // that holds the common settings and nothing else.
+    std::string const dir = "/tmp/prsm_cli_test_data_" + std::to_string(::getpid());
+    ASSERT_EQ(std::system(("mkdir -p " + quoted(dir + "/powercfg") + " && ln -sfn " +
+                           quoted(std::string(PRSM_SHIPPED_DATADIR) + "/powercfg/common") + " " +
+                           quoted(dir + "/powercfg/common"))
+                              .c_str()),
+              0);
+    TempFile const design(R"({"schema_version": 1, "device": {"part": "ZQVC1902"},
+        "thermal": {"junction_temperature": 50}, "rails": {"VCCINT": 0.8},
+        "blocks": [{"name": "logic", "model": "TalvexCleLogic"}]})");
+    HostRun const estimate = prsm({"estimate", design.path()}, "QDI_DATADIR=" + quoted(dir));
+    std::system(("rm -rf " + quoted(dir)).c_str());
+    EXPECT_EQ(estimate.status, 3);
+    EXPECT_TRUE(has(estimate.err,
+                    "prsm: error: block \"logic\" (TalvexCleLogic): data file "
+                    "powercfg/talvex/PRSMTalvexCleLogicData.cfg not found in the data "
+                    "directories (QDI_DATADIR): " +
+                        dir + "\n"))
+        << estimate.err;
+    std::istringstream lines(estimate.err);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_TRUE(line.rfind("prsm: ", 0) == 0 || line == "I/O error while reading file.") << line;
+
     // Listing cells falls back to the declared defaults.
     HostRun const cells =
         prsm({"cells", "TalvexCleLogic", "--category", "input"}, "QDI_DATADIR=/nonexistent");
