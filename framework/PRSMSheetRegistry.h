@@ -35,6 +35,10 @@ struct CellInfo {
     std::string aboveZeroWarning;
 };
 
+// A list input's valid choices (the comma-separated text of SheetInstance::validValues) for a message:
+// "one of A, B, C"; of a longer list the first `shown`, then "... (N more)".
+std::string describeChoices(std::string const& validValues, std::size_t shown = 8);
+
 // A table whose rows are keyed by a string input's value (one of the table's keys is named like the
 // input: "device" for DEVICE) and that has no row for the value the input holds. The formulas then
 // fall back to a default row or value, or fail when they have none.

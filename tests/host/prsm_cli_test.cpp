@@ -295,6 +295,23 @@ TEST_F(PrsmCli, ShowsUnitsAndWarnsOfADeviceWithoutItsOwnRow) {
             "INTERNAL_DEVICE_NAME = zq10s80 has no row of its own in SHIM_DATA (did you mean ZQ10S80?)"));
 }
 
+// An input outside its list names the list (the test data's INSTANCE_TYPE_LIST); the logic sheet then
+// gives 0 W, and the warning says the block contributes nothing.
+TEST_F(PrsmCli, NamesTheChoicesOfAListInput) {
+    std::string const choices = "one of LUT_LOGIC, LUT_DRAM, LUT_SRL, REG_FF, REG_X, OFMUX, BYP, LOOKAHEAD8";
+    HostRun const json = prsm({"calc", "TalvexCleLogic", "INSTANCE_TYPE=NOPE", "--json"});
+    ASSERT_EQ(json.status, 0) << json.err;
+    EXPECT_EQ(nlohmann::json::parse(json.out)["outputs"]["LOGIC_POWER"].get<double>(), 0.0);
+    EXPECT_TRUE(has(json.err, "prsm: warning: INSTANCE_TYPE = NOPE is invalid (valid when " + choices +
+                                  "); calculated anyway: the block gives 0 W and contributes nothing\n"))
+        << json.err;
+    HostRun const table = prsm({"calc", "TalvexCleLogic", "INSTANCE_TYPE=NOPE"});
+    EXPECT_TRUE(has(table.out, "NOPE") && has(table.out, choices + "\n")) << table.out;
+    EXPECT_TRUE(
+        has(table.out, "With INSTANCE_TYPE outside its list the block gives 0 W and contributes nothing.\n"))
+        << table.out;
+}
+
 // A sheet with hundreds of outputs shows the ones a glob selects.
 TEST_F(PrsmCli, ShowsTheOutputsAGlobSelects) {
     HostRun const run = prsm({"calc", "TalvexStatic", "JUNCTION_TEMPERATURE=100", "PROCESS=MAX", "--json",
