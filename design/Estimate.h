@@ -78,7 +78,7 @@ struct Report {
     std::string staticModel;  // empty when the design names no static sheet
     // False when a block failed or the thermal loop ran away: the totals below are then not a result.
     bool complete = true;
-    std::vector<std::string> failures;  // one line per failed block, or the thermal runaway
+    std::vector<std::string> failures;  // one line per failed block, static sheet or board, and a runaway
     std::vector<RailResult> rails;
     std::vector<BlockResult> blocks;
     std::vector<RegionResult> regions;
@@ -121,9 +121,9 @@ public:
     // A rail's voltage, as if the file gave it under /rails: the blocks that take it or draw a current
     // from it recalculate, and loads given as a current follow. Throws DesignError for a rail not in use.
     void setRailVoltage(std::string const& rail, double volts);
-    // Every rail in use, in the engine's order, with its voltage.
     // Back to the file's rail voltages: every setRailVoltage since is undone.
     void clearRailVoltages();
+    // Every rail in use, in the engine's order, with its voltage.
     std::vector<std::pair<std::string, double>> railVoltages() const;
 
     Design const& design() const;

@@ -104,7 +104,7 @@ Sheet const& findSheet(std::string const& name) {
 }
 
 int runRequest(Request const& request, DataDirChoice const& dataDir, std::ostream& out, std::ostream& err) {
-    // Without data the library fails with a message of its own that names nothing; say why first.
+    // Without any data every model fails to load; say why first.
     if (dataDir.source == DataDirSource::None && request.command != Command::Models)
         printLines(err, "warning: ", describeDataDir(dataDir));
     int code = kExitBadInput;
