@@ -100,9 +100,10 @@ public:
     Estimator(Estimator const&) = delete;
     Estimator& operator=(Estimator const&) = delete;
 
-    // Calculates every block and the static sheet.
+    // Calculates every block, then the static sheet and the module board.
     Report const& estimate();
-    // Calculates the blocks whose inputs changed since the last estimate, then the static sheet.
+    // Calculates the blocks whose inputs changed since the last estimate, then the static sheet and
+    // the module board.
     Report const& update();
     // Changes one input of a block ("static" for the static sheet, "board" for the
     // module board); the next update() recalculates it.
