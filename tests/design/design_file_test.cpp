@@ -80,7 +80,7 @@ TEST(DesignFile, RefusesEachKindOfFault) {
 }
 
 // A block's preset fills the inputs that neither the block nor the design sets. RPU_REALTIME of the
-// shipped preset table: RPU_CORES = 2, CPU_POWER_GATED = 1, DUAL_R5_CLK_FREQ = 800.0, DUAL_R5_LOAD = 70.0,
+// shipped preset table: RPU_CORES = 2, DUAL_R5_CLK_FREQ = 800.0, DUAL_R5_LOAD = 70.0,
 // LPD_GEM1_MODE = "DISABLED", VCCPSFP = VCCPSLP = 0.8 (the design's rails).
 TEST(DesignFile, APresetFillsTheInputsTheBlockLeaves) {
     Design const design =
@@ -100,7 +100,6 @@ TEST(DesignFile, APresetFillsTheInputsTheBlockLeaves) {
     ASSERT_NE(find("RPU_CORES"), nullptr);
     EXPECT_EQ(find("RPU_CORES")->text, "2");
     EXPECT_EQ(find("RPU_CORES")->pointer, "/blocks/0/preset");
-    EXPECT_EQ(find("CPU_POWER_GATED")->text, "1");
     EXPECT_EQ(find("DUAL_R5_CLK_FREQ")->text, "800");
     EXPECT_EQ(find("LPD_GEM1_MODE")->text, "DISABLED");
     // The block's own value wins; the rail voltages stay the design's, skipped without complaint.
