@@ -1,6 +1,8 @@
 #include <prsm/design/Design.h>
 #include <prsm/design/Grades.h>
 #include <prsm/design/Rails.h>
+#include <prsm/framework/PRSMException.h>
+#include <prsm/framework/PRSMSheetPresets.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
 #include <nlohmann/json.hpp>
@@ -53,6 +55,8 @@ std::string formatNumber(double value) {
 class Checker {
 public:
     explicit Checker(std::string source) : m_source(std::move(source)) {}
+
+    std::string const& source() const { return m_source; }
 
     void fail(std::string const& pointer, std::string const& message) {
         m_problems << m_source << ": " << (pointer.empty() ? "/" : pointer) << ": " << message << "\n";
@@ -204,6 +208,45 @@ void readGrades(Checker& check, Device& device) {
 
 enum class Role { Block, Static, Board };
 
+// The inputs that a block's preset sets, as inputs read from the file at `pointer`: those the block's
+// own "inputs" set, and those the design owns (a rail voltage, a device field), are left out.
+std::vector<Input> readPreset(Checker& check, Sheet const& sheet, std::string const& preset,
+                              std::string const& pointer, std::string const& who, Json const* own) {
+    Sheet const* presets = findPresetSheet(sheet);
+    if (presets == nullptr) {
+        check.fail(pointer, who + ": " + sheet.name() + " has no presets");
+        return {};
+    }
+    // The preset sheet's data is needed to read a file that names a preset: a failure to load it is a
+    // data failure, not a problem of the file.
+    auto const reading = [&](std::string const& what, auto read) {
+        try {
+            return read();
+        } catch (PRSMException const& e) {
+            throw DataFileError(check.source() + ": " + pointer + ": reading " + what +
+                                " failed: " + e.what());
+        } catch (std::exception const& e) {
+            throw DataFileError(check.source() + ": " + pointer + ": reading " + what +
+                                " failed: " + e.what());
+        }
+    };
+    std::vector<std::string> const names =
+        reading("the presets of " + presets->name(), [&] { return presetNames(*presets); });
+    if (std::find(names.begin(), names.end(), preset) == names.end()) {
+        std::string choices;
+        for (std::string const& name : names) choices += (choices.empty() ? "" : ",") + name;
+        check.fail(pointer, who + ": " + sheet.name() + " has no preset " + preset + closest(preset, names) +
+                                "; choose " + describeChoices(choices, names.size()));
+        return {};
+    }
+    std::vector<Input> inputs;
+    for (auto const& [cell, text] : reading("preset " + preset + " of " + presets->name(),
+                                            [&] { return prsm::presetInputs(sheet, *presets, preset); }))
+        if ((own == nullptr || !own->contains(cell)) && designOwned(sheet.design(), cell).empty())
+            inputs.push_back({cell, text, pointer});
+    return inputs;
+}
+
 Block readBlock(Checker& check, Json const& json, std::string const& pointer, Role role) {
     bool const isStatic = role == Role::Static;
     Block block;
@@ -213,8 +256,8 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, Ro
         return block;
     }
     check.onlyKeys(json, pointer,
-                   role != Role::Block ? std::set<std::string>{"model", "inputs"}
-                                       : std::set<std::string>{"name", "model", "count", "inputs"});
+                   role != Role::Block ? std::set<std::string>{"model", "preset", "inputs"}
+                                       : std::set<std::string>{"name", "model", "count", "preset", "inputs"});
     if (role == Role::Block) {
         if (auto it = json.find("name"); it == json.end())
             check.fail(pointer, "missing \"name\"");
@@ -257,6 +300,9 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, Ro
             block.count = it->get<int>();
     }
     Json const* inputs = check.object(json, "inputs", pointer, false);
+    if (auto it = json.find("preset"); it != json.end())
+        if (auto preset = check.string(*it, pointer + "/preset"); preset && sheet != nullptr)
+            block.inputs = readPreset(check, *sheet, *preset, pointer + "/preset", who, inputs);
     if (inputs == nullptr) return block;
     for (auto const& [cell, value] : inputs->items()) {
         std::string const at = pointer + "/inputs/" + escapePointer(cell);

@@ -38,14 +38,14 @@ struct Thermal {
 struct Input {
     std::string cell;
     std::string text;     // the value as the sheet's text (numbers in full precision)
-    std::string pointer;  // JSON pointer of the value in the file, for messages
+    std::string pointer;  // JSON pointer of the value in the file (of the preset that set it), for messages
 };
 
 struct Block {
     std::string name;
     std::string model;
     int count = 1;
-    std::vector<Input> inputs;
+    std::vector<Input> inputs;  // the preset's first, when the block names one, then the block's own
     std::string pointer;
 };
 

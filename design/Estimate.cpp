@@ -481,11 +481,20 @@ void Estimator::State::checkValidity(BlockState& block) {
     block.checkValidity = false;
     if (!block.error.empty()) return;
     try {
+        // A block that draws nothing on any rail; with a list input out of its list that is usually why
+        // (an unknown instance type has no capacitance row), and the design's totals lack it.
+        bool const drawsNothing =
+            !block.outputs.empty() &&
+            std::all_of(block.power.begin(), block.power.end(), [](double p) { return p == 0; });
         for (CellInfo const& cell : block.sheet->cells()) {
             if (cell.category != CellCategory::UserInput || cell.validityKey.empty()) continue;
             if (block.instance->isValid(cell.name) != 0) continue;
             std::string message = "value " + block.instance->evaluate(cell.name) + " is not valid";
-            if (!cell.rule.empty()) message += " (" + cell.rule + ")";
+            std::string const rule =
+                cell.hasValidValues ? describeChoices(block.instance->validValues(cell.name)) : cell.rule;
+            if (!rule.empty()) message += " (" + rule + ")";
+            if (cell.hasValidValues && drawsNothing)
+                message += "; the block gives 0 W and contributes nothing";
             block.warnings.push_back({block.given->name, cell.name, message});
         }
     } catch (PRSMException const& e) {

@@ -86,7 +86,7 @@ struct Report {
     std::string voltageCorner;  // the corner of the voltages the design leaves out: nominal, max or min
     // False when a block failed or the thermal loop ran away: the totals below are then not a result.
     bool complete = true;
-    std::vector<std::string> failures;  // one line per failed block, or the thermal runaway
+    std::vector<std::string> failures;  // one line per failed block, static sheet or board, and a runaway
     std::vector<RailResult> rails;
     std::vector<BlockResult> blocks;
     std::vector<RegionResult> regions;
@@ -108,9 +108,10 @@ public:
     Estimator(Estimator const&) = delete;
     Estimator& operator=(Estimator const&) = delete;
 
-    // Calculates every block and the static sheet.
+    // Calculates every block, then the static sheet and the module board.
     Report const& estimate();
-    // Calculates the blocks whose inputs changed since the last estimate, then the static sheet.
+    // Calculates the blocks whose inputs changed since the last estimate, then the static sheet and
+    // the module board.
     Report const& update();
     // Changes one input of a block ("static" for the static sheet, "board" for the
     // module board); the next update() recalculates it.

@@ -119,9 +119,9 @@ void PRSMData::readFile(libconfig::Config* cfg, std::string relative) {
                             " does not parse at line " + std::to_string(place.line) + ": " + e.getError();
         throw;
     } catch (libconfig::FileIOException const&) {
+        // The report is this one line; which file, and what stands in its place, is for hosts to show.
         std::cerr << "I/O error while reading file." << std::endl;
         if (t_lastLoadFailure.empty()) t_lastLoadFailure = "data file " + path.string() + " cannot be read";
-        std::cerr << t_lastLoadFailure << std::endl;
         throw;
     } catch (PRSMException const& e) {
         std::cerr << "PRS Data Exception: " << e.what() << std::endl;

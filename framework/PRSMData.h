@@ -21,8 +21,9 @@ public:
 
     // Locates <dir>/powercfg/<relative> through getQDIDataDir and parses it into `cfg`. A gzip file is
     // decompressed first; any other file that is not text is refused. An @include names a file relative
-    // to the including file's folder, inside the data directories. Failures are reported on standard
-    // error (the first line as always, the detail on the next) and rethrown unchanged.
+    // to the including file's folder, inside the data directories. A failure is reported on standard
+    // error in one line ("Parse error at <file>:<line> - <text>", "I/O error while reading file.",
+    // "PRS Data Exception: <message>") and rethrown unchanged; lastLoadFailure() holds the detail.
     static void readFile(libconfig::Config* cfg, std::string relative);
 
     // Why the last readFile on this thread failed, in one line that names the file (and, for a file

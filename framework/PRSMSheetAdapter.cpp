@@ -1,5 +1,8 @@
+#include <prsm/framework/PRSMData.h>
 #include <prsm/framework/PRSMNumberText.h>
 #include <prsm/framework/PRSMSheetAdapter.h>
+
+#include <libconfig.h++>
 
 #include <cerrno>
 #include <cmath>
@@ -47,6 +50,20 @@ std::string_view keyPart(std::string_view key, std::size_t position) {
 
 void throwUnknownCell(std::string const& sheet, std::string const& name) {
     throw std::invalid_argument("sheet " + sheet + " has no cell " + name);
+}
+
+void rethrowNamingTheDataFile() {
+    try {
+        throw;
+    } catch (libconfig::FileIOException const&) {
+        std::string const detail = PRSMData::lastLoadFailure();
+        throw DataFileError(detail.empty() ? std::string("a data file cannot be read") : detail);
+    } catch (libconfig::ParseException const& e) {
+        std::string const detail = PRSMData::lastLoadFailure();
+        throw DataFileError(detail.empty() ? std::string("a data file does not parse at line ") +
+                                                 std::to_string(e.getLine()) + ": " + e.getError()
+                                           : detail);
+    }
 }
 
 }  // namespace prsm

@@ -23,6 +23,9 @@ int parseIntCell(std::string const& name, std::string const& text);
 float parseFloatCell(std::string const& name, std::string const& text);
 std::string formatFloatCell(float value);
 [[noreturn]] void throwUnknownCell(std::string const& sheet, std::string const& name);
+// Call inside a catch block: a data file that could not be found, read or parsed becomes DataFileError
+// naming the file; anything else is rethrown as it is.
+[[noreturn]] void rethrowNamingTheDataFile();
 
 // The `position`-th "."-separated part of a table key; empty when the key has fewer parts.
 std::string_view keyPart(std::string_view key, std::size_t position);
@@ -90,6 +93,15 @@ private:
         return m_slots;
     }
 
+    // The sheet's data, loaded on first use.
+    static Data const& loadedData() {
+        try {
+            return Data::getGlobal();
+        } catch (...) {
+            rethrowNamingTheDataFile();
+        }
+    }
+
     class Instance final : public SheetInstance {
     public:
         explicit Instance(GeneratedSheet const& sheet) : m_sheet(sheet) {}
@@ -117,7 +129,7 @@ private:
 
         std::string evaluate(std::string const& name) override {
             Model const& model = Model::getGlobal();
-            Data const& data = Data::getGlobal();
+            Data const& data = loadedData();
             if (Params::string_to_int_enum(name) < Params::LastInt)
                 return std::to_string(model.intDispatchTable(m_params, data, name));
             if (Params::string_to_float_enum(name) < Params::LastFloat)
@@ -130,14 +142,17 @@ private:
         int isValid(std::string const& input) override {
             CellInfo const* cell = m_sheet.findCell(input);
             if (cell == nullptr || cell->validityKey.empty()) return 1;
-            return Model::getGlobal().intDispatchTable(m_params, Data::getGlobal(), cell->validityKey);
+            return Model::getGlobal().intDispatchTable(m_params, loadedData(), cell->validityKey);
         }
 
         std::string validValues(std::string const& input) override {
-            return m_sheet.m_validValues(Model::getGlobal(), m_params, Data::getGlobal(), input);
+            return m_sheet.m_validValues(Model::getGlobal(), m_params, loadedData(), input);
         }
 
-        void calculate() override { Model::getGlobal().calculate(m_params); }
+        void calculate() override {
+            loadedData();  // the model fetches it again, loaded
+            Model::getGlobal().calculate(m_params);
+        }
         void resetUserInputs() override { m_params.resetUserInputs(); }
         std::string reflect() const override { return m_params.reflect(); }
 
@@ -145,7 +160,7 @@ private:
             auto const s = Params::string_to_string_enum(input);
             if (m_sheet.m_rowsLacking == nullptr || s >= Params::LastString || m_params[s] == kStringNotSet)
                 return {};
-            return m_sheet.m_rowsLacking(Data::getGlobal(), input, m_params[s]);
+            return m_sheet.m_rowsLacking(loadedData(), input, m_params[s]);
         }
 
         double storedNumber(std::size_t cell) const override {

@@ -28,6 +28,20 @@ char const* toString(CellCategory category) {
     return "";
 }
 
+std::string describeChoices(std::string const& validValues, std::size_t shown) {
+    std::string text;
+    std::size_t count = 0;
+    for (std::size_t start = 0; start <= validValues.size();) {
+        std::size_t const end = std::min(validValues.find(',', start), validValues.size());
+        if (end > start && count++ < shown)
+            text += (text.empty() ? "one of " : ", ") + validValues.substr(start, end - start);
+        start = end + 1;
+    }
+    if (count == 0) return "no value: its list of valid values is empty";
+    if (count > shown) text += ", ... (" + std::to_string(count - shown) + " more)";
+    return text;
+}
+
 CellInfo const* Sheet::findCell(std::string const& name) const {
     for (CellInfo const& cell : cells())
         if (cell.name == name) return &cell;

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,10 @@ struct CellInfo {
     std::string aboveZeroWarning;
 };
 
+// A list input's valid choices (the comma-separated text of SheetInstance::validValues) for a message:
+// "one of A, B, C"; of a longer list the first `shown`, then "... (N more)".
+std::string describeChoices(std::string const& validValues, std::size_t shown = 8);
+
 // A table whose rows are keyed by a string input's value (one of the table's keys is named like the
 // input: "device" for DEVICE) and that has no row for the value the input holds. The formulas then
 // fall back to a default row or value, or fail when they have none.
@@ -42,7 +47,17 @@ struct MissingRow {
     std::vector<std::string> values;  // the values its rows do have at that key, sorted
 };
 
-// One parameter set of a sheet, driven by cell names and text values.
+// A data file that a sheet needs could not be found, read or parsed. A sheet instance throws it in
+// place of the configuration library's exceptions, which name no file: what() is the loader's one-line
+// account (PRSMData::lastLoadFailure()), taken on the thread that failed. The library has already
+// printed its own one-line report on standard error.
+class DataFileError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// One parameter set of a sheet, driven by cell names and text values. Every call that evaluates
+// something loads the sheet's data on first use, and throws DataFileError when it cannot.
 class SheetInstance {
 public:
     virtual ~SheetInstance() = default;

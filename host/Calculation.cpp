@@ -35,6 +35,15 @@ std::string filledWarning(std::string message, CellType type, std::string const&
     return message;
 }
 
+// Whether every output that the sheet declares as a power or current on a rail is 0.
+bool drawsNothing(SheetDesign const& declared, SheetInstance& instance) {
+    if (declared.powerOutputs.empty() && declared.currentOutputs.empty()) return false;
+    for (auto const* outputs : {&declared.powerOutputs, &declared.currentOutputs})
+        for (auto const& [cell, rail] : *outputs)
+            if (std::strtod(instance.evaluate(cell).c_str(), nullptr) != 0) return false;
+    return true;
+}
+
 }  // namespace
 
 std::vector<std::string> declaredWarnings(CellInfo const& cell, std::string const& text) {
@@ -100,6 +109,7 @@ CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& 
             }
             result.inputs.push_back({cell.name, cell.type, std::move(value), cell.unit});
         }
+        result.drawsNothing = drawsNothing(sheet.design(), *instance);
         result.dump = instance->reflect();
     } catch (...) {
         throw HostError(kExitDataFailure,

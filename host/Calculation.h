@@ -35,6 +35,7 @@ struct CalcResult {
     std::string dump;                   // the parameter set's reflect() text after all of the above
     std::vector<std::string> warnings;  // e.g. a device that has no row of its own in a table, or a
                                         // value the sheet's table asks to warn about (in cell order)
+    bool drawsNothing = false;          // the sheet declares power or current outputs, and all are 0
 };
 
 // The warning for a string input whose value has no row in tables that its default has rows in; empty

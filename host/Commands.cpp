@@ -5,12 +5,11 @@
 #include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Inputs.h>
+#include <prsm/host/OutputPatterns.h>
 #include <prsm/host/Presets.h>
 #include <prsm/host/Render.h>
 #include <prsm/host/Suggest.h>
 #include <prsm/host/SweepCommand.h>
-
-#include <fnmatch.h>
 
 #include <cerrno>
 #include <cstring>
@@ -44,15 +43,18 @@ int runPresets(Sheet const& sheet, std::ostream& out) {
     return kExitOk;
 }
 
-// Keeps the outputs whose name matches the glob; a glob that matches none is a usage error.
-void keepMatchingOutputs(CalcResult& result, std::string const& glob) {
+// Keeps the outputs that the `--outputs` list picks; a pattern that matches none is a usage error.
+void keepPickedOutputs(CalcResult& result, std::string const& list) {
+    std::vector<std::string> const patterns = parseOutputPatterns(list);
+    if (patterns.empty()) return;
+    std::vector<std::string> names;
+    for (CellValue const& output : result.outputs) names.push_back(output.name);
+    std::vector<bool> const picked =
+        pickOutputs(names, patterns, result.model,
+                    "`prsm cells " + result.model + " --category output` lists the outputs");
     std::vector<CellValue> kept;
-    for (CellValue& output : result.outputs)
-        if (::fnmatch(glob.c_str(), output.name.c_str(), 0) == 0) kept.push_back(std::move(output));
-    if (kept.empty())
-        throw HostError(kExitBadInput, "no output of " + result.model + " matches " + glob +
-                                           "; `prsm cells " + result.model +
-                                           " --category output` lists them");
+    for (std::size_t i = 0; i < names.size(); ++i)
+        if (picked[i]) kept.push_back(std::move(result.outputs[i]));
     result.outputs = std::move(kept);
 }
 
@@ -70,7 +72,7 @@ int runCalc(Request const& request, std::ostream& out, std::ostream& err) {
 
     CalcResult result = runCalculation(sheet, inputs);
     for (std::string const& line : result.warnings) printLines(err, "warning: ", line);
-    if (!request.outputs.empty()) keepMatchingOutputs(result, request.outputs);
+    keepPickedOutputs(result, request.outputs);
     switch (request.format) {
         case OutputFormat::Table:
         case OutputFormat::Csv:  // `calc` offers no CSV
@@ -102,7 +104,7 @@ Sheet const& findSheet(std::string const& name) {
 }
 
 int runRequest(Request const& request, DataDirChoice const& dataDir, std::ostream& out, std::ostream& err) {
-    // Without data the library fails with a message of its own that names nothing; say why first.
+    // Without any data every model fails to load; say why first.
     if (dataDir.source == DataDirSource::None && request.command != Command::Models)
         printLines(err, "warning: ", describeDataDir(dataDir));
     int code = kExitBadInput;

@@ -1,5 +1,6 @@
 #pragma once
-// The three commands, from a parsed request to text on the two streams and an exit status.
+// The commands (models, cells, calc, presets, sweep, estimate), from a parsed request to text on the
+// two streams and an exit status.
 
 #include <prsm/framework/PRSMSheetRegistry.h>
 #include <prsm/host/DataDir.h>

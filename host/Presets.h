@@ -1,8 +1,6 @@
 #pragma once
-// Presets: ready-made input sets of a sheet, held by a companion sheet registered under the sheet's name
-// followed by "Preset" (TalvexPss -> TalvexPssPreset). The companion's string input PRESET selects one
-// set; each of its outputs that carries the name of an input of the sheet holds that input's value, and
-// an output DESCRIPTION, when present, says what the preset models. Nothing here names a sheet.
+// The presets of a sheet for `prsm presets` and `prsm calc --preset` (framework/PRSMSheetPresets.h),
+// their failures turned into the host's errors.
 
 #include <prsm/framework/PRSMSheetRegistry.h>
 #include <prsm/host/Inputs.h>
@@ -16,9 +14,6 @@ struct PresetInfo {
     std::string name;
     std::string description;  // empty when the preset sheet has none
 };
-
-// The companion preset sheet of `sheet`, or nullptr.
-Sheet const* findPresetSheet(Sheet const& sheet);
 
 // Every preset of the sheet, in the order of the preset sheet's valid values. Throws
 // HostError(kExitBadInput) when the sheet has no presets, HostError(kExitDataFailure) when the preset

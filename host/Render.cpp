@@ -14,11 +14,15 @@ std::string shown(CellType type, std::string const& text) {
 }
 
 std::string validWhen(InputCheck const& check) {
-    if (check.choices.empty()) return check.rule;
-    std::string text = "one of ";
-    for (char c : check.choices) text += c == ',' ? std::string(", ") : std::string(1, c);
-    return text;
+    return check.choices.empty() ? check.rule : describeChoices(check.choices);
 }
+
+// An input outside its list while the block draws nothing: most likely the reason, say so.
+bool explainsZeroPower(CalcResult const& result, InputCheck const& check) {
+    return result.drawsNothing && !check.choices.empty();
+}
+
+constexpr char kContributesNothing[] = "the block gives 0 W and contributes nothing";
 
 }  // namespace
 
@@ -49,6 +53,11 @@ std::string renderCalcTable(CalcResult const& result) {
         text += "\nINVALID inputs (calculated anyway)\n";
         text += formatTable({"input", "value", "unit", "valid when"}, invalid);
     }
+    for (InputCheck const& check : result.checks)
+        if (!check.valid && explainsZeroPower(result, check)) {
+            text += "With " + check.name + " outside its list " + kContributesNothing + ".\n";
+            break;
+        }
     return text;
 }
 
@@ -73,9 +82,11 @@ std::vector<std::string> invalidInputWarnings(CalcResult const& result) {
     std::vector<std::string> lines;
     for (InputCheck const& check : result.checks)
         if (!check.valid)
-            lines.push_back(check.name + " = " + shown(check.type, check.value) +
-                            (check.unit.empty() ? "" : " " + check.unit) + " is invalid (valid when " +
-                            validWhen(check) + "); calculated anyway");
+            lines.push_back(
+                check.name + " = " + shown(check.type, check.value) +
+                (check.unit.empty() ? "" : " " + check.unit) + " is invalid (valid when " + validWhen(check) +
+                "); calculated anyway" +
+                (explainsZeroPower(result, check) ? std::string(": ") + kContributesNothing : ""));
     return lines;
 }
 

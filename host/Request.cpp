@@ -36,7 +36,8 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
         "--preset", request.preset,
         "Start from a ready-made input set (the file and NAME=VALUE override it); `list` lists them");
     calc->add_option("--outputs", request.outputs,
-                     "Show only the outputs whose name matches a glob, e.g. '*_STATIC_CURRENT'");
+                     "Show only these outputs: comma-separated names or globs, e.g. "
+                     "'*_STATIC_CURRENT,TOTAL_STATIC_POWER'");
     CLI::Option* json = calc->add_flag("--json", "Print model, inputs, outputs, validity and units as JSON");
     CLI::Option* reflect = calc->add_flag("--reflect", "Print the parameter set's full text dump");
     json->excludes(reflect);

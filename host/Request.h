@@ -13,7 +13,7 @@ enum class OutputFormat { Table, Json, Reflect, Csv };
 
 // `sweep`: which outputs, the output format and the picture.
 struct SweepSettings {
-    std::string outputs;  // comma-separated names or patterns; empty for all
+    std::string outputs;  // comma-separated names or globs; empty for the target's default outputs
     bool csv = false;
     bool json = false;
     std::string plot;  // FILE.png or FILE.svg; empty for none
@@ -29,7 +29,7 @@ struct Request {
     std::string designFile;  // `estimate`: the design file
     OutputFormat format = OutputFormat::Table;
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
-    std::string outputs;   // `calc`: show only the outputs whose name matches this glob; empty for all
+    std::string outputs;   // `calc`: comma-separated names or globs of the outputs shown; empty for all
     bool verbose = false;
     SweepSettings sweep;
 };

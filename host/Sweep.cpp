@@ -1,5 +1,6 @@
 #include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
+#include <prsm/host/OutputPatterns.h>
 #include <prsm/host/Sweep.h>
 #include <prsm/host/Values.h>
 
@@ -128,14 +129,6 @@ Column parseList(Quantity const& quantity, std::string const& text) {
     return column;
 }
 
-bool globMatch(char const* pattern, char const* name) {
-    if (*pattern == '\0') return *name == '\0';
-    if (*pattern == '*')
-        return globMatch(pattern + 1, name) || (*name != '\0' && globMatch(pattern, name + 1));
-    if (*name == '\0') return false;
-    return (*pattern == '?' || *pattern == *name) && globMatch(pattern + 1, name + 1);
-}
-
 std::string pointText(std::vector<Column> const& points, std::size_t point) {
     std::string text;
     for (Column const& column : points) {
@@ -253,24 +246,16 @@ std::vector<Column> gridPoints(std::vector<Column> const& axes) {
     return points;
 }
 
-std::vector<Quantity> selectOutputs(SweepTarget const& target, std::string const& patterns) {
-    if (trim(patterns).empty()) return target.defaultOutputs();
-    std::vector<std::string> wanted;
-    for (std::string const& pattern : split(patterns, ',')) wanted.push_back(trim(pattern));
+std::vector<Quantity> selectOutputs(SweepTarget const& target, std::string const& list) {
+    std::vector<std::string> const patterns = parseOutputPatterns(list);
+    if (patterns.empty()) return target.defaultOutputs();
+    std::vector<Quantity> const& outputs = target.outputs();
+    std::vector<std::string> names;
+    for (Quantity const& output : outputs) names.push_back(output.name);
+    std::vector<bool> const picked = pickOutputs(names, patterns, target.name(), target.outputsHint());
     std::vector<Quantity> selected;
-    for (Quantity const& output : target.outputs())
-        if (std::any_of(wanted.begin(), wanted.end(), [&](std::string const& pattern) {
-                return globMatch(pattern.c_str(), output.name.c_str());
-            }))
-            selected.push_back(output);
-    for (std::string const& pattern : wanted) {
-        bool const matched = std::any_of(selected.begin(), selected.end(), [&](Quantity const& output) {
-            return globMatch(pattern.c_str(), output.name.c_str());
-        });
-        if (!matched)
-            throw HostError(kExitBadInput, "no output of " + target.name() + " matches \"" + pattern +
-                                               "\"; " + target.outputsHint());
-    }
+    for (std::size_t i = 0; i < outputs.size(); ++i)
+        if (picked[i]) selected.push_back(outputs[i]);
     return selected;
 }
 

@@ -49,10 +49,10 @@ Column parseFixedValue(Quantity const& quantity, std::string const& text);
 // HostError(kExitBadInput) when there are more than two axes.
 std::vector<Column> gridPoints(std::vector<Column> const& axes);
 
-// The outputs whose names match one of the comma-separated patterns ("*" any run, "?" one character),
-// in the target's order; every output for an empty pattern. Throws HostError(kExitBadInput) when a
-// pattern matches nothing.
-std::vector<Quantity> selectOutputs(SweepTarget const& target, std::string const& patterns);
+// The outputs that an `--outputs` list picks (host/OutputPatterns.h), in the target's order; the
+// target's default outputs for a blank list. Throws HostError(kExitBadInput) when a pattern matches
+// nothing.
+std::vector<Quantity> selectOutputs(SweepTarget const& target, std::string const& list);
 
 struct SweepOptions {
     unsigned threads = 0;  // 0: one per hardware thread

@@ -116,8 +116,10 @@ CLI::App* addSweepSubcommand(CLI::App& app, Request& request) {
         "VAR=START:STOP:STEP or VAR=a,b,c (one or two variables), NAME=VALUE (fixed inputs); for a "
         "design BLOCK.CELL, *.CELL, static.CELL, rail.RAIL, junction_temperature, "
         "ambient_temperature, theta_ja");
-    sweep->add_option("--outputs", request.sweep.outputs,
-                      "Outputs to keep: comma-separated names or patterns with * and ? (default: all)");
+    sweep->add_option(
+        "--outputs", request.sweep.outputs,
+        "Outputs to keep: comma-separated names or patterns with * and ? (default: a model's every "
+        "output, a design's totals)");
     CLI::Option* csv = sweep->add_flag("--csv", request.sweep.csv, "Print the rows as CSV");
     CLI::Option* json = sweep->add_flag("--json", request.sweep.json, "Print the rows as JSON");
     csv->excludes(json);

@@ -224,6 +224,29 @@ TEST(DesignEstimate, FailedBlockAndInvalidInputsAreNamed) {
     EXPECT_EQ(report.warnings[1].cell, "MODE");
 }
 
+// An input outside its list names the list it should come from (the test data's INSTANCE_TYPE_LIST),
+// and says that the block, which then draws nothing, is missing from the totals.
+TEST(DesignEstimate, AnInputOutsideItsListNamesTheChoices) {
+    auto warningsOn = [](std::string const& type) {
+        Design const design = parseDesign(R"({"schema_version": 1, "device": {"part": "ZQVC1902"},
+          "thermal": {"junction_temperature": 50}, "blocks": [{"name": "l", "model": "TalvexCleLogic",
+          "inputs": {"INSTANCE_COUNT": 1000, "INSTANCE_TYPE": ")" +
+                                              type + R"("}}]})",
+                                          "inline.json");
+        Report const report = Estimator(design).estimate();
+        EXPECT_TRUE(report.complete);
+        std::vector<std::string> messages;
+        for (Warning const& w : report.warnings)
+            if (w.cell == "INSTANCE_TYPE") messages.push_back(w.message);
+        return messages;
+    };
+    EXPECT_EQ(warningsOn("NOPE"), std::vector<std::string>{
+                                      "value NOPE is not valid (one of LUT_LOGIC, LUT_DRAM, LUT_SRL, REG_FF, "
+                                      "REG_X, OFMUX, BYP, LOOKAHEAD8); the block gives 0 W and contributes "
+                                      "nothing"});
+    EXPECT_TRUE(warningsOn("REG_X").empty());
+}
+
 TEST(DesignEstimate, ShippedSheetsDeclareTheirRails) {
     prsm::Sheet const* logic = prsm::SheetRegistry::instance().find("TalvexCleLogic");
     ASSERT_NE(logic, nullptr);

@@ -79,6 +79,45 @@ TEST(DesignFile, RefusesEachKindOfFault) {
         "");
 }
 
+// A block's preset fills the inputs that neither the block nor the design sets. RPU_REALTIME of the
+// shipped preset table: RPU_CORES = 2, DUAL_R5_CLK_FREQ = 800.0, DUAL_R5_LOAD = 70.0,
+// LPD_GEM1_MODE = "DISABLED", VCCPSFP = VCCPSLP = 0.8 (the design's rails).
+TEST(DesignFile, APresetFillsTheInputsTheBlockLeaves) {
+    Design const design =
+        parseDesign(withBlocks(R"({"name": "ps", "model": "TalvexPss", "preset": "RPU_REALTIME",
+                       "inputs": {"DUAL_R5_LOAD": 100}})"),
+                    "ps.json");
+    std::vector<Input> const& inputs = design.blocks.at(0).inputs;
+    auto find = [&](std::string const& cell) -> Input const* {
+        Input const* found = nullptr;
+        for (Input const& input : inputs)
+            if (input.cell == cell) {
+                EXPECT_EQ(found, nullptr) << cell << " is set twice";
+                found = &input;
+            }
+        return found;
+    };
+    ASSERT_NE(find("RPU_CORES"), nullptr);
+    EXPECT_EQ(find("RPU_CORES")->text, "2");
+    EXPECT_EQ(find("RPU_CORES")->pointer, "/blocks/0/preset");
+    EXPECT_EQ(find("DUAL_R5_CLK_FREQ")->text, "800");
+    EXPECT_EQ(find("LPD_GEM1_MODE")->text, "DISABLED");
+    // The block's own value wins; the rail voltages stay the design's, skipped without complaint.
+    EXPECT_EQ(find("DUAL_R5_LOAD")->text, "100");
+    EXPECT_EQ(find("DUAL_R5_LOAD")->pointer, "/blocks/0/inputs/DUAL_R5_LOAD");
+    EXPECT_EQ(find("VCCPSFP"), nullptr);
+    EXPECT_EQ(find("VCCPSLP"), nullptr);
+
+    std::string m = refusal(withBlocks(R"({"name": "a", "model": "TalvexPss", "preset": "LINUX_HEAVVY"})"));
+    EXPECT_MENTIONS(m,
+                    "bad.json: /blocks/0/preset: block \"a\": TalvexPss has no preset LINUX_HEAVVY (did you "
+                    "mean LINUX_HEAVY?); choose one of LINUX_HEAVY, LINUX_IDLE, LINUX_LIGHT, RPU_REALTIME");
+    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "preset": "FAST"})"));
+    EXPECT_MENTIONS(m, "bad.json: /blocks/0/preset: block \"a\": TestLoad has no presets");
+    m = refusal(withBlocks(R"({"name": "a", "model": "TalvexPss", "preset": 1})"));
+    EXPECT_MENTIONS(m, "bad.json: /blocks/0/preset: a string expected, found an integer");
+}
+
 TEST(DesignFile, MalformedFileNamesTheFile) {
     std::string const path = std::string(PRSM_TEST_DESIGNDIR) + "/malformed.json";
     try {

@@ -108,6 +108,17 @@ TEST(Model, RegistryDrivesTheSheetByName) {
     EXPECT_EQ(instance->validValues("MODE"), "FAST,SLOW");
 }
 
+// Messages name a list input's valid choices; a long list is cut after `shown` of them.
+TEST(Model, ChoicesAreNamedAndLongListsShortened) {
+    EXPECT_EQ(prsm::describeChoices("FAST,SLOW"), "one of FAST, SLOW");
+    EXPECT_EQ(prsm::describeChoices("A,B,C,D,E,F,G,H"), "one of A, B, C, D, E, F, G, H");  // 8: all of them
+    // 11 choices, 8 shown: 11 - 8 = 3 more.
+    EXPECT_EQ(prsm::describeChoices("A,B,C,D,E,F,G,H,I,J,K"), "one of A, B, C, D, E, F, G, H, ... (3 more)");
+    EXPECT_EQ(prsm::describeChoices("A,B,C", 2), "one of A, B, ... (1 more)");
+    EXPECT_EQ(prsm::describeChoices(",A,,B,"), "one of A, B");  // empty items are no choice
+    EXPECT_EQ(prsm::describeChoices(""), "no value: its list of valid values is empty");
+}
+
 TEST(Exception, MessageNamesTheFunction) {
     PRSMException const e("bad things", "f");
     EXPECT_STREQ(e.what(), "PRS Exception: bad things [ in function: f ]");

@@ -6,6 +6,7 @@
 #include <prsm/host/Commands.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Inputs.h>
+#include <prsm/host/OutputPatterns.h>
 #include <prsm/host/Plot.h>
 #include <prsm/host/Request.h>
 #include <prsm/host/Sweep.h>
@@ -109,6 +110,27 @@ TEST(SweepValues, RejectsBadRangesListsAndValuesWithTheirName) {
     EXPECT_EQ(chosen[0].name, "COUNT_OUT");
     EXPECT_EQ(chosen[1].name, "LABEL");
     EXPECT_EQ(selectOutputs(sampler(), "").size(), 3u);
+}
+
+// `calc --outputs` and `sweep --outputs` read the same list.
+TEST(OutputPatterns, ListsOfNamesAndGlobs) {
+    EXPECT_TRUE(globMatch("*", ""));
+    EXPECT_TRUE(globMatch("A*B*C", "AxxBxBxC"));  // the second "*" must give back the first B
+    EXPECT_FALSE(globMatch("A*B*C", "AxxBxBx"));
+    EXPECT_FALSE(globMatch("?", ""));
+    EXPECT_FALSE(globMatch("TOTAL", "TOTAL_POWER"));  // the whole name, not a prefix
+    // Many stars and no match: exponential for a matcher that retries every star, quick here.
+    EXPECT_FALSE(globMatch(std::string(40, '*') + "B", std::string(200, 'A')));
+
+    EXPECT_TRUE(parseOutputPatterns(" \t").empty());
+    EXPECT_EQ(parseOutputPatterns("A, B* ,C"), (std::vector<std::string>{"A", "B*", "C"}));
+    EXPECT_EQ(hostFailure(kExitBadInput, [] { parseOutputPatterns("A,,B"); }),
+              "the list of outputs (\"A,,B\") has an empty item");
+
+    // Two patterns may pick the same name; one that picks none is refused (selectOutputs, above).
+    std::vector<std::string> const names{"X_POWER", "Y_CURRENT", "Y_POWER", "Z"};
+    EXPECT_EQ(pickOutputs(names, {"Y_*", "*_POWER"}, "M", "hint"),
+              (std::vector<bool>{true, true, true, false}));
 }
 
 // With RATE = r and the other inputs at their defaults, SCALE = 2r and both lane loads are r, so
