@@ -67,16 +67,6 @@ TEST(HostDeclaredWarnings, EachRegulatorOverItsRatingIsNamedWithItsExcessInMilli
         EXPECT_NE(line.find(" mW (DA9"), std::string::npos) << line;
 }
 
-TEST(HostDeclaredWarnings, FillsValueAndUnitAndSkipsValuesThatAreNone) {
-    CellInfo cell{"X", CellType::Float,        CellCategory::ModelOutput, "", "", "", false,
-                  "",  "{value} {unit} below", "{value}{unit} above"};
-    EXPECT_EQ(declaredWarnings(cell, "-0.5"), std::vector<std::string>{"-0.5 below"});  // no blank left
-    cell.unit = "mW";
-    EXPECT_EQ(declaredWarnings(cell, "2"), std::vector<std::string>{"2mW above"});
-    EXPECT_TRUE(declaredWarnings(cell, "0").empty());
-    EXPECT_TRUE(declaredWarnings(cell, "3.4028235e+38").empty());  // not computed: no value to judge
-}
-
 }  // namespace
 }  // namespace prsm::host
 
