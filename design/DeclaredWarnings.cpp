@@ -29,7 +29,8 @@ std::string shown(CellType type, double value, std::string const& text) {
 }
 
 void replaceAll(std::string& message, std::string const& field, std::string const& by) {
-    for (std::size_t at = message.find(field); at != std::string::npos; at = message.find(field, at + by.size()))
+    for (std::size_t at = message.find(field); at != std::string::npos;
+         at = message.find(field, at + by.size()))
         message.replace(at, field.size(), by);
 }
 
@@ -48,7 +49,8 @@ bool hasDeclaredWarnings(CellInfo const& cell) {
            !cell.outside.message.empty();
 }
 
-std::vector<std::string> declaredWarnings(CellInfo const& cell, std::string const& text, SheetInstance& instance) {
+std::vector<std::string> declaredWarnings(CellInfo const& cell, std::string const& text,
+                                          SheetInstance& instance) {
     std::vector<std::string> lines;
     if (cell.type == CellType::String || !hasDeclaredWarnings(cell)) return lines;
     std::optional<double> const value = numberOf(cell.type, text);
@@ -62,8 +64,9 @@ std::vector<std::string> declaredWarnings(CellInfo const& cell, std::string cons
         lines.push_back(std::move(message));
     };
     if (!value) {
-        bool const noValue = text == std::to_string(kIntNotSet) || text == std::to_string(kIntUnset) ||
-                             (cell.type == CellType::Float && std::strtof(text.c_str(), nullptr) == kFloatNotSet);
+        bool const noValue =
+            text == std::to_string(kIntNotSet) || text == std::to_string(kIntUnset) ||
+            (cell.type == CellType::Float && std::strtof(text.c_str(), nullptr) == kFloatNotSet);
         if (noValue && !cell.noValueWarning.empty()) add(cell.noValueWarning);
         return lines;
     }
@@ -81,7 +84,8 @@ std::vector<std::string> declaredWarnings(CellInfo const& cell, std::string cons
     return lines;
 }
 
-std::vector<std::pair<std::string, std::string>> declaredWarnings(Sheet const& sheet, SheetInstance& instance) {
+std::vector<std::pair<std::string, std::string>> declaredWarnings(Sheet const& sheet,
+                                                                  SheetInstance& instance) {
     std::vector<std::pair<std::string, std::string>> warnings;
     for (CellInfo const& cell : sheet.cells()) {
         if (!hasDeclaredWarnings(cell)) continue;

@@ -19,9 +19,11 @@ bool hasDeclaredWarnings(CellInfo const& cell);
 // names a cell is evaluated on `instance`; a bound without a value skips that side. The no-value message
 // is for a reserved "no value" result; the other checks pass over it, over strings and over text that
 // is not a number.
-std::vector<std::string> declaredWarnings(CellInfo const& cell, std::string const& text, SheetInstance& instance);
+std::vector<std::string> declaredWarnings(CellInfo const& cell, std::string const& text,
+                                          SheetInstance& instance);
 
 // Every declared warning of a calculated parameter set of the sheet, as (cell, message), in cell order.
-std::vector<std::pair<std::string, std::string>> declaredWarnings(Sheet const& sheet, SheetInstance& instance);
+std::vector<std::pair<std::string, std::string>> declaredWarnings(Sheet const& sheet,
+                                                                  SheetInstance& instance);
 
 }  // namespace prsm::design

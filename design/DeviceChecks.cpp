@@ -24,7 +24,8 @@ std::optional<double> evaluated(SheetInstance& instance, std::string const& cell
     std::string const text = instance.evaluate(cell);
     char* end = nullptr;
     float const value = std::strtof(text.c_str(), &end);
-    if (end == text.c_str() || *end != '\0' || value == kFloatNotSet || value == kFloatAbsent) return std::nullopt;
+    if (end == text.c_str() || *end != '\0' || value == kFloatNotSet || value == kFloatAbsent)
+        return std::nullopt;
     return value;
 }
 
@@ -48,9 +49,13 @@ std::string volts(double v) {
     return shortestFloatText(static_cast<float>(v)) + " V";
 }
 
+std::string text(VoltageRange const& range) {
+    return shortestFloatText(static_cast<float>(range.low)) + " .. " + volts(range.high);
+}
+
 // The static sheet's parameter set for one voltage grade: the design's device and the sheet's inputs.
-std::unique_ptr<SheetInstance> staticsFor(Sheet const& sheet, Design const& design, std::string const& gradeInput,
-                                          std::string const& grade) {
+std::unique_ptr<SheetInstance> staticsFor(Sheet const& sheet, Design const& design,
+                                          std::string const& gradeInput, std::string const& grade) {
     std::unique_ptr<SheetInstance> instance = sheet.create();
     for (auto const& [cell, field] : sheet.design().deviceInputs)
         if (std::string const* value = design.device.find(field)) instance->set(cell, *value);
@@ -61,10 +66,12 @@ std::unique_ptr<SheetInstance> staticsFor(Sheet const& sheet, Design const& desi
 
 std::vector<Warning> gradeWarnings(Design const& design, std::vector<std::string> const& rails,
                                    std::vector<double> const& voltage) {
-    Sheet const* sheet = design.staticSheet ? SheetRegistry::instance().find(design.staticSheet->model) : nullptr;
+    Sheet const* sheet =
+        design.staticSheet ? SheetRegistry::instance().find(design.staticSheet->model) : nullptr;
     if (sheet == nullptr) return {};
-    auto const grading = std::find_if(sheet->design().deviceInputs.begin(), sheet->design().deviceInputs.end(),
-                                      [](auto const& entry) { return entry.second == "voltage_grade"; });
+    auto const grading =
+        std::find_if(sheet->design().deviceInputs.begin(), sheet->design().deviceInputs.end(),
+                     [](auto const& entry) { return entry.second == "voltage_grade"; });
     if (grading == sheet->design().deviceInputs.end()) return {};
     std::string const& gradeInput = grading->first;
 
@@ -94,7 +101,8 @@ std::vector<Warning> gradeWarnings(Design const& design, std::vector<std::string
         }
         ranges.emplace_back(candidate, std::move(perRail));
     }
-    auto const own = std::find_if(ranges.begin(), ranges.end(), [&](auto const& entry) { return entry.first == grade; });
+    auto const own =
+        std::find_if(ranges.begin(), ranges.end(), [&](auto const& entry) { return entry.first == grade; });
     if (own == ranges.end()) return {};  // a grade the sheet does not list: its validity check says so
 
     std::vector<Warning> warnings;
@@ -105,13 +113,12 @@ std::vector<Warning> gradeWarnings(Design const& design, std::vector<std::string
         std::string fitting;
         for (auto const& [other, perRail] : ranges)
             if (other != grade && perRail[i] && perRail[i]->holds(v))
-                fitting += (fitting.empty() ? "" : ", ") + other + " (" + shortestFloatText(static_cast<float>(perRail[i]->low)) +
-                           " .. " + volts(perRail[i]->high) + ")";
+                fitting += (fitting.empty() ? "" : ", ") + other + " (" + text(*perRail[i]) + ")";
         if (fitting.empty()) continue;  // outside every grade: the sheet's range warning says so
         warnings.push_back({"", "/device/voltage_grade",
-                            "voltage grade " + grade + " does not match " + graded[i].first + " = " + volts(v) +
-                                ": its range is " + shortestFloatText(static_cast<float>(mine->low)) + " .. " +
-                                volts(mine->high) + "; the voltage fits grade " + fitting});
+                            "voltage grade " + grade + " does not match " + graded[i].first + " = " +
+                                volts(v) + ": its range is " + text(*mine) + "; the voltage fits grade " +
+                                fitting});
     }
     return warnings;
 }
@@ -150,7 +157,8 @@ std::vector<Warning> checkDevice(Design const& design, std::vector<std::string> 
         for (Block const& block : design.blocks) {
             Sheet const* sheet = SheetRegistry::instance().find(block.model);
             std::string const why = sheet ? featureMismatch(sheet->design(), *part) : std::string();
-            if (!why.empty()) warnings.push_back({block.name, "/device/part", "sheet " + block.model + " " + why});
+            if (!why.empty())
+                warnings.push_back({block.name, "/device/part", "sheet " + block.model + " " + why});
         }
     }
     try {

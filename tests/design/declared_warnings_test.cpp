@@ -43,9 +43,11 @@ TEST(DeclaredWarnings, FillsValueAndUnitAndSkipsValuesThatAreNone) {
     EXPECT_EQ(declaredWarnings(info, "-0.5", *instance), Lines{"-0.5 below"});  // no blank left
     info.unit = "mW";
     EXPECT_EQ(declaredWarnings(info, "2", *instance), Lines{"2mW above"});
-    EXPECT_EQ(declaredWarnings(info, "0.100000001", *instance), Lines{"0.1mW above"});  // the float's shortest text
+    EXPECT_EQ(declaredWarnings(info, "0.100000001", *instance),
+              Lines{"0.1mW above"});  // the float's shortest text
     EXPECT_TRUE(declaredWarnings(info, "0", *instance).empty());
-    EXPECT_TRUE(declaredWarnings(info, "3.4028235e+38", *instance).empty());  // not computed: no value to judge
+    EXPECT_TRUE(
+        declaredWarnings(info, "3.4028235e+38", *instance).empty());  // not computed: no value to judge
 }
 
 TEST(DeclaredWarnings, ARangeOfNumbersOrOfCells) {

@@ -31,11 +31,15 @@ TEST(SheetUnits, EveryShippedFractionInputWarnsOutsideZeroToOne) {
         for (prsm::CellInfo const& cell : sheet->cells()) {
             if (cell.category != prsm::CellCategory::UserInput || cell.unit != "fraction") continue;
             ++inputs;
-            EXPECT_EQ(cell.outside.low + " .. " + cell.outside.high, "0.0 .. 1.0") << sheet->name() << " " << cell.name;
-            EXPECT_NE(cell.outside.message.find("{value}"), std::string::npos) << sheet->name() << " " << cell.name;
+            EXPECT_EQ(cell.outside.low + " .. " + cell.outside.high, "0.0 .. 1.0")
+                << sheet->name() << " " << cell.name;
+            EXPECT_NE(cell.outside.message.find("{value}"), std::string::npos)
+                << sheet->name() << " " << cell.name;
         }
     }
-    EXPECT_GE(inputs, 15);  // 2 + 2 on the boards, 3 on the older static sheet, 3 + 3 on the AI engines, 2 on the logic
+    EXPECT_GE(
+        inputs,
+        15);  // 2 + 2 on the boards, 3 on the older static sheet, 3 + 3 on the AI engines, 2 on the logic
 }
 
 TEST(SheetUnits, ExactNamesBeatPatternsAndLongerPatternsBeatShorterOnes) {

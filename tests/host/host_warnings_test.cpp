@@ -73,7 +73,8 @@ TEST(HostDeclaredWarnings, ACountThatDoesNotFitSaysWhy) {
     // and the non-slice fanout is 1e10 - 1e10 = 0.
     Sheet const* clock = SheetRegistry::instance().find("TalvexClock");
     ASSERT_NE(clock, nullptr);
-    CalcResult const result = runCalculation(*clock, resolveInputs(*clock, {parseAssignment("FANOUT_PER_SITE=1e-7")}));
+    CalcResult const result =
+        runCalculation(*clock, resolveInputs(*clock, {parseAssignment("FANOUT_PER_SITE=1e-7")}));
     ASSERT_EQ(result.warnings.size(), 2u);
     EXPECT_EQ(result.warnings[0].rfind("NUM_CLOCKED_SLICES has no value: FANOUT / FANOUT_PER_SITE", 0), 0u)
         << result.warnings[0];

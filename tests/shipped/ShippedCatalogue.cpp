@@ -53,7 +53,8 @@ bool isOf(Sheet const& sheet, std::string const& architecture) {
 bool applies(Sheet const& sheet, Part const& part) {
     for (prsm::PartFeature const& required : sheet.design().requiredFeatures) {
         std::string const has = prsm::design::catalogueFeature(part.name, required.feature);
-        if (std::find(required.values.begin(), required.values.end(), has) == required.values.end()) return false;
+        if (std::find(required.values.begin(), required.values.end(), has) == required.values.end())
+            return false;
     }
     return true;
 }
@@ -94,9 +95,12 @@ TEST(ShippedCatalogue, SheetsRequireFeaturesThePartsHave) {
     for (Sheet const* sheet : SheetRegistry::instance().sheets())
         for (prsm::PartFeature const& required : sheet->design().requiredFeatures)
             for (std::string const& value : required.values)
-                EXPECT_TRUE(std::any_of(parts.begin(), parts.end(), [&](Part const& part) {
-                    return prsm::design::catalogueFeature(part.name, required.feature) == value;
-                })) << sheet->name() << " requires " << required.feature << " = " << value;
+                EXPECT_TRUE(std::any_of(parts.begin(), parts.end(),
+                                        [&](Part const& part) {
+                                            return prsm::design::catalogueFeature(part.name,
+                                                                                  required.feature) == value;
+                                        }))
+                    << sheet->name() << " requires " << required.feature << " = " << value;
 }
 
 }  // namespace
