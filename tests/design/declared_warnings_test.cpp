@@ -5,53 +5,46 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace {
 
-using prsm::CellCategory;
 using prsm::CellInfo;
 using prsm::CellType;
 using prsm::design::declaredWarnings;
 using Lines = std::vector<std::string>;
 
-std::unique_ptr<prsm::SheetInstance> leakage() {
-    prsm::Sheet const* sheet = prsm::SheetRegistry::instance().find("TestLeakage");
-    EXPECT_NE(sheet, nullptr);
-    auto instance = sheet->create();
-    instance->set("VCCINT", "0.75");
-    instance->set("VCCAUX", "0.85");
-    return instance;
-}
-
 CellInfo cell(CellType type, std::string unit) {
     CellInfo info;
     info.name = "X";
     info.type = type;
-    info.category = CellCategory::UserInput;
+    info.category = prsm::CellCategory::UserInput;
     info.unit = std::move(unit);
     return info;
 }
 
-TEST(DeclaredWarnings, FillsValueAndUnitAndSkipsValuesThatAreNone) {
-    auto const instance = leakage();
+TEST(DeclaredWarnings, SignsAndNoValueFillTheValueAndUnit) {
+    auto const instance = prsm::SheetRegistry::instance().find("TestLeakage")->create();
     CellInfo info = cell(CellType::Float, "");
     info.belowZeroWarning = "{value} {unit} below";
     info.aboveZeroWarning = "{value}{unit} above";
     EXPECT_EQ(declaredWarnings(info, "-0.5", *instance), Lines{"-0.5 below"});  // no blank left
     info.unit = "mW";
-    EXPECT_EQ(declaredWarnings(info, "2", *instance), Lines{"2mW above"});
-    EXPECT_EQ(declaredWarnings(info, "0.100000001", *instance),
-              Lines{"0.1mW above"});  // the float's shortest text
+    EXPECT_EQ(declaredWarnings(info, "0.100000001", *instance), Lines{"0.1mW above"});  // shortest float text
     EXPECT_TRUE(declaredWarnings(info, "0", *instance).empty());
     EXPECT_TRUE(
-        declaredWarnings(info, "3.4028235e+38", *instance).empty());  // not computed: no value to judge
+        declaredWarnings(info, "3.4028235e+38", *instance).empty());  // not computed: nothing to judge
+
+    CellInfo count = cell(CellType::Int, "count");
+    count.noValueWarning = "X did not fit";
+    EXPECT_EQ(declaredWarnings(count, "2147483647", *instance), Lines{"X did not fit"});
+    EXPECT_EQ(declaredWarnings(count, "2147483646", *instance), Lines{"X did not fit"});
+    EXPECT_TRUE(declaredWarnings(count, "2147483645", *instance).empty());
 }
 
 TEST(DeclaredWarnings, ARangeOfNumbersOrOfCells) {
-    auto const instance = leakage();
+    auto const instance = prsm::SheetRegistry::instance().find("TestLeakage")->create();
     CellInfo rate = cell(CellType::Float, "");
     rate.outside = {"0.0", "1.0", "{value} outside {low} .. {high}"};
     EXPECT_EQ(declaredWarnings(rate, "12.5", *instance), Lines{"12.5 outside 0 .. 1"});
@@ -60,6 +53,8 @@ TEST(DeclaredWarnings, ARangeOfNumbersOrOfCells) {
     EXPECT_TRUE(declaredWarnings(rate, "0", *instance).empty());
 
     // Bounds held by cells: 0.75 .. 0.85 V.
+    instance->set("VCCINT", "0.75");
+    instance->set("VCCAUX", "0.85");
     CellInfo volts = cell(CellType::Float, "V");
     volts.outside = {"VCCINT", "VCCAUX", "{value} {unit} not in {low} .. {high} {unit}"};
     EXPECT_EQ(declaredWarnings(volts, "0.9", *instance), Lines{"0.9 V not in 0.75 .. 0.85 V"});
@@ -68,16 +63,6 @@ TEST(DeclaredWarnings, ARangeOfNumbersOrOfCells) {
     // give no range.
     instance->set("VCCAUX", "0.75");
     EXPECT_TRUE(declaredWarnings(volts, "0.9", *instance).empty());
-}
-
-TEST(DeclaredWarnings, NoValueIsForTheReservedValuesOnly) {
-    auto const instance = leakage();
-    CellInfo count = cell(CellType::Int, "count");
-    count.noValueWarning = "SLICES did not fit";  // the generator fills in {cell}
-    EXPECT_EQ(declaredWarnings(count, "2147483647", *instance), Lines{"SLICES did not fit"});
-    EXPECT_EQ(declaredWarnings(count, "2147483646", *instance), Lines{"SLICES did not fit"});
-    EXPECT_TRUE(declaredWarnings(count, "2147483645", *instance).empty());
-    EXPECT_TRUE(declaredWarnings(count, "0", *instance).empty());
 }
 
 }  // namespace
