@@ -4,6 +4,7 @@
 #include <prsm/framework/PRSMReservedValues.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <optional>
@@ -49,78 +50,24 @@ std::string volts(double v) {
     return shortestFloatText(static_cast<float>(v)) + " V";
 }
 
+// A voltage as text that reads back as the same double.
+std::string exactText(double v) {
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%.17g", v);
+    return buffer;
+}
+
 std::string text(VoltageRange const& range) {
     return shortestFloatText(static_cast<float>(range.low)) + " .. " + volts(range.high);
 }
 
-// The static sheet's parameter set for one voltage grade: the design's device and the sheet's inputs.
-std::unique_ptr<SheetInstance> staticsFor(Sheet const& sheet, Design const& design,
-                                          std::string const& gradeInput, std::string const& grade) {
+// A parameter set of the sheet with `inputs` written in, and the grade input set to `grade` unless empty.
+std::unique_ptr<SheetInstance> instanceWith(Sheet const& sheet, CellTexts const& inputs,
+                                            std::string const& gradeInput, std::string const& grade) {
     std::unique_ptr<SheetInstance> instance = sheet.create();
-    for (auto const& [cell, field] : sheet.design().deviceInputs)
-        if (std::string const* value = design.device.find(field)) instance->set(cell, *value);
-    for (Input const& input : design.staticSheet->inputs) instance->set(input.cell, input.text);
+    for (auto const& [cell, text] : inputs) instance->set(cell, text);
     if (!grade.empty()) instance->set(gradeInput, grade);
     return instance;
-}
-
-std::vector<Warning> gradeWarnings(Design const& design, std::vector<std::string> const& rails,
-                                   std::vector<double> const& voltage) {
-    Sheet const* sheet =
-        design.staticSheet ? SheetRegistry::instance().find(design.staticSheet->model) : nullptr;
-    if (sheet == nullptr) return {};
-    auto const grading =
-        std::find_if(sheet->design().deviceInputs.begin(), sheet->design().deviceInputs.end(),
-                     [](auto const& entry) { return entry.second == "voltage_grade"; });
-    if (grading == sheet->design().deviceInputs.end()) return {};
-    std::string const& gradeInput = grading->first;
-
-    // The rails whose expected range the sheet reads from its own cells.
-    std::vector<std::pair<std::string, double>> graded;  // input cell, the design's voltage
-    for (auto const& [cell, rail] : sheet->design().voltageInputs) {
-        CellInfo const* info = sheet->findCell(cell);
-        auto const r = std::find(rails.begin(), rails.end(), rail);
-        if (info && r != rails.end() && (namesCell(info->outside.low) || namesCell(info->outside.high)))
-            graded.emplace_back(cell, voltage[static_cast<std::size_t>(r - rails.begin())]);
-    }
-    if (graded.empty()) return {};
-
-    std::unique_ptr<SheetInstance> const chosen = staticsFor(*sheet, design, gradeInput, "");
-    std::string const grade = chosen->evaluate(gradeInput);
-    // Each grade's range per graded rail; a grade whose range cannot be read is left out.
-    std::vector<std::pair<std::string, std::vector<std::optional<VoltageRange>>>> ranges;
-    for (std::string const& candidate : splitList(chosen->validValues(gradeInput))) {
-        std::unique_ptr<SheetInstance> const instance = staticsFor(*sheet, design, gradeInput, candidate);
-        std::vector<std::optional<VoltageRange>> perRail;
-        for (auto const& [cell, v] : graded) {
-            CellInfo const& info = *sheet->findCell(cell);
-            std::optional<double> const low = evaluated(*instance, info.outside.low);
-            std::optional<double> const high = evaluated(*instance, info.outside.high);
-            bool const ranged = low && high && *low < *high;  // no row in the data: 0 .. 0, no range
-            perRail.push_back(ranged ? std::optional<VoltageRange>(VoltageRange{*low, *high}) : std::nullopt);
-        }
-        ranges.emplace_back(candidate, std::move(perRail));
-    }
-    auto const own =
-        std::find_if(ranges.begin(), ranges.end(), [&](auto const& entry) { return entry.first == grade; });
-    if (own == ranges.end()) return {};  // a grade the sheet does not list: its validity check says so
-
-    std::vector<Warning> warnings;
-    for (std::size_t i = 0; i < graded.size(); ++i) {
-        std::optional<VoltageRange> const& mine = own->second[i];
-        double const v = graded[i].second;
-        if (!mine || mine->holds(v)) continue;
-        std::string fitting;
-        for (auto const& [other, perRail] : ranges)
-            if (other != grade && perRail[i] && perRail[i]->holds(v))
-                fitting += (fitting.empty() ? "" : ", ") + other + " (" + text(*perRail[i]) + ")";
-        if (fitting.empty()) continue;  // outside every grade: the sheet's range warning says so
-        warnings.push_back({"", "/device/voltage_grade",
-                            "voltage grade " + grade + " does not match " + graded[i].first + " = " +
-                                volts(v) + ": its range is " + text(*mine) + "; the voltage fits grade " +
-                                fitting});
-    }
-    return warnings;
 }
 
 }  // namespace
@@ -150,6 +97,57 @@ std::string featureMismatch(SheetDesign const& declared, std::string const& part
     return {};
 }
 
+std::vector<std::string> voltageGradeMismatches(Sheet const& sheet, CellTexts const& inputs) {
+    auto const grading = std::find_if(sheet.design().deviceInputs.begin(), sheet.design().deviceInputs.end(),
+                                      [](auto const& entry) { return entry.second == "voltage_grade"; });
+    if (grading == sheet.design().deviceInputs.end()) return {};
+    std::string const& gradeInput = grading->first;
+    std::unique_ptr<SheetInstance> const chosen = instanceWith(sheet, inputs, gradeInput, "");
+
+    // The rails whose expected range the sheet reads from its own cells, with their voltages.
+    std::vector<std::pair<CellInfo const*, double>> graded;
+    for (auto const& entry : sheet.design().voltageInputs) {
+        CellInfo const* info = sheet.findCell(entry.first);
+        if (!info || !(namesCell(info->outside.low) || namesCell(info->outside.high))) continue;
+        if (std::optional<double> const v = evaluated(*chosen, info->name)) graded.emplace_back(info, *v);
+    }
+    if (graded.empty()) return {};
+
+    std::string const grade = chosen->evaluate(gradeInput);
+    // Each grade's range per graded rail; none where its cells give no range.
+    std::vector<std::pair<std::string, std::vector<std::optional<VoltageRange>>>> ranges;
+    for (std::string const& candidate : splitList(chosen->validValues(gradeInput))) {
+        std::unique_ptr<SheetInstance> const instance = instanceWith(sheet, inputs, gradeInput, candidate);
+        std::vector<std::optional<VoltageRange>> perRail;
+        for (auto const& [info, v] : graded) {
+            std::optional<double> const low = evaluated(*instance, info->outside.low);
+            std::optional<double> const high = evaluated(*instance, info->outside.high);
+            bool const ranged = low && high && *low < *high;  // no row in the data: 0 .. 0, no range
+            perRail.push_back(ranged ? std::optional<VoltageRange>(VoltageRange{*low, *high}) : std::nullopt);
+        }
+        ranges.emplace_back(candidate, std::move(perRail));
+    }
+    auto const own =
+        std::find_if(ranges.begin(), ranges.end(), [&](auto const& entry) { return entry.first == grade; });
+    if (own == ranges.end()) return {};  // a grade the sheet does not list: its validity check says so
+
+    std::vector<std::string> mismatches;
+    for (std::size_t i = 0; i < graded.size(); ++i) {
+        std::optional<VoltageRange> const& mine = own->second[i];
+        double const v = graded[i].second;
+        if (!mine || mine->holds(v)) continue;
+        std::string fitting;
+        for (auto const& [other, perRail] : ranges)
+            if (other != grade && perRail[i] && perRail[i]->holds(v))
+                fitting += (fitting.empty() ? "" : ", ") + other + " (" + text(*perRail[i]) + ")";
+        if (fitting.empty()) continue;  // outside every grade: the sheet's range warning says so
+        mismatches.push_back("voltage grade " + grade + " does not match " + graded[i].first->name + " = " +
+                             volts(v) + ": its range is " + text(*mine) + "; the voltage fits grade " +
+                             fitting);
+    }
+    return mismatches;
+}
+
 std::vector<Warning> checkDevice(Design const& design, std::vector<std::string> const& rails,
                                  std::vector<double> const& voltage) {
     std::vector<Warning> warnings;
@@ -161,9 +159,21 @@ std::vector<Warning> checkDevice(Design const& design, std::vector<std::string> 
                 warnings.push_back({block.name, "/device/part", "sheet " + block.model + " " + why});
         }
     }
+    Sheet const* statics =
+        design.staticSheet ? SheetRegistry::instance().find(design.staticSheet->model) : nullptr;
+    if (statics == nullptr) return warnings;
+    CellTexts inputs;  // the static sheet as the design sets it up: device, its own inputs, the rail voltages
+    for (auto const& [cell, field] : statics->design().deviceInputs)
+        if (std::string const* value = design.device.find(field)) inputs.emplace_back(cell, *value);
+    for (Input const& input : design.staticSheet->inputs) inputs.emplace_back(input.cell, input.text);
+    for (auto const& [cell, rail] : statics->design().voltageInputs) {
+        auto const r = std::find(rails.begin(), rails.end(), rail);
+        if (r != rails.end())
+            inputs.emplace_back(cell, exactText(voltage[static_cast<std::size_t>(r - rails.begin())]));
+    }
     try {
-        std::vector<Warning> grades = gradeWarnings(design, rails, voltage);
-        warnings.insert(warnings.end(), grades.begin(), grades.end());
+        for (std::string& message : voltageGradeMismatches(*statics, inputs))
+            warnings.push_back({"", "/device/voltage_grade", std::move(message)});
     } catch (...) {  // the static sheet's data cannot be read or refuses an input: its own checks say so
     }
     return warnings;

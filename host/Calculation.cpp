@@ -1,4 +1,5 @@
 #include <prsm/design/DeclaredWarnings.h>
+#include <prsm/design/DeviceChecks.h>
 #include <prsm/host/Calculation.h>
 #include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
@@ -72,6 +73,10 @@ CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& 
             }
             result.inputs.push_back({cell.name, cell.type, std::move(value), cell.unit});
         }
+        design::CellTexts given;  // the grades that fit the rail voltages better are tried on these
+        for (ResolvedInput const& input : inputs) given.emplace_back(input.cell->name, input.text);
+        for (std::string& line : design::voltageGradeMismatches(sheet, given))
+            result.warnings.push_back(std::move(line));
         result.dump = instance->reflect();
     } catch (...) {
         throw HostError(kExitDataFailure,

@@ -4,6 +4,7 @@
 // SKUs): LP 0.665 .. 0.735 V, MP 0.76 .. 0.84 V, HP 0.836 .. 0.924 V.
 
 #include <prsm/design/Design.h>
+#include <prsm/design/DeviceChecks.h>
 #include <prsm/design/Estimate.h>
 
 #include <gtest/gtest.h>
@@ -75,6 +76,16 @@ TEST(ShippedDeviceChecks, AVoltageOutsideItsGradeNamesTheGradesItFits) {
     // 1.1 V fits no grade: the range warning alone.
     EXPECT_EQ(on(withVccint("1.1"), "VCCINT").size(), 1u);
     EXPECT_TRUE(on(withVccint("1.1"), "/device/voltage_grade").empty());
+}
+
+TEST(ShippedDeviceChecks, OneStaticSheetNamesTheGradeItsVoltageFits) {
+    // As prsm calc checks it: the inputs as given, the voltage grade's range from the sheet's own cells.
+    prsm::Sheet const& statics = *prsm::SheetRegistry::instance().find("TalvexStatic");
+    EXPECT_EQ(
+        voltageGradeMismatches(statics, {{"VOLTAGE_GRADE", "LP"}, {"VCCINT", "0.8"}}),
+        std::vector<std::string>{"voltage grade LP does not match VCCINT = 0.8 V: its range is 0.665 .. "
+                                 "0.735 V; the voltage fits grade MP (0.76 .. 0.84 V)"});
+    EXPECT_TRUE(voltageGradeMismatches(statics, {{"VOLTAGE_GRADE", "MP"}, {"VCCINT", "0.8"}}).empty());
 }
 
 TEST(ShippedDeviceChecks, ARateTypedAsAPercentIsNamedWithItsBlock) {
