@@ -65,7 +65,7 @@ std::string text(VoltageRange const& range) {
 std::unique_ptr<SheetInstance> instanceWith(Sheet const& sheet, CellTexts const& inputs,
                                             std::string const& gradeInput, std::string const& grade) {
     std::unique_ptr<SheetInstance> instance = sheet.create();
-    for (auto const& [cell, text] : inputs) instance->set(cell, text);
+    for (auto const& [cell, value] : inputs) instance->set(cell, value);
     if (!grade.empty()) instance->set(gradeInput, grade);
     return instance;
 }
