@@ -1,3 +1,5 @@
+#include <prsm/design/DeclaredWarnings.h>
+#include <prsm/design/DeviceChecks.h>
 #include <prsm/design/Estimate.h>
 #include <prsm/design/Grades.h>
 #include <prsm/design/Rails.h>
@@ -367,6 +369,7 @@ void Estimator::State::setup() {
     givenRails = design.rails;
     givenVoltage = voltage;
     givenSource = voltageSource;
+    for (Warning& warning : checkDevice(design, rails, voltage)) deviceWarnings.push_back(std::move(warning));
 
     for (BlockState& block : blocks)
         for (Output& out : block.outputs) out.aggregate = cellOf(out.rail, block.region, 0);
@@ -497,6 +500,8 @@ void Estimator::State::checkValidity(BlockState& block) {
                 message += "; the block gives 0 W and contributes nothing";
             block.warnings.push_back({block.given->name, cell.name, message});
         }
+        for (auto& [cell, message] : declaredWarnings(*block.sheet, *block.instance))
+            block.warnings.push_back({block.given->name, cell, std::move(message)});
     } catch (PRSMException const& e) {
         block.warnings.push_back({block.given->name, "", std::string("validity not checked: ") + e.what()});
     } catch (std::exception const& e) {
@@ -582,7 +587,8 @@ void Estimator::State::buildBoard(std::vector<double> const& railDynamic,
             for (BoardRegulatorCells const& r : boardRegulators) {
                 RegulatorResult reg{r.name, readNumber(*board, r.load), readNumber(*board, r.efficiency),
                                     readNumber(*board, r.loss), readNumber(*board, r.overLimit)};
-                if (reg.overLimit > 0) {
+                // A sheet that declares its own message for the cell has it given by checkValidity.
+                if (reg.overLimit > 0 && board->sheet->cells()[r.overLimit].aboveZeroWarning.empty()) {
                     char text[200];
                     std::snprintf(text, sizeof text, "regulator %s is loaded %.1f mW beyond its rating",
                                   r.name.c_str(), reg.overLimit);

@@ -1,6 +1,9 @@
 #include <prsm/framework/PRSMNumberText.h>
 
 #include <climits>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
 
 namespace prsm {
 
@@ -69,6 +72,24 @@ bool decimalToInt(DecimalText const& number, int& value) {
     if (signedValue < INT_MIN || signedValue > INT_MAX) return false;
     value = static_cast<int>(signedValue);
     return true;
+}
+
+std::string shortestFloatText(float value) {
+    double const wide = value;
+    char text[32];
+    int digits = 1;
+    while (digits < 9) {  // nine significant digits are exact for every float
+        std::snprintf(text, sizeof text, "%.*g", digits, wide);
+        if (std::strtof(text, nullptr) == value) break;
+        ++digits;
+    }
+    // Whole numbers below 1e9 are written out ("200", not "2e+02").
+    if (std::isfinite(wide) && wide != 0) {
+        int const exponent = static_cast<int>(std::floor(std::log10(std::fabs(wide))));
+        if (exponent >= digits && exponent < 9) digits = exponent + 1;
+    }
+    std::snprintf(text, sizeof text, "%.*g", digits, wide);
+    return text;
 }
 
 }  // namespace prsm

@@ -23,4 +23,7 @@ bool parseDecimalText(std::string_view text, DecimalText& number);
 // The whole number `number` stands for, when it is one and fits an int.
 bool decimalToInt(DecimalText const& number, int& value);
 
+// The shortest decimal text that reads back as the same float ("0.1", not "0.100000001").
+std::string shortestFloatText(float value);
+
 }  // namespace prsm

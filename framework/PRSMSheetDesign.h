@@ -22,6 +22,13 @@ struct BoardRegulator {
     std::string overLimit;
 };
 
+// A feature the device catalogue must give a part for the sheet to apply to it: FEATURE.<part>.<feature>
+// is one of `values` (the first-generation AI-engine sheet needs AIE = "AIE").
+struct PartFeature {
+    std::string feature;
+    std::vector<std::string> values;
+};
+
 struct SheetDesign {
     using Pairs = std::vector<std::pair<std::string, std::string>>;
 
@@ -49,11 +56,15 @@ struct SheetDesign {
     std::string boardTotal;
     std::vector<BoardRegulator> boardRegulators;
 
+    // The catalogue features a part needs for the sheet to apply; the design engine warns when the
+    // design's part has another value.
+    std::vector<PartFeature> requiredFeatures;
+
     bool isStatic() const { return !temperatureInput.empty(); }
     bool isBoard() const { return !boardCurrents.empty(); }
     bool empty() const {
         return region.empty() && voltageInputs.empty() && powerOutputs.empty() && currentOutputs.empty() &&
-               deviceInputs.empty() && !isStatic() && !isBoard();
+               deviceInputs.empty() && !isStatic() && !isBoard() && requiredFeatures.empty();
     }
 };
 

@@ -19,6 +19,15 @@ enum class CellCategory { UserInput, ModelOutput, IntermediateCalculation };
 char const* toString(CellType type);
 char const* toString(CellCategory category);
 
+// A range a cell's value is expected in ([warnings.outside] of the sheet's table). Each bound is a
+// number's text ("0.0") or the name of the sheet's cell that holds it ("VCCINT_VALID_MIN"); `message`
+// is empty when the cell has no range.
+struct ExpectedRange {
+    std::string low;
+    std::string high;
+    std::string message;
+};
+
 struct CellInfo {
     std::string name;
     CellType type;
@@ -29,10 +38,13 @@ struct CellInfo {
     bool hasValidValues = false;  // a string input with a closed list of choices
     std::string unit;             // "V", "mW", "MHz", "%", "count", ...; empty when the cell has none
     // What the sheet's table asks a host to warn about once the cell is calculated (its [warnings]):
-    // the message for a value below 0 and for a value above 0, empty when none. Hosts fill in the
-    // "{value}" and "{unit}" the messages hold; nothing is clamped.
+    // the message for a value below 0, above 0, holding the reserved "no value" (a result that did not
+    // fit the cell) and outside its expected range; empty when none. Hosts fill in the "{value}",
+    // "{unit}", "{low}" and "{high}" the messages hold; nothing is clamped.
     std::string belowZeroWarning;
     std::string aboveZeroWarning;
+    std::string noValueWarning;
+    ExpectedRange outside;
 };
 
 // A list input's valid choices (the comma-separated text of SheetInstance::validValues) for a message:

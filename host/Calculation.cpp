@@ -1,3 +1,5 @@
+#include <prsm/design/DeclaredWarnings.h>
+#include <prsm/design/DeviceChecks.h>
 #include <prsm/host/Calculation.h>
 #include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
@@ -20,21 +22,6 @@ std::string joinedNames(std::vector<std::string> const& names) {
     return text;
 }
 
-// The sheet's message with the value and unit filled in ("{value} {unit}" loses its blank when the
-// cell has no unit).
-std::string filledWarning(std::string message, CellType type, std::string const& text,
-                          std::string const& unit) {
-    auto replaceAll = [&message](std::string const& field, std::string const& by) {
-        for (std::size_t at = message.find(field); at != std::string::npos;
-             at = message.find(field, at + by.size()))
-            message.replace(at, field.size(), by);
-    };
-    replaceAll(" {unit}", unit.empty() ? "" : " " + unit);
-    replaceAll("{unit}", unit);
-    replaceAll("{value}", displayValue(type, text));
-    return message;
-}
-
 // Whether every output that the sheet declares as a power or current on a rail is 0.
 bool drawsNothing(SheetDesign const& declared, SheetInstance& instance) {
     if (declared.powerOutputs.empty() && declared.currentOutputs.empty()) return false;
@@ -45,20 +32,6 @@ bool drawsNothing(SheetDesign const& declared, SheetInstance& instance) {
 }
 
 }  // namespace
-
-std::vector<std::string> declaredWarnings(CellInfo const& cell, std::string const& text) {
-    if (cell.type == CellType::String || isReservedValue(cell.type, text)) return {};
-    if (cell.belowZeroWarning.empty() && cell.aboveZeroWarning.empty()) return {};
-    char* end = nullptr;
-    double const value = std::strtod(text.c_str(), &end);
-    if (end == text.c_str() || std::isnan(value)) return {};
-    std::vector<std::string> lines;
-    if (value < 0 && !cell.belowZeroWarning.empty())
-        lines.push_back(filledWarning(cell.belowZeroWarning, cell.type, text, cell.unit));
-    if (value > 0 && !cell.aboveZeroWarning.empty())
-        lines.push_back(filledWarning(cell.aboveZeroWarning, cell.type, text, cell.unit));
-    return lines;
-}
 
 std::string missingRowWarning(std::string const& input, std::string const& value,
                               std::vector<MissingRow> const& missing) {
@@ -88,10 +61,10 @@ CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& 
     try {
         instance->calculate();
         for (CellInfo const& cell : sheet.cells()) {
-            bool const checked = !cell.belowZeroWarning.empty() || !cell.aboveZeroWarning.empty();
+            bool const checked = design::hasDeclaredWarnings(cell);
             if (cell.category == CellCategory::IntermediateCalculation && !checked) continue;
             std::string value = instance->evaluate(cell.name);
-            for (std::string& line : declaredWarnings(cell, value))
+            for (std::string& line : design::declaredWarnings(cell, value, *instance))
                 result.warnings.push_back(std::move(line));
             if (cell.category == CellCategory::ModelOutput)
                 result.outputs.push_back({cell.name, cell.type, value, cell.unit});
@@ -110,6 +83,10 @@ CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& 
             result.inputs.push_back({cell.name, cell.type, std::move(value), cell.unit});
         }
         result.drawsNothing = drawsNothing(sheet.design(), *instance);
+        design::CellTexts given;  // the grades that fit the rail voltages better are tried on these
+        for (ResolvedInput const& input : inputs) given.emplace_back(input.cell->name, input.text);
+        for (std::string& line : design::voltageGradeMismatches(sheet, given))
+            result.warnings.push_back(std::move(line));
         result.dump = instance->reflect();
     } catch (...) {
         throw HostError(kExitDataFailure,

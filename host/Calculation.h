@@ -34,7 +34,8 @@ struct CalcResult {
     std::vector<InputCheck> checks;     // every input that has a validity rule
     std::string dump;                   // the parameter set's reflect() text after all of the above
     std::vector<std::string> warnings;  // e.g. a device that has no row of its own in a table, or a
-                                        // value the sheet's table asks to warn about (in cell order)
+                                        // value the sheet's table asks to warn about (in cell order,
+                                        // prsm::design::declaredWarnings)
     bool drawsNothing = false;          // the sheet declares power or current outputs, and all are 0
 };
 
@@ -42,11 +43,6 @@ struct CalcResult {
 // when `missing` is.
 std::string missingRowWarning(std::string const& input, std::string const& value,
                               std::vector<MissingRow> const& missing);
-
-// The warnings the sheet's table declares for a cell (CellInfo::belowZeroWarning, aboveZeroWarning)
-// that its calculated value `text` calls for, with the value and unit filled in; none for a string
-// cell, a reserved "no value" value or a value that is not a number.
-std::vector<std::string> declaredWarnings(CellInfo const& cell, std::string const& text);
 
 // Throws HostError(kExitDataFailure) when the data cannot be loaded or the calculation throws.
 CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& inputs);

@@ -2,6 +2,7 @@
 // Cell values as the host shows them: the library hands out text; the host prints floats in their
 // shortest exact form and turns values into JSON of the cell's type.
 
+#include <prsm/framework/PRSMNumberText.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
 #include <nlohmann/json.hpp>
@@ -10,8 +11,7 @@
 
 namespace prsm::host {
 
-// The shortest decimal text that reads back as the same float ("0.1", not "0.100000001").
-std::string shortestFloatText(float value);
+using prsm::shortestFloatText;  // "0.1", not "0.100000001"
 
 // Shown in tables in place of one of the library's reserved "no value" values.
 inline constexpr char const kNoValueText[] = "(no value)";

@@ -31,6 +31,7 @@ class DesignDecl:
     board_currents: list[tuple[str, str]] = field(default_factory=list)
     board_total: str = ""
     board_regulators: list[tuple[str, str, str, str, str]] = field(default_factory=list)
+    requires: list[tuple[str, list[str]]] = field(default_factory=list)  # catalogue feature -> its values
 
 
 def check_selector(text: str) -> None:
@@ -70,7 +71,7 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
     if unknown := set(rails) - {"voltage", "power", "current"}:
         raise SheetError(f"rails: unknown keys {sorted(unknown)}")
     known = {"region", "device", "temperature", "static_current", "max_current", "static_total", "static_regions",
-             "feeds", "board_architecture", "board_currents", "board_total", "board_regulators"}
+             "feeds", "board_architecture", "board_currents", "board_total", "board_regulators", "requires"}
     if unknown := set(design) - known:
         raise SheetError(f"design: unknown keys {sorted(unknown)}")
     decl = DesignDecl()
@@ -95,6 +96,7 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
         for name, _ in pairs:
             cell(name, f"rails.{kind}", ("float",), False)
         setattr(decl, kind, pairs)
+    decl.requires = _requires(design.get("requires", {}))
     decl.device = _pairs(design, "device", value_is_rail=False)
     for name, fld in decl.device:
         cell(name, "design.device", ("string",), True)
@@ -166,6 +168,22 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
     return decl
 
 
+def _requires(value) -> list[tuple[str, list[str]]]:
+    """design.requires = { FEATURE = "VALUE" or ["VALUE", ...] }: the device catalogue's features a part
+    must have for the sheet to apply to it (FEATURE.<part>.<FEATURE> is one of the values)."""
+    if not isinstance(value, dict):
+        raise SheetError('design.requires: a table of catalogue feature = "value" or ["value", ...]')
+    features = []
+    for feature, values in value.items():
+        values = [values] if isinstance(values, str) else values
+        if not RAIL.fullmatch(feature):
+            raise SheetError(f"design.requires: {feature!r} is not an upper-case feature name")
+        if not isinstance(values, list) or not values or not all(isinstance(v, str) and v for v in values):
+            raise SheetError(f"design.requires.{feature}: a value or a non-empty list of values")
+        features.append((feature, values))
+    return features
+
+
 def _cpp_pairs(pairs: list[tuple[str, str]]) -> str:
     return "{" + ", ".join(f'{{"{a}", "{b}"}}' for a, b in pairs) + "}"
 
@@ -174,10 +192,14 @@ def _cpp_tuples(rows: list[tuple[str, ...]]) -> str:
     return "{" + ", ".join("{" + ", ".join(f'"{x}"' for x in row) + "}" for row in rows) + "}"
 
 
+def _cpp_requires(features: list[tuple[str, list[str]]]) -> str:
+    return "{" + ", ".join(f'{{"{f}", {_cpp_tuples([tuple(values)])[1:-1]}}}' for f, values in features) + "}"
+
+
 def initializer(decl: DesignDecl) -> str:
     """The prsm::SheetDesign aggregate, member by member in declaration order."""
     return (f'prsm::SheetDesign{{"{decl.region}", {_cpp_pairs(decl.voltage)}, {_cpp_pairs(decl.power)}, '
             f'{_cpp_pairs(decl.current)}, {_cpp_pairs(decl.device)}, "{decl.temperature}", '
             f'"{decl.static_current}", "{decl.max_current}", "{decl.static_total}", {_cpp_pairs(decl.static_regions)}, '
             f'{_cpp_pairs(decl.feeds)}, "{decl.board_architecture}", {_cpp_pairs(decl.board_currents)}, '
-            f'"{decl.board_total}", {_cpp_tuples(decl.board_regulators)}}}')
+            f'"{decl.board_total}", {_cpp_tuples(decl.board_regulators)}, {_cpp_requires(decl.requires)}}}')

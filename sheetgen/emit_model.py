@@ -369,7 +369,13 @@ def _cell_info(sheet: Sheet, plan: Plan, cell: Cell) -> str:
     esc = lambda s: s.replace("\\", "\\\\").replace('"', '\\"')
     return (f'    {{"{cell.name}", {CELL_TYPE[cell.type]}, {CELL_CATEGORY[cell.category]}, "{esc(default)}", '
             f'"{esc(rule)}", "{key}", {listed}, "{esc(cell.unit)}", '
-            f'"{esc(cell.warnings.get("below_zero", ""))}", "{esc(cell.warnings.get("above_zero", ""))}"}},')
+            f'"{esc(cell.warnings.get("below_zero", ""))}", "{esc(cell.warnings.get("above_zero", ""))}", '
+            f'"{esc(cell.warnings.get("no_value", ""))}", {_outside_row(cell, esc)}}},')
+
+
+def _outside_row(cell: Cell, esc) -> str:
+    low, high, message = cell.outside or ("", "", "")
+    return f'"{low}", "{high}", "{esc(message)}"'
 
 
 def _rows_lacking(sheet: Sheet) -> str:
@@ -540,6 +546,10 @@ struct CellRow {{
     char const* unit;
     char const* belowZeroWarning;
     char const* aboveZeroWarning;
+    char const* noValueWarning;
+    char const* outsideLow;
+    char const* outsideHigh;
+    char const* outsideWarning;
 }};
 
 constexpr CellRow cellRows[] = {{
@@ -551,7 +561,8 @@ std::vector<prsm::CellInfo> cellInfos() {{
     cells.reserve(std::size(cellRows));
     for (CellRow const& row : cellRows)
         cells.push_back({{row.name, row.type, row.category, row.declaredDefault, row.rule, row.validityKey,
-                         row.hasValidValues, row.unit, row.belowZeroWarning, row.aboveZeroWarning}});
+                         row.hasValidValues, row.unit, row.belowZeroWarning, row.aboveZeroWarning,
+                         row.noValueWarning, {{row.outsideLow, row.outsideHigh, row.outsideWarning}}}});
     return cells;
 }}
 

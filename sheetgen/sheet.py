@@ -101,7 +101,8 @@ class Cell:
     pattern: str | None = None
     member: str | None = None
     unit: str = ""
-    warnings: dict = field(default_factory=dict)  # "below_zero"/"above_zero" -> message ({value}, {unit} left)
+    warnings: dict = field(default_factory=dict)  # WARNING_KINDS -> message ({value}, {unit} left)
+    outside: tuple | None = None  # (low, high, message): bounds as a number's text or a cell's name
 
     @property
     def camel(self) -> str:
@@ -308,64 +309,81 @@ def _units(doc: dict, by_name: dict[str, Cell]) -> None:
         cell.unit = units.pop()
 
 
-WARNING_KINDS = ("below_zero", "above_zero")
+WARNING_KINDS = ("below_zero", "above_zero", "no_value")
 _WARNING_FIELDS = ("cell", "*", "value", "unit")
 
 
+def resolve_number_cells(where: str, entries: dict, by_name: dict) -> dict[str, tuple[object, str]]:
+    """Resolves `entries` (cell name pattern -> what is declared for it) over the number cells of the
+    sheet: braces and lists expand, an exact name beats a "*" pattern, the longest pattern wins; patterns
+    pass over string cells and the validity flags. Gives cell name -> (its entry, what the pattern's first
+    "*" matched: the whole name for an exact one)."""
+    exact: dict[str, object] = {}
+    globs: list[tuple[str, object]] = []
+    for pattern, entry in entries.items():
+        for name in expand(pattern):
+            if "*" in name:
+                globs.append((name, entry))
+                if not any(_glob(name).fullmatch(c.name) for c in by_name.values()
+                           if c.type != "string" and not _is_flag(c.name)):
+                    raise SheetError(f"{where}: pattern {name} matches no number cell")
+            elif name not in by_name:
+                raise SheetError(f"{where}: no cell {name}")
+            elif by_name[name].type == "string":
+                raise SheetError(f"{where}: {name} is a string cell")
+            elif exact.setdefault(name, entry) != entry:
+                raise SheetError(f"{where}: cell {name} is given two entries")
+    resolved: dict[str, tuple[object, str]] = {}
+    for name, cell in by_name.items():
+        if name in exact:
+            resolved[name] = (exact[name], name)
+            continue
+        if cell.type == "string" or _is_flag(name):
+            continue
+        matches = [(len(p), p, e) for p, e in globs if _glob(p).fullmatch(name)]
+        if not matches:
+            continue
+        longest = max(length for length, _, _ in matches)
+        best = [(p, e) for length, p, e in matches if length == longest]
+        if any(e != best[0][1] for _, e in best):
+            raise SheetError(f"{where}: cell {name} matches "
+                             f"{', '.join(sorted(p for p, _ in best))} of equal length with different entries")
+        pattern, entry = min(best, key=lambda b: b[0])
+        head, _, tail = pattern.partition("*")
+        resolved[name] = (entry, re.fullmatch(re.escape(head) + "(.*?)" + _glob(tail).pattern, name)[1])
+    return resolved
+
+
+def check_message_fields(where: str, message: str, fields: tuple[str, ...]) -> None:
+    for used in re.findall(r"\{([^{}]*)\}", message):
+        if used not in fields:
+            raise SheetError(f"{where}: unknown field {{{used}}} in the message "
+                             f"(use {', '.join('{' + f + '}' for f in fields)})")
+
+
 def _warnings(doc: dict, by_name: dict[str, Cell]) -> None:
-    """The [warnings] section: below_zero / above_zero = { cell name pattern = message }. A host gives
-    the message when a number cell's calculated value is below / above 0. Names resolve as in [units]
-    (an exact name beats a "*" pattern, the longest pattern wins; patterns pass over string cells and
-    the validity flags). The message may hold {cell} (the cell's name) and {*} (what the pattern's
-    first "*" matched; the whole name for an exact one), filled in here, and {value} and {unit}, which
-    the host fills in."""
+    """The [warnings] section: below_zero / above_zero / no_value = { cell name pattern = message }. A
+    host gives the message when a number cell's calculated value is below 0, above 0, or the reserved
+    "no value" (a result that did not fit its cell). The message may hold {cell} (the cell's name) and
+    {*} (what the pattern's first "*" matched; the whole name for an exact one), filled in here, and
+    {value} and {unit}, which the host fills in. The `outside` check is read by range_warnings."""
     section = doc.get("warnings", {})
     if not isinstance(section, dict):
-        raise SheetError("warnings: expected a table of below_zero and above_zero")
-    unknown = set(section) - set(WARNING_KINDS)
+        raise SheetError("warnings: expected a table of checks")
+    known = WARNING_KINDS + ("outside",)
+    unknown = set(section) - set(known)
     if unknown:
-        raise SheetError(f"warnings: unknown checks {sorted(unknown)} (below_zero, above_zero)")
+        raise SheetError(f"warnings: unknown checks {sorted(unknown)} ({', '.join(known)})")
     for kind in WARNING_KINDS:
         entries = section.get(kind, {})
         if not isinstance(entries, dict) or not all(isinstance(m, str) for m in entries.values()):
             raise SheetError(f"warnings.{kind}: expected a table of cell name pattern = message")
-        exact: dict[str, str] = {}
-        globs: list[tuple[str, str]] = []
         for pattern, message in entries.items():
-            for used in re.findall(r"\{([^{}]*)\}", message):
-                if used not in _WARNING_FIELDS:
-                    raise SheetError(f"warnings.{kind}.{pattern}: unknown field {{{used}}} in the message "
-                                     f"(use {{cell}}, {{*}}, {{value}}, {{unit}})")
-            for name in expand(pattern):
-                if "*" in name:
-                    globs.append((name, message))
-                    if not any(_glob(name).fullmatch(c.name) for c in by_name.values()
-                               if c.type != "string" and not _is_flag(c.name)):
-                        raise SheetError(f"warnings.{kind}: pattern {name} matches no number cell")
-                elif name not in by_name:
-                    raise SheetError(f"warnings.{kind}: no cell {name}")
-                elif by_name[name].type == "string":
-                    raise SheetError(f"warnings.{kind}: {name} is a string cell")
-                elif exact.setdefault(name, message) != message:
-                    raise SheetError(f"warnings.{kind}: cell {name} is given two messages")
-        for name, cell in by_name.items():
-            if name in exact:
-                cell.warnings[kind] = exact[name].replace("{cell}", name).replace("{*}", name)
-                continue
-            if cell.type == "string" or _is_flag(name):
-                continue
-            matches = [(len(p), p, m) for p, m in globs if _glob(p).fullmatch(name)]
-            if not matches:
-                continue
-            longest = max(length for length, _, _ in matches)
-            best = {(p, m) for length, p, m in matches if length == longest}
-            if len({m for _, m in best}) > 1:
-                raise SheetError(f"warnings.{kind}: cell {name} matches "
-                                 f"{', '.join(sorted(p for p, _ in best))} of equal length with different messages")
-            pattern, message = min(best)
-            head, _, tail = pattern.partition("*")
-            starred = re.fullmatch(re.escape(head) + "(.*?)" + _glob(tail).pattern, name)[1]
-            cell.warnings[kind] = message.replace("{cell}", name).replace("{*}", starred)
+            check_message_fields(f"warnings.{kind}.{pattern}", message, _WARNING_FIELDS)
+        for name, (message, starred) in resolve_number_cells(f"warnings.{kind}", entries, by_name).items():
+            by_name[name].warnings[kind] = message.replace("{cell}", name).replace("{*}", starred)
+    import range_warnings  # the `outside` check: bounds that are numbers or cells
+    range_warnings.read(section.get("outside", {}), by_name)
 
 
 def _tables(doc: dict) -> tuple[list[Table], list[tuple[str, Table]]]:

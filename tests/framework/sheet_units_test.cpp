@@ -22,6 +22,26 @@ std::string unitOf(std::string const& cell) {
     return info != nullptr ? info->unit : "?";
 }
 
+TEST(SheetUnits, EveryShippedFractionInputWarnsOutsideZeroToOne) {
+    // A rate typed as a percent (12.5 for 0.125) gives 100 times the power: each shipped sheet's
+    // fraction inputs declare [warnings.outside] 0 .. 1, so a new sheet cannot forget one.
+    int inputs = 0;
+    for (prsm::Sheet const* sheet : prsm::SheetRegistry::instance().sheets()) {
+        if (sheet->name().rfind("Test", 0) == 0) continue;  // this suite's own sheets
+        for (prsm::CellInfo const& cell : sheet->cells()) {
+            if (cell.category != prsm::CellCategory::UserInput || cell.unit != "fraction") continue;
+            ++inputs;
+            EXPECT_EQ(cell.outside.low + " .. " + cell.outside.high, "0.0 .. 1.0")
+                << sheet->name() << " " << cell.name;
+            EXPECT_NE(cell.outside.message.find("{value}"), std::string::npos)
+                << sheet->name() << " " << cell.name;
+        }
+    }
+    EXPECT_GE(
+        inputs,
+        15);  // 2 + 2 on the boards, 3 on the older static sheet, 3 + 3 on the AI engines, 2 on the logic
+}
+
 TEST(SheetUnits, ExactNamesBeatPatternsAndLongerPatternsBeatShorterOnes) {
     // TestSampler: W = ["TOTAL", "LANE_*_POWER"], mW = ["LANE_A_POWER"], uW = ["*_POWER"],
     // count = ["COUNT{,_OUT}"], fraction = ["*RATE", "LANE_{A,B}_LOAD"].

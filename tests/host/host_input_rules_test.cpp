@@ -25,7 +25,11 @@ namespace prsm::host {
 namespace {
 
 CellInfo cell(char const* name, CellType type) {
-    return {name, type, CellCategory::UserInput, "", "", "", false, "", "", ""};
+    CellInfo info;
+    info.name = name;
+    info.type = type;
+    info.category = CellCategory::UserInput;
+    return info;
 }
 
 // The canonical text of an accepted value; fails the test when the value is refused.

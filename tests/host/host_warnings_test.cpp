@@ -67,14 +67,19 @@ TEST(HostDeclaredWarnings, EachRegulatorOverItsRatingIsNamedWithItsExcessInMilli
         EXPECT_NE(line.find(" mW (DA9"), std::string::npos) << line;
 }
 
-TEST(HostDeclaredWarnings, FillsValueAndUnitAndSkipsValuesThatAreNone) {
-    CellInfo cell{"X", CellType::Float,        CellCategory::ModelOutput, "", "", "", false,
-                  "",  "{value} {unit} below", "{value}{unit} above"};
-    EXPECT_EQ(declaredWarnings(cell, "-0.5"), std::vector<std::string>{"-0.5 below"});  // no blank left
-    cell.unit = "mW";
-    EXPECT_EQ(declaredWarnings(cell, "2"), std::vector<std::string>{"2mW above"});
-    EXPECT_TRUE(declaredWarnings(cell, "0").empty());
-    EXPECT_TRUE(declaredWarnings(cell, "3.4028235e+38").empty());  // not computed: no value to judge
+TEST(HostDeclaredWarnings, ACountThatDoesNotFitSaysWhy) {
+    // 1000 fanout / 1e-7 per site = 1e10 sites, beyond the 2147483647 an int holds: the flip-flop and
+    // clocked slice counts saturate to "no value"; the LUT RAM and SRL shares are 0 (none use the clock),
+    // and the non-slice fanout is 1e10 - 1e10 = 0.
+    Sheet const* clock = SheetRegistry::instance().find("TalvexClock");
+    ASSERT_NE(clock, nullptr);
+    CalcResult const result =
+        runCalculation(*clock, resolveInputs(*clock, {parseAssignment("FANOUT_PER_SITE=1e-7")}));
+    ASSERT_EQ(result.warnings.size(), 2u);
+    EXPECT_EQ(result.warnings[0].rfind("NUM_CLOCKED_SLICES has no value: FANOUT / FANOUT_PER_SITE", 0), 0u)
+        << result.warnings[0];
+    EXPECT_EQ(result.warnings[1].rfind("NUM_FF_SLICES has no value", 0), 0u) << result.warnings[1];
+    EXPECT_TRUE(runCalculation(*clock, resolveInputs(*clock, {})).warnings.empty());
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
         self.assertEqual(board.board_currents, [("FED", "VCCINT")])
         self.assertEqual(board.board_regulators, [("R1", "AUX_CURRENT", "", "", "POWER")])
         self.assertTrue(design_decl.initializer(board).endswith(
-            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER"}}}'))
+            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER"}}, {}}'))
         # The list form: each cell is its rail's name, braces expanded.
         listed = sheet_with('[rails]\nvoltage = ["VCC{INT,_SOC}"]\n').design
         self.assertEqual(listed.voltage, [("VCCINT", "VCCINT"), ("VCC_SOC", "VCC_SOC")])

@@ -1,0 +1,51 @@
+"""The [warnings.outside] check of a sheet table: a number cell whose value lies outside a declared range
+is worth a warning (a rate typed as a percent where the sheet wants a fraction, a rail voltage outside
+the device's range). Each bound is a number, or the name of a number cell of the sheet that holds it."""
+
+from __future__ import annotations
+
+from sheet import SheetError, check_message_fields, resolve_number_cells
+
+FIELDS = ("cell", "*", "value", "unit", "low", "high")
+
+
+def _bound_text(where: str, bound, name: str, starred: str, by_name: dict) -> str:
+    """A bound as the host reads it: a number's text, or the cell named by the pattern with {cell} and
+    {*} filled in for this cell."""
+    if isinstance(bound, bool):
+        raise SheetError(f"{where}: a bound is a number or a cell name, found {bound!r}")
+    if isinstance(bound, (int, float)):
+        return repr(float(bound))
+    if not isinstance(bound, str):
+        raise SheetError(f"{where}: a bound is a number or a cell name, found {bound!r}")
+    cell = bound.replace("{cell}", name).replace("{*}", starred)
+    if cell not in by_name:
+        raise SheetError(f"{where}: bound {bound} gives {cell}, which is no cell of the sheet")
+    if by_name[cell].type == "string":
+        raise SheetError(f"{where}: bound {cell} is a string cell")
+    return cell
+
+
+def read(entries: dict, by_name: dict) -> None:
+    """Gives each cell its (low, high, message) from `entries`: cell name pattern =
+    { range = [low, high], message = "..." }. Patterns resolve as the other checks' do."""
+    if not isinstance(entries, dict):
+        raise SheetError("warnings.outside: expected a table of cell name pattern = { range, message }")
+    for pattern, entry in entries.items():
+        where = f"warnings.outside.{pattern}"
+        if not isinstance(entry, dict) or set(entry) != {"range", "message"}:
+            raise SheetError(f"{where}: expected {{ range = [low, high], message = \"...\" }}")
+        if not isinstance(entry["message"], str):
+            raise SheetError(f"{where}: the message is a string")
+        check_message_fields(where, entry["message"], FIELDS)
+        bounds = entry["range"]
+        if not isinstance(bounds, list) or len(bounds) != 2:
+            raise SheetError(f"{where}: range is [low, high]")
+        numbers = [b for b in bounds if isinstance(b, (int, float)) and not isinstance(b, bool)]
+        if len(numbers) == 2 and numbers[0] >= numbers[1]:
+            raise SheetError(f"{where}: range [{bounds[0]}, {bounds[1]}]: the low bound must be below the high one")
+    for name, (entry, starred) in resolve_number_cells("warnings.outside", entries, by_name).items():
+        where = f"warnings.outside: cell {name}"
+        low, high = (_bound_text(where, b, name, starred, by_name) for b in entry["range"])
+        message = entry["message"].replace("{cell}", name).replace("{*}", starred)
+        by_name[name].outside = (low, high, message)
