@@ -167,12 +167,13 @@ void DesignTarget::describe() {
     };
     std::map<std::string, Shared> everyBlock;
     std::vector<std::string> everyOrder;
-    auto blockInputs = [&](std::string const& block, std::string const& model, bool isStatic) {
-        Sheet const* sheet = SheetRegistry::instance().find(model);
+    // An input the design sets, or takes from another block, is no variable of its own.
+    auto blockInputs = [&](std::string const& block, design::Block const& given, bool isStatic) {
+        Sheet const* sheet = SheetRegistry::instance().find(given.model);
         if (sheet == nullptr) return;
         for (CellInfo const& cell : sheet->cells()) {
             if (cell.category != CellCategory::UserInput ||
-                !design::designOwned(sheet->design(), cell.name).empty())
+                !design::designOwned(sheet->design(), cell.name).empty() || given.reference(cell.name))
                 continue;
             variable(block + "." + cell.name, cell.type, cellUnit(cell),
                      {Setting::Input, {block}, cell.name});
@@ -184,8 +185,8 @@ void DesignTarget::describe() {
             it->second.blocks.push_back(block);
         }
     };
-    for (design::Block const& block : m_design.blocks) blockInputs(block.name, block.model, false);
-    if (m_design.staticSheet) blockInputs("static", m_design.staticSheet->model, true);
+    for (design::Block const& block : m_design.blocks) blockInputs(block.name, block, false);
+    if (m_design.staticSheet) blockInputs("static", *m_design.staticSheet, true);
     // Every block that has the input; a cell whose type differs between sheets has no such variable.
     for (std::string const& cell : everyOrder) {
         Shared const& shared = everyBlock.at(cell);
