@@ -35,7 +35,7 @@ public:
     struct Count {
         std::string name;
         std::string resource;  // the device resource it takes up; empty when none
-        double total = 0;      // summed over the blocks by the last sum()
+        double total = 0;      // summed over the blocks by add() since the last clear()
     };
 
     // Registers the counts a block's sheet declares and says where to read them.

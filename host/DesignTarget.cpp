@@ -260,9 +260,14 @@ std::string DesignTarget::notAVariable(std::string const& variable) const {
             return "no block or load of " + source + " uses rail " + cell + " (rails in use: " + used + ")";
         }
         std::string model;
-        if (block == "static" && m_design.staticSheet) model = m_design.staticSheet->model;
+        design::Block const* given = nullptr;
+        if (block == "static" && m_design.staticSheet) given = &*m_design.staticSheet;
         for (design::Block const& b : m_design.blocks)
-            if (b.name == block) model = b.model;
+            if (b.name == block) given = &b;
+        if (given != nullptr) model = given->model;
+        if (design::Input const* reference = given ? given->reference(cell) : nullptr)
+            return "block \"" + block + "\": cell " + cell + " takes its value from cell " +
+                   reference->fromCell + " of block \"" + reference->from + "\", and follows it";
         if (Sheet const* sheet = model.empty() ? nullptr : SheetRegistry::instance().find(model)) {
             CellInfo const* info = sheet->findCell(cell);
             if (info != nullptr && info->category != CellCategory::UserInput)

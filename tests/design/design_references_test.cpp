@@ -142,6 +142,8 @@ TEST(DesignReferences, ASweepOverTheSourceMovesTheReader) {
     };
     EXPECT_TRUE(has("source.CLOCK_FREQ"));
     EXPECT_FALSE(has("reader.CLOCK_FREQ"));  // it is the source's
+    EXPECT_MENTIONS(target.notAVariable("reader.CLOCK_FREQ"),
+                    "takes its value from cell CLOCK_FREQ of block \"source\"");
 
     auto evaluation = target.createDesign();
     evaluation->set("source.CLOCK_FREQ", "400");
