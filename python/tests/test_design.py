@@ -88,9 +88,6 @@ def test_an_input_taken_from_another_block_follows_it():
     # The source's clock doubled doubles both blocks' dynamic power.
     design.set("logic.CLOCK_FREQ", 600)
     assert design.estimate()["totals"]["total_power"] == pytest.approx(4 * logic["power"], rel=1e-5)
-    with pytest.raises(prsm.InputError, match="cycle of references"):
-        data["blocks"][0]["inputs"]["CLOCK_FREQ"] = {"from": "twin"}
-        prsm.Design.from_dict(data)
 
 
 def test_refused_designs_and_settings_raise_input_error():
