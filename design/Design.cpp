@@ -3,6 +3,7 @@
 #include <prsm/design/Rails.h>
 #include <prsm/framework/PRSMException.h>
 #include <prsm/framework/PRSMSheetPresets.h>
+#include <prsm/design/References.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
 #include <nlohmann/json.hpp>
@@ -247,6 +248,22 @@ std::vector<Input> readPreset(Checker& check, Sheet const& sheet, std::string co
     return inputs;
 }
 
+// An input's value taken from another block: the block's name and its cell (by default the input's name).
+std::optional<std::pair<std::string, std::string>> readReference(Checker& check, Json const& value,
+                                                                 std::string const& pointer,
+                                                                 std::string const& cell) {
+    check.onlyKeys(value, pointer, {"from", "cell"});
+    std::optional<std::string> from, fromCell = cell;
+    if (auto it = value.find("from"); it == value.end())
+        check.fail(pointer, "missing \"from\": the block to take the value from");
+    else
+        from = check.string(*it, pointer + "/from");
+    if (auto it = value.find("cell"); it != value.end()) fromCell = check.string(*it, pointer + "/cell");
+    if (from && from->empty()) check.fail(pointer + "/from", "the block to take the value from has no name");
+    if (!from || from->empty() || !fromCell) return std::nullopt;
+    return std::make_pair(*from, *fromCell);
+}
+
 Block readBlock(Checker& check, Json const& json, std::string const& pointer, Role role) {
     bool const isStatic = role == Role::Static;
     Block block;
@@ -319,6 +336,11 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, Ro
         }
         if (std::string const owner = designOwned(sheet->design(), cell); !owner.empty()) {
             check.fail(at, who + ": cell " + cell + " is " + owner);
+            continue;
+        }
+        if (value.is_object()) {  // {"from": block, "cell": cell}: checked once every block is read
+            if (auto reference = readReference(check, value, at, cell))
+                block.inputs.push_back({cell, "", at, reference->first, reference->second});
             continue;
         }
         std::string text;
@@ -510,6 +532,8 @@ Design parseDesign(std::string const& text, std::string const& source) {
             design.loads.push_back(std::move(load));
         }
     }
+    for (ReferenceProblem const& problem : checkReferences(design))
+        check.fail(problem.pointer, problem.message);
     check.finish();
     return design;
 }

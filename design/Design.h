@@ -39,6 +39,10 @@ struct Input {
     std::string cell;
     std::string text;     // the value as the sheet's text (numbers in full precision)
     std::string pointer;  // JSON pointer of the value in the file (of the preset that set it), for messages
+    // A value taken from another block's cell ({"from": block, "cell": cell}); `text` is then empty.
+    std::string from{};
+    std::string fromCell{};
+    bool isReference() const { return !from.empty(); }
 };
 
 struct Block {
@@ -47,6 +51,8 @@ struct Block {
     int count = 1;
     std::vector<Input> inputs;  // the preset's first, when the block names one, then the block's own
     std::string pointer;
+    // The reference that gives `cell` its value, or null when the cell is not set from another block.
+    Input const* reference(std::string const& cell) const;
 };
 
 struct Load {

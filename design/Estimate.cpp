@@ -1,8 +1,11 @@
+#include <prsm/design/Counts.h>
 #include <prsm/design/DeclaredWarnings.h>
 #include <prsm/design/DeviceChecks.h>
 #include <prsm/design/Estimate.h>
 #include <prsm/design/Grades.h>
 #include <prsm/design/Rails.h>
+#include <prsm/design/References.h>
+#include <prsm/design/Resources.h>
 #include <prsm/design/ThermalSolve.h>
 #include <prsm/framework/PRSMCommonParamControlData.h>
 #include <prsm/framework/PRSMException.h>
@@ -184,6 +187,8 @@ struct Estimator::State {
         std::vector<std::pair<std::string, std::string>> device;  // device inputs in the sheet's spelling
         std::string error;
         std::vector<Warning> warnings;
+        std::vector<Link> links;  // inputs taken from other blocks
+        BlockCounts counts;
     };
     // The dynamic power of one rail, region and tag, the unit that feeds select from.
     struct Cell {
@@ -234,6 +239,13 @@ struct Estimator::State {
     std::size_t boardTotalCell = kNone;
     std::vector<BoardRegulatorCells> boardRegulators;
 
+    // Blocks that read from other blocks, and the used-block counts the design adds up.
+    std::vector<std::size_t> order;                 // sources before their readers
+    std::vector<std::vector<std::size_t>> readers;  // per block, the blocks that read from it
+    CountTally tally;
+    std::optional<CountFeeder> countFeeder;
+    std::optional<DeviceResources> deviceResources;
+
     Report report;
 
     std::size_t rail(std::string const& name) {
@@ -256,6 +268,10 @@ struct Estimator::State {
     std::size_t cellOf(std::size_t r, std::size_t region, std::size_t tag);
     void describe(BlockState const& block, BlockResult& result) const;
     void build();
+    void setupLinks();
+    void applyLinks(BlockState& block);
+    std::string failedSource(BlockState const& block) const;
+    void addCounts();
 };
 
 void Estimator::State::prepareBlock(BlockState& block) {
@@ -266,6 +282,7 @@ void Estimator::State::prepareBlock(BlockState& block) {
     block.device = deviceInputs(design.device, sheet, *block.instance, block.given->name, deviceWarnings);
     for (auto const& [cell, text] : block.device) block.instance->set(cell, text);
     for (Input const& input : block.given->inputs) {
+        if (input.isReference()) continue;  // copied in at each calculation
         try {
             block.instance->set(input.cell, input.text);
         } catch (std::invalid_argument const& e) {
@@ -289,7 +306,8 @@ void Estimator::State::restore(BlockState& block) {
     SheetDesign const& declared = block.sheet->design();
     block.instance->resetUserInputs();
     for (auto const& [cell, text] : block.device) block.instance->set(cell, text);
-    for (Input const& input : block.given->inputs) block.instance->set(input.cell, input.text);
+    for (Input const& input : block.given->inputs)
+        if (!input.isReference()) block.instance->set(input.cell, input.text);
     for (auto const& [cell, text] : block.changed_inputs) block.instance->set(cell, text);
     for (auto const& [cell, railName] : declared.voltageInputs)
         block.instance->setNumber(cellIndex(*block.sheet, cell), voltage[railIndex[railName]]);
@@ -388,6 +406,62 @@ void Estimator::State::setup() {
         perRail(statics->sheet->design().staticCurrent, staticCurrentCell);
         perRail(statics->sheet->design().maxCurrent, maxCurrentCell);
     }
+    setupLinks();
+}
+
+// The references between blocks and the counts they make up, resolved once.
+void Estimator::State::setupLinks() {
+    std::vector<std::vector<Link>> links;
+    for (BlockState& block : blocks) {
+        block.links = resolveLinks(*block.given, *block.sheet, design);
+        block.counts = tally.declare(*block.sheet);
+        links.push_back(block.links);
+    }
+    order = calculationOrder(links);
+    readers = readersOf(links);
+    if (statics) statics->links = resolveLinks(*statics->given, *statics->sheet, design);
+    if (board) board->links = resolveLinks(*board->given, *board->sheet, design);
+    std::vector<std::string> resources;
+    for (CountTally::Count const& count : tally.counts()) resources.push_back(count.resource);
+    if (statics) {
+        countFeeder.emplace(*statics->sheet);
+        for (CountFeed const& feed : statics->sheet->design().countFeeds) resources.push_back(feed.resource);
+    }
+    deviceResources.emplace(design.device, resources);
+}
+
+void Estimator::State::applyLinks(BlockState& block) {
+    for (Link const& link : block.links) {
+        BlockState& source = blocks[link.source];
+        copyLinked(link, *source.sheet, *source.instance, *block.sheet, *block.instance);
+    }
+}
+
+// Why a block cannot be calculated because a block it reads from failed; "" when none did.
+std::string Estimator::State::failedSource(BlockState const& block) const {
+    for (Link const& link : block.links)
+        if (BlockState const& source = blocks[link.source]; !source.error.empty())
+            return "block \"" + source.given->name + "\", which it reads from, failed";
+    return {};
+}
+
+// The used-block counts summed over the blocks that calculated, the static sheet's count inputs worked
+// out from them, and the device's resources checked against them.
+void Estimator::State::addCounts() {
+    tally.clear();
+    for (BlockState const& block : blocks)
+        if (block.error.empty()) tally.add(block.counts, block.given->count);
+    report.resources = resourceUse(tally, *deviceResources);
+    std::string const* part = design.device.find("part");
+    for (Warning& warning : overUse(report.resources, part ? *part : std::string()))
+        report.warnings.push_back(std::move(warning));
+    if (!countFeeder) return;
+    countFeeder->prepare(tally, *deviceResources, [this](std::string const& cell) {
+        return std::any_of(statics->given->inputs.begin(), statics->given->inputs.end(),
+                           [&](Input const& input) { return input.cell == cell; }) ||
+               std::any_of(statics->changed_inputs.begin(), statics->changed_inputs.end(),
+                           [&](auto const& changed) { return changed.first == cell; });
+    });
 }
 
 // The voltage of every rail in use that the design leaves out: the static sheet's at the design's
@@ -459,6 +533,7 @@ void Estimator::State::settleVoltages() {
 void Estimator::State::calculateBlock(BlockState& block) {
     block.error.clear();
     try {
+        applyLinks(block);  // the values this block takes from others, calculated before it
         block.instance->calculate();
         for (std::size_t i = 0; i < block.outputs.size(); ++i) {
             Output const& out = block.outputs[i];
@@ -470,6 +545,7 @@ void Estimator::State::calculateBlock(BlockState& block) {
                 throw std::runtime_error(block.sheet->cells()[out.cell].name + " is not a number");
             block.power[i] = out.current ? value * voltage[out.rail] : value;
         }
+        CountTally::measure(block.counts, *block.sheet, *block.instance);
     } catch (PRSMException const& e) {
         block.error = e.what();
     } catch (std::exception const& e) {
@@ -512,8 +588,13 @@ void Estimator::State::checkValidity(BlockState& block) {
 // The static sheet at one junction temperature, from a fresh parameter set each time, so that its
 // figures at a temperature never depend on the temperatures calculated before.
 bool Estimator::State::staticAt(double junction, double& staticPower) {
+    if (std::string const failed = failedSource(*statics); !failed.empty()) {
+        statics->error = failed;
+        return false;
+    }
     restore(*statics);
     for (std::size_t i = 0; i < feeds.size(); ++i) statics->instance->setNumber(feeds[i].cell, feedPower[i]);
+    if (countFeeder) countFeeder->feed(*statics->instance);
     statics->instance->setNumber(temperatureCell, junction);
     calculateBlock(*statics);
     if (!statics->error.empty()) return false;
@@ -694,6 +775,7 @@ void Estimator::State::build() {
     double dynamic = 0;
     for (double p : railDynamic) dynamic += p;
     out.dynamicPower = dynamic;
+    addCounts();
 
     // The static sheet: fed with the dynamic power, evaluated at the junction temperature.
     std::vector<double> staticCurrent(rails.size(), 0.0);
@@ -780,6 +862,9 @@ void Estimator::State::build() {
         }
         if (statics->checkValidity) checkValidity(*statics);
         out.warnings.insert(out.warnings.end(), statics->warnings.begin(), statics->warnings.end());
+        out.staticCounts.clear();
+        if (countFeeder && staticOk)
+            countFeeder->describe(*statics->instance, out.staticCounts, out.warnings);
     }
 
     out.rails.clear();
@@ -842,12 +927,22 @@ Report const& Estimator::estimate() {
 }
 
 Report const& Estimator::update() {
-    for (State::BlockState& block : m_state->blocks) {
+    State& s = *m_state;
+    for (std::size_t b : s.order) {  // a block after the blocks it reads from
+        State::BlockState& block = s.blocks[b];
         if (block.dirty) {
-            m_state->restore(block);
-            m_state->calculateBlock(block);
+            if (std::string const failed = s.failedSource(block); failed.empty()) {
+                s.restore(block);
+                s.calculateBlock(block);
+            } else {
+                block.error = failed;
+                block.dirty = false;
+                block.changed = true;
+            }
+            for (std::size_t reader : s.readers[b])
+                s.blocks[reader].dirty = s.blocks[reader].checkValidity = true;
         }
-        if (block.checkValidity) m_state->checkValidity(block);
+        if (block.checkValidity) s.checkValidity(block);
     }
     m_state->build();
     return m_state->report;
@@ -868,6 +963,9 @@ void Estimator::setInput(std::string const& block, std::string const& cell, std:
         throw DesignError("block \"" + block + "\": " + cell + " is not an input of " + target->given->model);
     if (std::string const owner = designOwned(target->sheet->design(), cell); !owner.empty())
         throw DesignError("block \"" + block + "\": cell " + cell + " is " + owner);
+    if (Input const* reference = target->given->reference(cell))
+        throw DesignError("block \"" + block + "\": cell " + cell + " takes its value from block \"" +
+                          reference->from + "\"");
     try {
         target->instance->set(cell, text);
     } catch (std::invalid_argument const& e) {

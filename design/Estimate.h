@@ -80,6 +80,13 @@ struct BoardResult {
     std::vector<RegulatorResult> regulators;
 };
 
+// A device resource the design's blocks take up, against the device's count of it.
+struct ResourceUse {
+    std::string resource;  // the catalogue's name: "LUTS", "FLIP_FLOPS", "BRAMS", "URAMS", "DSPS"
+    double used = 0;       // summed over the blocks, each block's instances included
+    double available = 0;  // the device's count; 0 when the catalogue does not give it
+};
+
 struct Report {
     std::string source;
     std::string staticModel;  // empty when the design names no static sheet
@@ -91,6 +98,8 @@ struct Report {
     std::vector<BlockResult> blocks;
     std::vector<RegionResult> regions;
     std::vector<std::pair<std::string, double>> staticInputs;  // fed input cell -> W
+    std::vector<std::pair<std::string, double>> staticCounts;  // count-fed input cell -> what it holds
+    std::vector<ResourceUse> resources;                        // the device resources the blocks use
     std::vector<Warning> warnings;
     ThermalResult thermal;
     std::optional<BoardResult> board;  // when the design names a module board

@@ -83,8 +83,18 @@ std::string toJson(Report const& report) {
     if (!report.staticModel.empty()) {
         Json feeds = Json::object();
         for (auto const& [cell, value] : report.staticInputs) feeds[cell] = value;
-        out["static"] = {{"model", report.staticModel}, {"inputs", feeds}};
+        Json counts = Json::object();
+        for (auto const& [cell, value] : report.staticCounts) counts[cell] = value;
+        out["static"] = {{"model", report.staticModel}, {"inputs", feeds}, {"counts", counts}};
     }
+    Json resources = Json::array();
+    for (ResourceUse const& r : report.resources)
+        resources.push_back(
+            {{"resource", r.resource},
+             {"used", r.used},
+             {"available", r.available > 0 ? Json(r.available) : Json(nullptr)},
+             {"utilisation", r.available > 0 ? Json(r.used / r.available * 100) : Json(nullptr)}});
+    out["resources"] = resources;
     if (report.board) {
         BoardResult const& b = *report.board;
         auto figure = [](double value) { return std::isnan(value) ? Json(nullptr) : Json(value); };
@@ -144,6 +154,14 @@ std::string toCsv(Report const& report) {
     }
     for (auto const& [cell, value] : report.staticInputs)
         line("static_input", cell, "", "power", number(value), "W");
+    for (auto const& [cell, value] : report.staticCounts)
+        line("static_count", cell, "", "count", number(value), "");
+    for (ResourceUse const& r : report.resources) {
+        line("resource", r.resource, "", "used", number(r.used), "count");
+        if (r.available <= 0) continue;
+        line("resource", r.resource, "", "available", number(r.available), "count");
+        line("resource", r.resource, "", "utilisation", number(r.used / r.available * 100), "%");
+    }
     line("thermal", "", "", "junction_temperature", number(report.thermal.junction), "degC");
     if (report.thermal.solved)
         line("thermal", "", "", "iterations", std::to_string(report.thermal.iterations), "count");

@@ -7,7 +7,8 @@
 
 namespace prsm::design {
 
-// One JSON object: rails, blocks, regions, static inputs, thermal, totals, warnings, failures. Numbers
+// One JSON object: rails, blocks, regions, static inputs and counts, device resources, thermal, totals,
+// warnings, failures. Numbers
 // are in V, A, W and degC; the totals are null when the report is not complete.
 std::string toJson(Report const& report);
 

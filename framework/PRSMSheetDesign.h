@@ -29,6 +29,27 @@ struct PartFeature {
     std::vector<std::string> values;
 };
 
+// A count of used blocks that a block makes up (LUTs, flip-flops, block RAMs): `cell` holds one instance's
+// share, which the design multiplies by the block's instance count. With `whenInput` set, the share counts
+// only while that string input holds one of `whenValues` (a trailing '*' matches any rest: "LUT*").
+// `resource` is the device resource it takes up (the catalogue's "LUTS", "BRAMS"), empty when none.
+struct SheetCount {
+    std::string count;  // "luts", "bram_active", ...: one vocabulary, checked by the generator
+    std::string cell;
+    std::string resource;
+    std::string whenInput;
+    std::vector<std::string> whenValues;
+};
+
+// A static-sheet input that receives the design's used-block counts: their sum, or with `share` that
+// sum as a percentage of the device's `resource` (LUTs used over the device's LUTs).
+struct CountFeed {
+    std::string input;
+    std::vector<std::string> counts;
+    std::string resource;
+    bool share = false;
+};
+
 struct SheetDesign {
     using Pairs = std::vector<std::pair<std::string, std::string>>;
 
@@ -60,11 +81,15 @@ struct SheetDesign {
     // design's part has another value.
     std::vector<PartFeature> requiredFeatures;
 
+    // The used-block counts a block makes up, and the static sheet's inputs that receive them.
+    std::vector<SheetCount> counts;
+    std::vector<CountFeed> countFeeds;
+
     bool isStatic() const { return !temperatureInput.empty(); }
     bool isBoard() const { return !boardCurrents.empty(); }
     bool empty() const {
         return region.empty() && voltageInputs.empty() && powerOutputs.empty() && currentOutputs.empty() &&
-               deviceInputs.empty() && !isStatic() && !isBoard() && requiredFeatures.empty();
+               deviceInputs.empty() && !isStatic() && !isBoard() && requiredFeatures.empty() && counts.empty();
     }
 };
 

@@ -167,12 +167,13 @@ void DesignTarget::describe() {
     };
     std::map<std::string, Shared> everyBlock;
     std::vector<std::string> everyOrder;
-    auto blockInputs = [&](std::string const& block, std::string const& model, bool isStatic) {
-        Sheet const* sheet = SheetRegistry::instance().find(model);
+    // An input the design sets, or takes from another block, is no variable of its own.
+    auto blockInputs = [&](std::string const& block, design::Block const& given, bool isStatic) {
+        Sheet const* sheet = SheetRegistry::instance().find(given.model);
         if (sheet == nullptr) return;
         for (CellInfo const& cell : sheet->cells()) {
             if (cell.category != CellCategory::UserInput ||
-                !design::designOwned(sheet->design(), cell.name).empty())
+                !design::designOwned(sheet->design(), cell.name).empty() || given.reference(cell.name))
                 continue;
             variable(block + "." + cell.name, cell.type, cellUnit(cell),
                      {Setting::Input, {block}, cell.name});
@@ -184,8 +185,8 @@ void DesignTarget::describe() {
             it->second.blocks.push_back(block);
         }
     };
-    for (design::Block const& block : m_design.blocks) blockInputs(block.name, block.model, false);
-    if (m_design.staticSheet) blockInputs("static", m_design.staticSheet->model, true);
+    for (design::Block const& block : m_design.blocks) blockInputs(block.name, block, false);
+    if (m_design.staticSheet) blockInputs("static", *m_design.staticSheet, true);
     // Every block that has the input; a cell whose type differs between sheets has no such variable.
     for (std::string const& cell : everyOrder) {
         Shared const& shared = everyBlock.at(cell);
@@ -259,9 +260,14 @@ std::string DesignTarget::notAVariable(std::string const& variable) const {
             return "no block or load of " + source + " uses rail " + cell + " (rails in use: " + used + ")";
         }
         std::string model;
-        if (block == "static" && m_design.staticSheet) model = m_design.staticSheet->model;
+        design::Block const* given = nullptr;
+        if (block == "static" && m_design.staticSheet) given = &*m_design.staticSheet;
         for (design::Block const& b : m_design.blocks)
-            if (b.name == block) model = b.model;
+            if (b.name == block) given = &b;
+        if (given != nullptr) model = given->model;
+        if (design::Input const* reference = given ? given->reference(cell) : nullptr)
+            return "block \"" + block + "\": cell " + cell + " takes its value from cell " +
+                   reference->fromCell + " of block \"" + reference->from + "\", and follows it";
         if (Sheet const* sheet = model.empty() ? nullptr : SheetRegistry::instance().find(model)) {
             CellInfo const* info = sheet->findCell(cell);
             if (info != nullptr && info->category != CellCategory::UserInput)

@@ -73,6 +73,21 @@ std::string renderEstimateTable(design::Report const& report) {
         for (auto const& [cell, value] : report.staticInputs) fed.push_back({cell, fixed(value, 4)});
         text << "\n" << formatTable({"static-sheet input", "value (W)"}, fed);
     }
+    if (!report.staticCounts.empty()) {
+        std::vector<TextRow> fed;
+        for (auto const& [cell, value] : report.staticCounts) fed.push_back({cell, fixed(value, 2)});
+        text << "\n" << formatTable({"static-sheet count", "value"}, fed);
+    }
+    if (!report.resources.empty()) {
+        std::vector<TextRow> used;
+        for (design::ResourceUse const& r : report.resources) {
+            bool const known = r.available > 0;
+            double const pct = known ? r.used / r.available * 100 : 0;
+            used.push_back({r.resource, fixed(r.used, 0), known ? fixed(r.available, 0) : "-",
+                            known ? fixed(pct, 1) + (pct > 100 ? " OVER" : "") : "-"});
+        }
+        text << "\n" << formatTable({"resource", "used", "device", "utilisation (%)"}, used);
+    }
 
     if (report.board) {
         design::BoardResult const& b = *report.board;

@@ -12,6 +12,18 @@ REGIONS = ("logic", "io", "gt", "ps_pmc", "noc", "aie", "hbm")
 DEVICE_FIELDS = ("part", "internal_part", "package", "speed_grade", "temperature_grade", "voltage_grade",
                  "power_screen", "process", "voltage_corner")
 RAIL = re.compile(r"[A-Z][A-Z0-9_]*")
+# The used-block counts: what a block sheet may declare it makes up and a static sheet may receive,
+# each with the device resource it takes up (the catalogue's PARAM_VARS_INT.<part>.<RESOURCE>), or ""
+# for a count that no resource limits. One vocabulary for every sheet; add a count here first.
+COUNTS = {
+    "luts": "LUTS",
+    "flip_flops": "FLIP_FLOPS",
+    "bram_active": "BRAMS",  # 36 Kb-equivalent block RAMs, active and asleep
+    "bram_sleep": "BRAMS",
+    "uram_active": "URAMS",
+    "uram_sleep": "URAMS",
+    "dsps": "DSPS",
+}
 
 
 @dataclass
@@ -32,6 +44,10 @@ class DesignDecl:
     board_total: str = ""
     board_regulators: list[tuple[str, str, str, str, str]] = field(default_factory=list)
     requires: list[tuple[str, list[str]]] = field(default_factory=list)  # catalogue feature -> its values
+    # (count, cell of one instance's share, resource, string input that gates it, the values it counts at)
+    counts: list[tuple[str, str, str, str, list[str]]] = field(default_factory=list)
+    # (input, counts summed into it, resource of a share, whether it is a share in percent)
+    count_feeds: list[tuple[str, list[str], str, bool]] = field(default_factory=list)
 
 
 def check_selector(text: str) -> None:
@@ -48,6 +64,62 @@ def check_selector(text: str) -> None:
             for region in m[2].split(","):
                 if region not in REGIONS:
                     raise SheetError(f"design.feeds: unknown region {region!r}; one of {', '.join(REGIONS)}")
+
+
+def _known_count(name: str, where: str) -> str:
+    if name not in COUNTS:
+        raise SheetError(f"{where}: unknown count {name!r}; one of {', '.join(COUNTS)}")
+    return COUNTS[name]
+
+
+def load_counts(design: dict, cell) -> list[tuple[str, str, str, str, list[str]]]:
+    """[design.counts]: count = "CELL", or { cell = "CELL", when = { INPUT = "PATTERN" or [...] } } for a
+    share that counts only while a string input holds one of the patterns ("LUT*": a prefix)."""
+    counts = []
+    for name, entry in design.get("counts", {}).items():
+        where = f"design.counts.{name}"
+        resource = _known_count(name, where)
+        when_cell, when_values = "", []
+        if isinstance(entry, dict):
+            if unknown := set(entry) - {"cell", "when"}:
+                raise SheetError(f"{where}: unknown keys {sorted(unknown)}")
+            when = entry.get("when", {})
+            if not isinstance(when, dict) or len(when) > 1:
+                raise SheetError(f"{where}.when: one string input = a pattern or a list of patterns")
+            for when_cell, patterns in when.items():
+                cell(when_cell, f"{where}.when", ("string",), True)
+                when_values = [patterns] if isinstance(patterns, str) else list(patterns)
+                if not when_values or any(not isinstance(p, str) or "*" in p[:-1] for p in when_values):
+                    raise SheetError(f"{where}.when.{when_cell}: patterns are texts, a '*' only at the end")
+            entry = entry.get("cell", "")
+        if not isinstance(entry, str) or not entry:
+            raise SheetError(f"{where}: the cell giving one instance's share, or {{ cell, when }}")
+        found = cell(entry, where, ("int", "float"), None)
+        counts.append((name, found.name, resource, when_cell, when_values))
+    return counts
+
+
+def load_count_feeds(design: dict, cell) -> list[tuple[str, list[str], str, bool]]:
+    """[design.count_feeds]: input = "count + count", or "count %" for the count as a percentage of the
+    device's resource of it."""
+    feeds = []
+    for name, text in design.get("count_feeds", {}).items():
+        where = f"design.count_feeds.{name}"
+        found = cell(name, where, ("int", "float"), True)
+        if not isinstance(text, str):
+            raise SheetError(f"{where}: counts joined with \" + \", optionally followed by \" %\"")
+        share = text.rstrip().endswith("%")
+        names = [part.strip() for part in text.rstrip().rstrip("%").split("+")]
+        resources = {_known_count(n, where) for n in names}
+        resource = ""
+        if share:
+            if len(resources) != 1 or "" in resources:
+                raise SheetError(f"{where}: a share in percent sums counts of one device resource")
+            if found.type != "float":
+                raise SheetError(f"{where}: a share in percent goes into a float input")
+            resource = resources.pop()
+        feeds.append((name, names, resource, share))
+    return feeds
 
 
 def _pairs(section: dict, key: str, value_is_rail: bool = True) -> list[tuple[str, str]]:
@@ -71,7 +143,8 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
     if unknown := set(rails) - {"voltage", "power", "current"}:
         raise SheetError(f"rails: unknown keys {sorted(unknown)}")
     known = {"region", "device", "temperature", "static_current", "max_current", "static_total", "static_regions",
-             "feeds", "board_architecture", "board_currents", "board_total", "board_regulators", "requires"}
+             "feeds", "board_architecture", "board_currents", "board_total", "board_regulators", "requires", "counts",
+             "count_feeds"}
     if unknown := set(design) - known:
         raise SheetError(f"design: unknown keys {sorted(unknown)}")
     decl = DesignDecl()
@@ -83,8 +156,8 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
         c = sheet.by_name.get(name)
         if c is None:
             raise SheetError(f"{where}: no cell {name}")
-        if c.type not in types or c.is_input != want_input:
-            kind = "input" if want_input else "computed cell"
+        if c.type not in types or (want_input is not None and c.is_input != want_input):
+            kind = "cell" if want_input is None else "input" if want_input else "computed cell"
             raise SheetError(f"{where}: {name} is not a {'/'.join(types)} {kind}")
         return c
 
@@ -103,7 +176,9 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
         if fld not in DEVICE_FIELDS:
             raise SheetError(f"design.device.{name}: unknown field {fld!r}; one of {', '.join(DEVICE_FIELDS)}")
 
-    static_keys = {"temperature", "static_current", "max_current", "static_total", "static_regions", "feeds"} & set(design)
+    decl.counts = load_counts(design, cell)
+    static_keys = {"temperature", "static_current", "max_current", "static_total", "static_regions", "feeds",
+                   "count_feeds"} & set(design)
     if static_keys and "temperature" not in design:
         raise SheetError("design: a static sheet names its junction-temperature input in design.temperature")
     if "temperature" in design:
@@ -135,6 +210,7 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
             cell(name, "design.feeds", ("float",), True)
             check_selector(selector)
             decl.feeds.append((name, selector))
+        decl.count_feeds = load_count_feeds(design, cell)
 
     board_keys = {"board_architecture", "board_currents", "board_total", "board_regulators"} & set(design)
     if board_keys and "board_currents" not in design:
@@ -196,10 +272,18 @@ def _cpp_requires(features: list[tuple[str, list[str]]]) -> str:
     return "{" + ", ".join(f'{{"{f}", {_cpp_tuples([tuple(values)])[1:-1]}}}' for f, values in features) + "}"
 
 
+def _cpp_strings(items: list[str]) -> str:
+    return "{" + ", ".join(f'"{x}"' for x in items) + "}"
+
+
 def initializer(decl: DesignDecl) -> str:
     """The prsm::SheetDesign aggregate, member by member in declaration order."""
     return (f'prsm::SheetDesign{{"{decl.region}", {_cpp_pairs(decl.voltage)}, {_cpp_pairs(decl.power)}, '
             f'{_cpp_pairs(decl.current)}, {_cpp_pairs(decl.device)}, "{decl.temperature}", '
             f'"{decl.static_current}", "{decl.max_current}", "{decl.static_total}", {_cpp_pairs(decl.static_regions)}, '
             f'{_cpp_pairs(decl.feeds)}, "{decl.board_architecture}", {_cpp_pairs(decl.board_currents)}, '
-            f'"{decl.board_total}", {_cpp_tuples(decl.board_regulators)}, {_cpp_requires(decl.requires)}}}')
+            f'"{decl.board_total}", {_cpp_tuples(decl.board_regulators)}, {_cpp_requires(decl.requires)}, '
+            "{" + ", ".join(f'{{"{c}", "{cell}", "{r}", "{w}", {_cpp_strings(v)}}}'
+                            for c, cell, r, w, v in decl.counts) + "}, "
+            "{" + ", ".join(f'{{"{i}", {_cpp_strings(n)}, "{r}", {"true" if share else "false"}}}'
+                            for i, n, r, share in decl.count_feeds) + "}}")

@@ -80,6 +80,20 @@ def test_a_small_design_adds_up_by_its_blocks():
     assert "logic.CLOCK_FREQ" in design.variables and "block.logic.power" in design.outputs
 
 
+def test_an_input_taken_from_another_block_follows_it():
+    data = copy.deepcopy(SMALL)
+    data["blocks"].append({"name": "twin", "model": "TalvexCleLogic",
+                           "inputs": {"INSTANCE_TYPE": "REG_FF", "INSTANCE_COUNT": 50000,
+                                      "CLOCK_FREQ": {"from": "logic"}}})
+    design = prsm.Design.from_dict(data)
+    assert "logic.CLOCK_FREQ" in design.variables and "twin.CLOCK_FREQ" not in design.variables
+    logic, twin = design.estimate()["blocks"]
+    assert twin["power"] == pytest.approx(logic["power"], rel=1e-12)  # the same block at the same clock
+    # The source's clock doubled doubles both blocks' dynamic power.
+    design.set("logic.CLOCK_FREQ", 600)
+    assert design.estimate()["totals"]["total_power"] == pytest.approx(4 * logic["power"], rel=1e-5)
+
+
 def test_refused_designs_and_settings_raise_input_error():
     bad = copy.deepcopy(SMALL)
     bad["blocks"][0]["inputs"]["CLOCK_FREQ"] = "fast"

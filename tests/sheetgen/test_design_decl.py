@@ -60,10 +60,22 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
         self.assertEqual(board.board_currents, [("FED", "VCCINT")])
         self.assertEqual(board.board_regulators, [("R1", "AUX_CURRENT", "", "", "POWER")])
         self.assertTrue(design_decl.initializer(board).endswith(
-            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER"}}, {}}'))
+            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER"}}, {}, {}, {}}'))
         # The list form: each cell is its rail's name, braces expanded.
         listed = sheet_with('[rails]\nvoltage = ["VCC{INT,_SOC}"]\n').design
         self.assertEqual(listed.voltage, [("VCCINT", "VCCINT"), ("VCC_SOC", "VCC_SOC")])
+
+    def test_counts_and_their_feeds_carry_the_resource_they_take_up(self):
+        d = sheet_with('[design]\ntemperature = "TJ"\ncount_feeds = { FED = "bram_active + bram_sleep", '
+                       'VCCINT = "luts %" }\n[design.counts]\nluts = { cell = "POWER", when = { DEVICE = '
+                       '["LUT*", "SRL"] } }\ndsps = "AUX_CURRENT"\n').design
+        self.assertEqual(d.counts, [("luts", "POWER", "LUTS", "DEVICE", ["LUT*", "SRL"]),
+                                    ("dsps", "AUX_CURRENT", "DSPS", "", [])])
+        self.assertEqual(d.count_feeds, [("FED", ["bram_active", "bram_sleep"], "", False),
+                                         ("VCCINT", ["luts"], "LUTS", True)])
+        self.assertTrue(design_decl.initializer(d).endswith(
+            '{{"luts", "POWER", "LUTS", "DEVICE", {"LUT*", "SRL"}}, {"dsps", "AUX_CURRENT", "DSPS", "", {}}}, '
+            '{{"FED", {"bram_active", "bram_sleep"}, "", false}, {"VCCINT", {"luts"}, "LUTS", true}}}'))
 
     def test_refuses_each_kind_of_mistake(self):
         cases = {
@@ -86,6 +98,13 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
             '[design]\nboard_currents = { FED = "VCCINT" }\nboard_regulators = { R = { volts = "POWER" } }\n':
                 "unknown keys ['volts']",
             '[design]\ntemperature = "TJ"\nboard_currents = { FED = "VCCINT" }\n': "not both",
+            '[design.counts]\nlookup_tables = "POWER"\n': "unknown count 'lookup_tables'",
+            '[design.counts]\nluts = "DEVICE"\n': "DEVICE is not a int/float cell",
+            '[design.counts]\nluts = { cell = "POWER", when = { TJ = "LUT*" } }\n': "TJ is not a string input",
+            '[design.counts]\nluts = { cell = "POWER", when = { DEVICE = "L*T" } }\n': "a '*' only at the end",
+            '[design]\ncount_feeds = { FED = "luts" }\n': "names its junction-temperature input",
+            '[design]\ntemperature = "TJ"\ncount_feeds = { FED = "luts + flip_flops %" }\n': "one device resource",
+            '[design]\ntemperature = "TJ"\ncount_feeds = { POWER = "luts" }\n': "is not a int/float input",
         }
         for extra, message in cases.items():
             with self.subTest(extra=extra):
