@@ -28,9 +28,10 @@ WIRE_FF_PER_UM = 0.2   # fF per um of upper-metal wire
 VPOW = 2.0             # dynamic power goes with V^2
 
 # The parts of the catalogue and their logic arrays against the reference ZQVC1902 (the sizes of the
-# static-power description). ZQVP1310 has no row of its own: it shows the DEFAULT row at work.
+# static-power description). Every catalogue part has a row, so a part never falls back unnoticed;
+# a part the catalogue does not know takes the DEFAULT row.
 DEVICE_SIZES = {"ZQVC1204": 0.6, "ZQVC1902": 1.0, "ZQVC2606": 1.4, "ZQVE1408": 0.5, "ZQVE2210": 0.8,
-                "ZQVM1606": 0.9, "ZQVM2004": 1.1, "ZQVP1502": 1.3}
+                "ZQVM1606": 0.9, "ZQVM2004": 1.1, "ZQVP1310": 1.6, "ZQVP1502": 1.3}
 
 
 def cap(gates: float = 0.0, switches: float = 0.0, wire_um: float = 0.0) -> float:
