@@ -32,6 +32,7 @@ struct CellInfo {
     // "{value}" and "{unit}" the messages hold; nothing is clamped.
     std::string belowZeroWarning;
     std::string aboveZeroWarning;
+    std::string description{};  // one line in a user's words: what the cell is
 };
 
 // A table whose rows are keyed by a string input's value (one of the table's keys is named like the

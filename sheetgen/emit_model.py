@@ -369,7 +369,8 @@ def _cell_info(sheet: Sheet, plan: Plan, cell: Cell) -> str:
     esc = lambda s: s.replace("\\", "\\\\").replace('"', '\\"')
     return (f'    {{"{cell.name}", {CELL_TYPE[cell.type]}, {CELL_CATEGORY[cell.category]}, "{esc(default)}", '
             f'"{esc(rule)}", "{key}", {listed}, "{esc(cell.unit)}", '
-            f'"{esc(cell.warnings.get("below_zero", ""))}", "{esc(cell.warnings.get("above_zero", ""))}"}},')
+            f'"{esc(cell.warnings.get("below_zero", ""))}", "{esc(cell.warnings.get("above_zero", ""))}", '
+            f'"{esc(cell.description)}"}},')
 
 
 def _rows_lacking(sheet: Sheet) -> str:
@@ -540,6 +541,7 @@ struct CellRow {{
     char const* unit;
     char const* belowZeroWarning;
     char const* aboveZeroWarning;
+    char const* description;
 }};
 
 constexpr CellRow cellRows[] = {{
@@ -551,7 +553,8 @@ std::vector<prsm::CellInfo> cellInfos() {{
     cells.reserve(std::size(cellRows));
     for (CellRow const& row : cellRows)
         cells.push_back({{row.name, row.type, row.category, row.declaredDefault, row.rule, row.validityKey,
-                         row.hasValidValues, row.unit, row.belowZeroWarning, row.aboveZeroWarning}});
+                         row.hasValidValues, row.unit, row.belowZeroWarning, row.aboveZeroWarning,
+                         row.description}});
     return cells;
 }}
 
