@@ -14,6 +14,9 @@ namespace prsm::host {
 
 std::string renderModels(std::vector<Sheet const*> const& sheets);
 std::string renderCells(std::vector<CellRow> const& rows);
+// {"model": ..., "cells": [{"name", "type", "category", "unit", "default", "valid_values", "description"}]}:
+// the table's columns, as the table shows them ("" where it shows nothing).
+nlohmann::ordered_json cellsJson(std::string const& model, std::vector<CellRow> const& rows);
 
 // The outputs as a table, then, when any input is invalid, a table of those inputs and their rules.
 std::string renderCalcTable(CalcResult const& result);
