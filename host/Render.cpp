@@ -80,6 +80,9 @@ nlohmann::ordered_json calcJson(CalcResult const& result) {
     document["unit"] = nlohmann::ordered_json::object();
     for (auto const* cells : {&result.inputs, &result.outputs})
         for (CellValue const& cell : *cells) document["unit"][cell.name] = cell.unit;
+    document["description"] = nlohmann::ordered_json::object();
+    for (auto const* cells : {&result.inputs, &result.outputs})
+        for (CellValue const& cell : *cells) document["description"][cell.name] = cell.description;
     return document;
 }
 

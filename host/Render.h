@@ -22,7 +22,8 @@ nlohmann::ordered_json cellsJson(std::string const& model, std::vector<CellRow> 
 std::string renderCalcTable(CalcResult const& result);
 
 // In the sheet's order: {"model": ..., "inputs": {...}, "outputs": {...}, "valid": {NAME: true/false},
-// "unit": {NAME: unit}} with a unit ("" when none) for every input and output.
+// "unit": {NAME: unit}, "description": {NAME: line}} with a unit ("" when none) and the sheet's line
+// for every input and output.
 nlohmann::ordered_json calcJson(CalcResult const& result);
 
 // One line per invalid input, for standard error when the output is JSON or the dump.

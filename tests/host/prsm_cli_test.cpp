@@ -285,6 +285,9 @@ TEST_F(PrsmCli, ShowsUnitsAndWarnsOfADeviceWithoutItsOwnRow) {
     EXPECT_EQ(json["unit"]["LUT_INSTANCE_POWER"], "mW");
     EXPECT_EQ(json["unit"]["CLOCK_FREQ"], "MHz");
     EXPECT_EQ(json["unit"]["INSTANCE_TYPE"], "");
+    EXPECT_EQ(json["description"]["LOGIC_POWER"],
+              "Dynamic power of all the logic elements of this configuration");
+    EXPECT_EQ(json["description"]["A6_SIG_RATE"], "Signal rate on pin A6");
 
     // A lower-case part name has no scale row of its own: calculated with the default row, and said.
     HostRun const lower = prsm({"calc", "TalvexCleLogic", "DEVICE=zqvc1902", "--json"});
