@@ -45,6 +45,7 @@ struct CellInfo {
     std::string aboveZeroWarning;
     std::string noValueWarning;
     ExpectedRange outside;
+    std::string description{};  // one line in a user's words: what the cell is
 };
 
 // A list input's valid choices (the comma-separated text of SheetInstance::validValues) for a message:

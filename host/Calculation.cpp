@@ -67,7 +67,7 @@ CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& 
             for (std::string& line : design::declaredWarnings(cell, value, *instance))
                 result.warnings.push_back(std::move(line));
             if (cell.category == CellCategory::ModelOutput)
-                result.outputs.push_back({cell.name, cell.type, value, cell.unit});
+                result.outputs.push_back({cell.name, cell.type, value, cell.unit, cell.description});
             if (cell.category != CellCategory::UserInput) continue;
             if (!cell.validityKey.empty()) {
                 bool const valid = instance->isValid(cell.name) != 0;
@@ -80,7 +80,7 @@ CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& 
                     missingRowWarning(cell.name, value, instance->tablesWithoutRow(cell.name));
                 if (!warning.empty()) result.warnings.push_back(warning);
             }
-            result.inputs.push_back({cell.name, cell.type, std::move(value), cell.unit});
+            result.inputs.push_back({cell.name, cell.type, std::move(value), cell.unit, cell.description});
         }
         result.drawsNothing = drawsNothing(sheet.design(), *instance);
         design::CellTexts given;  // the grades that fit the rail voltages better are tried on these

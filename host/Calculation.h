@@ -13,8 +13,9 @@ namespace prsm::host {
 struct CellValue {
     std::string name;
     CellType type;
-    std::string text;  // the library's text of the value
-    std::string unit;  // empty when the cell has none
+    std::string text;           // the library's text of the value
+    std::string unit;           // empty when the cell has none
+    std::string description{};  // the sheet's line for the cell
 };
 
 struct InputCheck {

@@ -30,7 +30,8 @@ CellListing listCells(Sheet const& sheet, std::string const& category) {
     bool dataUsable = true;
     for (CellInfo const& cell : sheet.cells()) {
         if (!category.empty() && category != toString(cell.category)) continue;
-        CellRow row{cell.name, toString(cell.type), toString(cell.category), cell.unit, "", ""};
+        CellRow row{cell.name, toString(cell.type), toString(cell.category), cell.unit, "",
+                    "",        cell.description};
         if (cell.category == CellCategory::UserInput) {
             row.defaultValue = cell.declaredDefault;
             row.validValues = cell.rule;

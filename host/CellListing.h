@@ -1,5 +1,6 @@
 #pragma once
-// The rows of `prsm cells`: each cell with its type, category, default and valid values.
+// The rows of `prsm cells`: each cell with its type, category, unit, default, valid values and
+// description.
 
 #include <prsm/framework/PRSMSheetRegistry.h>
 
@@ -15,6 +16,7 @@ struct CellRow {
     std::string unit;
     std::string defaultValue;  // inputs only
     std::string validValues;   // inputs only: the list of choices, or the rule in words
+    std::string description;   // one line from the sheet's table; empty when it gives none
 };
 
 struct CellListing {

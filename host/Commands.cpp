@@ -32,9 +32,15 @@ int runModels(std::ostream& out) {
 }
 
 int runCells(Request const& request, std::ostream& out, std::ostream& err) {
-    CellListing const listing = listCells(findSheet(request.model), request.category);
+    Sheet const& sheet = findSheet(request.model);
+    CellListing const listing = listCells(sheet, request.category);
     if (!listing.note.empty()) printLines(err, "note: ", listing.note);
-    out << renderCells(listing.rows);
+    if (request.format == OutputFormat::Json)
+        out << cellsJson(sheet.name(), listing.rows)
+                   .dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
+            << "\n";
+    else
+        out << renderCells(listing.rows);
     return kExitOk;
 }
 

@@ -149,9 +149,10 @@ void DesignTarget::describe() {
     std::vector<std::pair<std::string, double>> const rails =
         guarded([&] { return design::Estimator(m_design).railVoltages(); });
 
-    auto variable = [&](std::string const& name, CellType type, std::string const& unit, Setting setting) {
+    auto variable = [&](std::string const& name, CellType type, std::string const& unit, Setting setting,
+                        std::string const& description = "") {
         if (!m_settings.emplace(name, std::move(setting)).second) return;  // a setting's name wins
-        m_variables.push_back({name, type, unit});
+        m_variables.push_back({name, type, unit, description});
     };
     variable("junction_temperature", CellType::Float, "degC", {Setting::Junction, {}, {}});
     variable("ambient_temperature", CellType::Float, "degC", {Setting::Ambient, {}, {}});
@@ -175,8 +176,8 @@ void DesignTarget::describe() {
             if (cell.category != CellCategory::UserInput ||
                 !design::designOwned(sheet->design(), cell.name).empty() || given.reference(cell.name))
                 continue;
-            variable(block + "." + cell.name, cell.type, cellUnit(cell),
-                     {Setting::Input, {block}, cell.name});
+            variable(block + "." + cell.name, cell.type, cellUnit(cell), {Setting::Input, {block}, cell.name},
+                     cell.description);
             if (isStatic) continue;
             auto [it, added] = everyBlock.emplace(cell.name, Shared{cell.type, cellUnit(cell), {}, true});
             if (added) everyOrder.push_back(cell.name);

@@ -35,8 +35,22 @@ std::string renderModels(std::vector<Sheet const*> const& sheets) {
 std::string renderCells(std::vector<CellRow> const& rows) {
     std::vector<TextRow> table;
     for (CellRow const& row : rows)
-        table.push_back({row.name, row.type, row.category, row.unit, row.defaultValue, row.validValues});
-    return formatTable({"cell", "type", "category", "unit", "default", "valid values"}, table);
+        table.push_back(
+            {row.name, row.type, row.category, row.unit, row.defaultValue, row.validValues, row.description});
+    return formatTable({"cell", "type", "category", "unit", "default", "valid values", "description"}, table);
+}
+
+nlohmann::ordered_json cellsJson(std::string const& model, std::vector<CellRow> const& rows) {
+    nlohmann::ordered_json cells = nlohmann::ordered_json::array();
+    for (CellRow const& row : rows)
+        cells.push_back({{"name", row.name},
+                         {"type", row.type},
+                         {"category", row.category},
+                         {"unit", row.unit},
+                         {"default", row.defaultValue},
+                         {"valid_values", row.validValues},
+                         {"description", row.description}});
+    return {{"model", model}, {"cells", cells}};
 }
 
 std::string renderCalcTable(CalcResult const& result) {
@@ -75,6 +89,9 @@ nlohmann::ordered_json calcJson(CalcResult const& result) {
     document["unit"] = nlohmann::ordered_json::object();
     for (auto const* cells : {&result.inputs, &result.outputs})
         for (CellValue const& cell : *cells) document["unit"][cell.name] = cell.unit;
+    document["description"] = nlohmann::ordered_json::object();
+    for (auto const* cells : {&result.inputs, &result.outputs})
+        for (CellValue const& cell : *cells) document["description"][cell.name] = cell.description;
     return document;
 }
 

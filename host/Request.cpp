@@ -21,11 +21,12 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
 
     CLI::App* models = app.add_subcommand("models", "List every model with its description");
 
-    CLI::App* cells =
-        app.add_subcommand("cells", "List a model's cells: type, category, default, valid values");
+    CLI::App* cells = app.add_subcommand(
+        "cells", "List a model's cells: type, category, unit, default, valid values, description");
     cells->add_option("model", request.model, "Model name (see `prsm models`)")->required();
     cells->add_option("--category", request.category, "Only the cells of one category")
         ->check(CLI::IsMember({"input", "output", "intermediate"}));
+    CLI::Option* cellsJson = cells->add_flag("--json", "Print the listing as JSON");
 
     CLI::App* calc = app.add_subcommand("calc", "Set a model's inputs, calculate it and print its outputs");
     calc->add_option("model", request.model, "Model name (see `prsm models`)")->required();
@@ -63,7 +64,10 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
     }
 
     if (models->parsed()) request.command = Command::Models;
-    if (cells->parsed()) request.command = Command::Cells;
+    if (cells->parsed()) {
+        request.command = Command::Cells;
+        if (*cellsJson) request.format = OutputFormat::Json;
+    }
     if (presets->parsed()) request.command = Command::Presets;
     if (sweep->parsed()) request.command = Command::Sweep;
     if (calc->parsed()) {

@@ -157,7 +157,8 @@ std::string sweepJson(SweepResult const& result) {
         for (Column const& column : columns)
             list.push_back({{"name", column.quantity.name},
                             {"type", toString(column.quantity.type)},
-                            {"unit", column.quantity.unit}});
+                            {"unit", column.quantity.unit},
+                            {"description", column.quantity.description}});
         return list;
     };
     json["variables"] = describe(result.variables);

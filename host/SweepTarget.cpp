@@ -43,7 +43,7 @@ std::string cellUnit(CellInfo const& cell) {
 
 SheetTarget::SheetTarget(Sheet const& sheet) : m_sheet(sheet) {
     for (CellInfo const& cell : sheet.cells()) {
-        Quantity quantity{cell.name, cell.type, cellUnit(cell)};
+        Quantity quantity{cell.name, cell.type, cellUnit(cell), cell.description};
         if (cell.category == CellCategory::UserInput) m_variables.push_back(quantity);
         if (cell.category == CellCategory::ModelOutput) m_outputs.push_back(quantity);
     }

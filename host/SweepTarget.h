@@ -17,7 +17,8 @@ namespace prsm::host {
 struct Quantity {
     std::string name;
     CellType type = CellType::Float;
-    std::string unit;  // "" when the quantity has none (or none is known)
+    std::string unit;           // "" when the quantity has none (or none is known)
+    std::string description{};  // a sheet cell's one line; "" for the design's own quantities
 };
 
 // One evaluation context of a target, used by one thread at a time.

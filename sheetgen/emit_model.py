@@ -370,7 +370,7 @@ def _cell_info(sheet: Sheet, plan: Plan, cell: Cell) -> str:
     return (f'    {{"{cell.name}", {CELL_TYPE[cell.type]}, {CELL_CATEGORY[cell.category]}, "{esc(default)}", '
             f'"{esc(rule)}", "{key}", {listed}, "{esc(cell.unit)}", '
             f'"{esc(cell.warnings.get("below_zero", ""))}", "{esc(cell.warnings.get("above_zero", ""))}", '
-            f'"{esc(cell.warnings.get("no_value", ""))}", {_outside_row(cell, esc)}}},')
+            f'"{esc(cell.warnings.get("no_value", ""))}", {_outside_row(cell, esc)}, "{esc(cell.description)}"}},')
 
 
 def _outside_row(cell: Cell, esc) -> str:
@@ -550,6 +550,7 @@ struct CellRow {{
     char const* outsideLow;
     char const* outsideHigh;
     char const* outsideWarning;
+    char const* description;
 }};
 
 constexpr CellRow cellRows[] = {{
@@ -562,7 +563,7 @@ std::vector<prsm::CellInfo> cellInfos() {{
     for (CellRow const& row : cellRows)
         cells.push_back({{row.name, row.type, row.category, row.declaredDefault, row.rule, row.validityKey,
                          row.hasValidValues, row.unit, row.belowZeroWarning, row.aboveZeroWarning,
-                         row.noValueWarning, {{row.outsideLow, row.outsideHigh, row.outsideWarning}}}});
+                         row.noValueWarning, {{row.outsideLow, row.outsideHigh, row.outsideWarning}}, row.description}});
     return cells;
 }}
 

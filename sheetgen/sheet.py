@@ -8,6 +8,9 @@ import tomllib
 from dataclasses import dataclass, field
 from pathlib import Path
 
+import cell_patterns
+import descriptions
+
 TYPES = ("int", "float", "string")
 CATEGORIES = ("inputs", "outputs", "intermediates")
 MARKER = {"inputs": "UI", "outputs": "MO", "intermediates": "IC"}
@@ -103,6 +106,7 @@ class Cell:
     unit: str = ""
     warnings: dict = field(default_factory=dict)  # WARNING_KINDS -> message ({value}, {unit} left)
     outside: tuple | None = None  # (low, high, message): bounds as a number's text or a cell's name
+    description: str = ""
 
     @property
     def camel(self) -> str:
@@ -272,41 +276,22 @@ def _is_flag(name: str) -> bool:
 
 
 def _units(doc: dict, by_name: dict[str, Cell]) -> None:
-    """Gives every cell its unit: an exact name beats a "*" pattern, the longest pattern beats shorter
-    ones; a cell that nothing names keeps "". Patterns pass over the validity flags (IS_VALID_*), which
-    have no unit. A pattern that names no cell is an error."""
-    exact: dict[str, str] = {}
-    globs: list[tuple[str, str]] = []  # (pattern, unit)
+    """Gives every cell its unit (cell_patterns.place); a cell that nothing names keeps "". Patterns
+    pass over the validity flags (IS_VALID_*), which have no unit."""
     section = doc.get("units", {})
     if not isinstance(section, dict):
         raise SheetError("units: expected a table of unit = [cell name patterns]")
+    entries = []
     for unit, patterns in section.items():
         if not isinstance(patterns, list) or not all(isinstance(p, str) for p in patterns):
             raise SheetError(f"units.{unit}: expected a list of cell name patterns (strings)")
-        for pattern in patterns:
-            for name in expand(pattern):
-                if "*" in name:
-                    globs.append((name, unit))
-                    if not any(_glob(name).fullmatch(cell) for cell in by_name if not _is_flag(cell)):
-                        raise SheetError(f"units.{unit}: pattern {name} matches no cell")
-                elif name not in by_name:
-                    raise SheetError(f"units.{unit}: no cell {name}")
-                elif exact.setdefault(name, unit) != unit:
-                    raise SheetError(f"units: cell {name} has two units, {exact[name]} and {unit}")
-    for name, cell in by_name.items():
-        if name in exact:
-            cell.unit = exact[name]
-            continue
-        matches = [(len(p), p, u) for p, u in globs if _glob(p).fullmatch(name)]
-        if not matches or _is_flag(name):
-            continue
-        longest = max(length for length, _, _ in matches)
-        units = {u for length, _, u in matches if length == longest}
-        if len(units) > 1:
-            patterns = sorted(p for length, p, _ in matches if length == longest)
-            raise SheetError(f"units: cell {name} matches {', '.join(patterns)} of equal length with "
-                             f"different units")
-        cell.unit = units.pop()
+        entries += [(pattern, unit) for pattern in patterns]
+    try:
+        placed = cell_patterns.place(entries, by_name, lambda _, name: not _is_flag(name), expand)
+    except cell_patterns.PatternError as error:
+        raise SheetError(f"units: {error}") from None
+    for name, unit in placed.items():
+        by_name[name].unit = unit.value
 
 
 WARNING_KINDS = ("below_zero", "above_zero", "no_value")
@@ -440,6 +425,10 @@ def load(path: Path, source_root: Path) -> Sheet:
     cells, by_name = _cells(doc, lists)
     _units(doc, by_name)
     _warnings(doc, by_name)
+    try:
+        descriptions.place(doc, by_name, expand)
+    except cell_patterns.PatternError as error:
+        raise SheetError(str(error)) from None
     tables, load_order = _tables(doc)
 
     families = []

@@ -89,7 +89,7 @@ std::string toCellText(Quantity const& quantity, py::handle value) {
 }
 
 struct CellView {
-    std::string name, type, category, unit, defaultValue, validValues;
+    std::string name, type, category, unit, defaultValue, validValues, description;
 };
 
 // One parameter set of a sheet. The inputs the user set are kept apart, so every calculate starts from
@@ -108,8 +108,8 @@ public:
         std::vector<CellInfo> const& infos = m_target->sheet().cells();
         for (std::size_t i = 0; i < listing.rows.size() && i < infos.size(); ++i) {
             CellRow const& row = listing.rows[i];
-            views.push_back(
-                {row.name, row.type, row.category, cellUnit(infos[i]), row.defaultValue, row.validValues});
+            views.push_back({row.name, row.type, row.category, cellUnit(infos[i]), row.defaultValue,
+                             row.validValues, row.description});
         }
         return views;
     }
@@ -422,6 +422,7 @@ PYBIND11_MODULE(_core, module) {
         .def_readonly("unit", &CellView::unit)
         .def_readonly("default", &CellView::defaultValue)
         .def_readonly("valid_values", &CellView::validValues)
+        .def_readonly("description", &CellView::description)
         .def("__repr__", [](CellView const& cell) {
             return "<Cell " + cell.name + ": " + cell.type + " " + cell.category +
                    (cell.unit.empty() ? "" : " (" + cell.unit + ")") + ">";

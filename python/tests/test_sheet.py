@@ -13,11 +13,13 @@ def test_models_and_cells_describe_every_sheet():
     clock = sheet.cell("CLOCK_FREQ")
     assert (clock.type, clock.category, clock.default, clock.valid_values) == ("float", "input", "200", "> 0.0")
     assert isinstance(clock.unit, str)
+    assert clock.description == "Clock frequency of the logic"
     kind = sheet.cell("INSTANCE_TYPE")
     assert kind.type == "string" and "REG_FF" in kind.valid_values.split(", ")
     assert sheet.cell("LOGIC_POWER").category == "output"
     categories = {cell.category for cell in sheet.cells}
     assert categories == {"input", "output", "intermediate"}
+    assert all(cell.description for cell in sheet.cells if cell.category != "intermediate")
 
 
 def test_set_get_and_calculate_follow_computed_defaults():

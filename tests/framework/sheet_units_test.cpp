@@ -65,7 +65,7 @@ std::string generate(std::string const& units) {
     fs::path const root = fs::temp_directory_path() / ("prsm_units_" + std::to_string(::getpid()));
     fs::create_directories(root / "out");
     std::ofstream(root / "Probe.toml")
-        << "[sheet]\ncalculate = [\"TOTAL_POWER\"]\n\n[units]\n"
+        << "[sheet]\ncalculate = [\"TOTAL_POWER\"]\n\n[descriptions]\n\"*\" = \"A probe cell\"\n\n[units]\n"
         << units
         << "\n\n[cells.float]\ninputs = [\"CLOCK_FREQ\"]\n"
            "outputs = [\"TOTAL_POWER\"]\n\n[inputs.CLOCK_FREQ]\ndefault = 1.0\n";
@@ -89,7 +89,8 @@ TEST(SheetUnits, TheGeneratorRefusesUnitsThatNameNothingOrAreNotLists) {
     EXPECT_NE(generate("V = [\"VCCINT\"]").find("no cell VCCINT"), std::string::npos);
     EXPECT_NE(generate("W = \"TOTAL_POWER\"").find("units.W: expected a list"), std::string::npos);
     EXPECT_NE(generate("W = [\"TOTAL_POWER\", 3]").find("units.W: expected a list"), std::string::npos);
-    EXPECT_NE(generate("W = [\"TOTAL_POWER\"]\nmW = [\"TOTAL_POWER\"]").find("two units"), std::string::npos);
+    EXPECT_NE(generate("W = [\"TOTAL_POWER\"]\nmW = [\"TOTAL_POWER\"]").find("two values"),
+              std::string::npos);
     EXPECT_NE(generate("W = [\"TOTAL_*\"]\nmW = [\"*_POWER\"]").find("equal length"), std::string::npos);
 }
 

@@ -258,6 +258,8 @@ TEST(HostCellListing, ShowsEvaluatedDefaultsAndChoices) {
     EXPECT_EQ(row("RATE").unit, "fraction");
     EXPECT_EQ(row("COUNT").validValues, "0 .. 10");
     EXPECT_EQ(row("MODE").validValues, "FAST, SLOW");
+    EXPECT_EQ(row("MODE").description, "Speed mode: selects the lanes' capacitance");
+    EXPECT_EQ(row("LANE_B_LOAD").description, "Share of the work on lane B");  // "LANE_*_LOAD", {*} = B
     EXPECT_EQ(listCells(sampler(), "output").rows.size(), 3u);
 
     std::string const unknown = hostFailure(kExitBadInput, [] { findSheet("TestSampeler"); });

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <string>
 
@@ -263,6 +264,47 @@ TEST_F(PrsmCli, ReportsAFailedWriteAndReadsStandardInput) {
     EXPECT_EQ(json["inputs"]["CLOCK_FREQ"].get<double>(), 250.0);
 }
 
+TEST_F(PrsmCli, DescribesEveryInputAndOutputInTheListingsAndTheirJson) {
+    HostRun const table = prsm({"cells", "TalvexCleLogic", "--category", "input"});
+    ASSERT_EQ(table.status, 0) << table.err;
+    // The description is the last column, after the valid values.
+    EXPECT_TRUE(std::regex_search(table.out, std::regex("valid values +description\n"))) << table.out;
+    EXPECT_TRUE(
+        std::regex_search(table.out, std::regex("\nCLOCK_FREQ .* > 0\\.0 +Clock frequency of the logic\n")))
+        << table.out;
+
+    HostRun const listing = prsm({"cells", "TalvexCleLogic", "--json"});
+    ASSERT_EQ(listing.status, 0) << listing.err;
+    nlohmann::json const json = nlohmann::json::parse(listing.out);
+    EXPECT_EQ(json["model"], "TalvexCleLogic");
+    std::size_t described = 0;
+    for (nlohmann::json const& cell : json["cells"]) {
+        if (cell["name"] == "CLOCK_FREQ") {
+            EXPECT_EQ(cell["unit"], "MHz");
+            EXPECT_EQ(cell["default"], "200");
+            EXPECT_EQ(cell["valid_values"], "> 0.0");
+            EXPECT_EQ(cell["description"], "Clock frequency of the logic");
+        }
+        // "*_SIG_RATE" gives each pin its own line.
+        if (cell["name"] == "A3_SIG_RATE") {
+            EXPECT_EQ(cell["description"], "Signal rate on pin A3");
+        }
+        if (cell["category"] != "intermediate") {
+            EXPECT_NE(cell["description"], "") << cell["name"];
+            ++described;
+        }
+    }
+    EXPECT_EQ(described, 41u);  // 4 int, 18 float and 3 string inputs; 16 float outputs
+
+    HostRun const sweep =
+        prsm({"sweep", "TalvexCleLogic", "CLOCK_FREQ=100,200", "--outputs", "LOGIC_POWER", "--json"});
+    ASSERT_EQ(sweep.status, 0) << sweep.err;
+    nlohmann::json const swept = nlohmann::json::parse(sweep.out);
+    EXPECT_EQ(swept["variables"][0]["description"], "Clock frequency of the logic");
+    EXPECT_EQ(swept["outputs"][0]["description"],
+              "Dynamic power of all the logic elements of this configuration");
+}
+
 TEST_F(PrsmCli, ShowsUnitsAndWarnsOfADeviceWithoutItsOwnRow) {
     HostRun const cells = prsm({"cells", "TalvexCleLogic", "--category", "input"});
     ASSERT_EQ(cells.status, 0) << cells.err;
@@ -277,6 +319,9 @@ TEST_F(PrsmCli, ShowsUnitsAndWarnsOfADeviceWithoutItsOwnRow) {
     EXPECT_EQ(json["unit"]["LUT_INSTANCE_POWER"], "mW");
     EXPECT_EQ(json["unit"]["CLOCK_FREQ"], "MHz");
     EXPECT_EQ(json["unit"]["INSTANCE_TYPE"], "");
+    EXPECT_EQ(json["description"]["LOGIC_POWER"],
+              "Dynamic power of all the logic elements of this configuration");
+    EXPECT_EQ(json["description"]["A6_SIG_RATE"], "Signal rate on pin A6");
 
     // A lower-case part name has no scale row of its own: calculated with the default row, and said.
     HostRun const lower = prsm({"calc", "TalvexCleLogic", "DEVICE=zqvc1902", "--json"});

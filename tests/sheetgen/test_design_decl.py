@@ -16,6 +16,8 @@ BASE = """
 description = "declarations"
 calculate = ["POWER", "AUX_CURRENT"]
 {extra}
+[descriptions]
+"*" = "A cell of the declarations sheet"
 [cells.float]
 inputs = ["VCCINT", "VCC_SOC", "TJ", "FED"]
 outputs = ["POWER", "AUX_CURRENT"]
