@@ -2,11 +2,15 @@
 // is worked out by hand from that file's round values (HDIO pad 2 pF, 20 pins a bank; XPIO pad 1 pF, 50
 // pins; LVCMOS18 driver 0.2 pF + 0.1 pF/mA; SSTL12, POD12 and DIFF_SSTL12 driver 1 pF and 40 ohms;
 // ZQVC1902 scales by 1, other parts by the DEFAULT 2).
+#include <prsm/design/DeclaredWarnings.h>
+#include <prsm/framework/PRSMSheetRegistry.h>
 #include <prsm/models/talvex/PRSMTalvexIoModel.h>
 
 #include "ModelFixture.h"
 
 #include <gtest/gtest.h>
+
+#include <string>
 
 namespace {
 
@@ -165,6 +169,27 @@ TEST_F(Io, ImpossibleCombinationsAreInvalidAndStillCalculated) {
     EXPECT_EQ(unknown[Params::VCCO18_POWER], 0.0f);
     EXPECT_EQ(unknown[Params::PINS_USED], 0);
     EXPECT_EQ(unknown[Params::USED_VCCO18_HDIO_BANKS], 0);
+}
+
+// In a design every block takes the design's VCCO voltages: an SSTL12 bank on a 1.5 V VCCO12 is warned
+// on that rail, with the range SSTL12 allows there (1.2 V within 5 %), and nowhere else.
+TEST(IoDesign, AVoltageTheStandardCannotTakeIsWarnedOnItsRail) {
+    prsm::Sheet const& sheet = *prsm::SheetRegistry::instance().find("TalvexIo");
+    auto const block = sheet.create();
+    block->set("BANK_TYPE", "XPIO");
+    block->set("IO_STANDARD", "SSTL12");
+    block->set("VCCO12", "1.5");
+    block->calculate();
+    auto const warnings = prsm::design::declaredWarnings(sheet, *block);
+    ASSERT_EQ(warnings.size(), 1u);
+    EXPECT_EQ(warnings[0].first, "VCCO12");
+    std::string const& message = warnings[0].second;
+    EXPECT_EQ(message.rfind("VCCO12 = 1.5 V is outside 1.14 .. 1.26 V", 0), 0u) << message;
+    EXPECT_NE(message.find("IO_STANDARD"), std::string::npos) << message;
+
+    block->set("VCCO12", "1.2");
+    block->calculate();
+    EXPECT_TRUE(prsm::design::declaredWarnings(sheet, *block).empty());
 }
 
 TEST_F(Io, PowerGrowsWithRateActivityLoadAndDriveAndIsLinearInPins) {
