@@ -16,7 +16,6 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <string_view>
 
 using PRSMHelperUtils::IFERROR;
 using Model = PRSMTalvexPsxlModel;
@@ -30,8 +29,9 @@ using IntInput = int (Model::*)(Model::Params&, Data const&) const;
 
 enum class Domain { FullPower, LowPower };
 
-// How one block of the family is counted and gated. A null count is one; a null gate never gates.
-// The peripherals count through the Peripheral family instead.
+// How one block of the family that is not a peripheral is counted and gated. A null count is one; a
+// null gate never gates. The peripherals are counted by the Peripheral family, never gated, and draw
+// on the low-power domain.
 struct BlockWiring {
     Domain domain;
     IntInput count;
@@ -39,10 +39,8 @@ struct BlockWiring {
     IntInput powerGated;
 };
 
-// In the order of the Block family's members; the peripherals come last, in the Peripheral family's order.
-constexpr std::size_t kFirstPeripheral = 7;
-constexpr BlockWiring kPeripheralWiring{Domain::LowPower, nullptr, nullptr, nullptr};
-std::array<BlockWiring, kFirstPeripheral + 7> const kBlocks{{
+// In the order of the Block family's members, whose last seven are the Peripheral family's members.
+constexpr std::array<BlockWiring, 7> kBlocks{{
     {Domain::FullPower, &Model::getCpuCores, &Model::getCpuClockGated, &Model::getCpuPowerGated},
     {Domain::FullPower, nullptr, &Model::getL3CacheClockGated, &Model::getL3CachePowerGated},
     {Domain::FullPower, nullptr, &Model::getFpInterconnectClockGated, nullptr},
@@ -52,30 +50,72 @@ std::array<BlockWiring, kFirstPeripheral + 7> const kBlocks{{
     {Domain::LowPower, &Model::getOcmMemoryCores, &Model::getOcmMemoryClockGated,
      &Model::getOcmMemoryPowerGated},
     {Domain::LowPower, nullptr, &Model::getLpInterconnectClockGated, nullptr},
-    kPeripheralWiring,
-    kPeripheralWiring,
-    kPeripheralWiring,
-    kPeripheralWiring,
-    kPeripheralWiring,
-    kPeripheralWiring,
-    kPeripheralWiring,
 }};
+constexpr BlockWiring kPeripheralWiring{Domain::LowPower, nullptr, nullptr, nullptr};
+constexpr std::size_t kFirstPeripheral = kBlocks.size();
+constexpr std::size_t kPeripheralCount = 7;
+constexpr std::size_t kBlockCount = kFirstPeripheral + kPeripheralCount;
 
 Model::Block blockOf(Model::Peripheral peripheral) {
     return static_cast<Model::Block>(kFirstPeripheral + static_cast<std::size_t>(peripheral));
 }
 
+// ---- Table keys, read by their place in the tables' `fixed` lists ----
+
+using BlockKey = Data::BlockDataKey;
+using MioKey = Data::MioDataKey;
+using PinKey = Data::PeripheralPinsKey;
+
+static_assert(Data::kPeripheralPinsKeys.size() == 3 * kPeripheralCount);
+
+// BLOCK_DATA: every block's CLOCK, then every block's DYNAMIC, then the peripherals' PIN_ACTIVITY.
+static_assert(Data::kBlockDataKeys[0] == "CPU.CLOCK" && Data::kBlockDataKeys[kBlockCount] == "CPU.DYNAMIC" &&
+              Data::kBlockDataKeys[2 * kBlockCount] == "USB.PIN_ACTIVITY" &&
+              Data::kBlockDataKeys[2 * kBlockCount + kPeripheralCount - 1] == "SPI.PIN_ACTIVITY");
+enum class Term { Clock, Dynamic };
+
+BlockKey blockKey(Model::Block member, Term term) {
+    return static_cast<BlockKey>(static_cast<std::size_t>(term) * kBlockCount +
+                                 static_cast<std::size_t>(member));
+}
+
+BlockKey pinActivityKey(Model::Peripheral member) {
+    return static_cast<BlockKey>(2 * kBlockCount + static_cast<std::size_t>(member));
+}
+
+// PERIPHERAL_PINS: each peripheral's INPUTS, OUTPUTS, BIDIS.
+static_assert(Data::kPeripheralPinsKeys[0] == "USB.INPUTS" &&
+              Data::kPeripheralPinsKeys[5] == "ETHERNET.BIDIS");
+enum class Direction { Inputs, Outputs, Bidis };
+
+PinKey pinKey(Model::Peripheral member, Direction direction) {
+    return static_cast<PinKey>(3 * static_cast<std::size_t>(member) + static_cast<std::size_t>(direction));
+}
+
+// MIO_DATA: the core side's three keys, then five per bank voltage in BankVoltage's order.
+static_assert(Data::kMioDataKeys[3] == "MIO_IOB_VCCO_PMIO_1V8_RX_DYNAMIC" &&
+              Data::kMioDataKeys[8] == "MIO_IOB_VCCO_PMIO_2V5_RX_DYNAMIC" &&
+              Data::kMioDataKeys[13] == "MIO_IOB_VCCO_PMIO_3V3_RX_DYNAMIC" &&
+              Data::kMioDataKeys[17] == "MIO_BIAS_VCCO_PMIO_3V3_STATIC");
+
 // A coefficient the file lacks costs nothing; a factor it lacks changes nothing.
-float blockData(Data const& data, std::string_view block, std::string_view key) {
-    return IFERROR(data.getBlockDataOrError(block, key), 0.0f);
+float blockData(Data const& data, BlockKey key) {
+    return IFERROR(data.getBlockDataOrError(key), 0.0f);
 }
 
-bool endsWith(std::string_view text, std::string_view tail) {
-    return text.size() >= tail.size() && text.substr(text.size() - tail.size()) == tail;
+double mioData(Data const& data, std::size_t index, double fallback = 0.0) {
+    float const value = data.getMioDataOrError(static_cast<MioKey>(index));
+    return PRSMHelperUtils::ISERROR(value) ? fallback : value;
 }
 
-double mioData(Data const& data, std::string_view key) {
-    return IFERROR(data.getMioDataOrError(key), endsWith(key, "FACTOR") ? 1.0f : 0.0f);
+prsm::ps::CoreSideCoefficients coreSide(Data const& data) {
+    return {mioData(data, 0), mioData(data, 1), mioData(data, 2)};
+}
+
+prsm::ps::BankSideCoefficients bankSide(Data const& data, BankVoltage bank) {
+    std::size_t const first = 3 + 5 * static_cast<std::size_t>(bank);
+    return {mioData(data, first), mioData(data, first + 1), mioData(data, first + 2, 1.0),
+            mioData(data, first + 3), mioData(data, first + 4)};
 }
 
 // (supply / characterised supply)^2.3; 1 when the file has no characterisation voltage.
@@ -127,7 +167,7 @@ double lpdScale(Model const& model, Model::Params& params, Data const& data) {
 
 float Model::computeDynamicPower(Params& params, Data const& data, Block member) const {
     auto const index = static_cast<std::size_t>(member);
-    BlockWiring const& block = kBlocks[index];
+    BlockWiring const& block = index < kFirstPeripheral ? kBlocks[index] : kPeripheralWiring;
     auto const flag = [&](IntInput input) { return input != nullptr && (this->*input)(params, data) == 1; };
     double count = 1.0;
     if (index >= kFirstPeripheral)
@@ -135,12 +175,11 @@ float Model::computeDynamicPower(Params& params, Data const& data, Block member)
     else if (block.count != nullptr)
         count = (this->*block.count)(params, data);
 
-    std::string_view const name = memberName(member);
     double const power =
-        count * prsm::ps::clockedPower(BlockKind::Core, blockData(data, name, "CLOCK"),
-                                       blockData(data, name, "DYNAMIC"), getClkFreq(params, data, member),
-                                       getLoad(params, data, member), flag(block.clockGated),
-                                       flag(block.powerGated));
+        count * prsm::ps::clockedPower(BlockKind::Core, blockData(data, blockKey(member, Term::Clock)),
+                                       blockData(data, blockKey(member, Term::Dynamic)),
+                                       getClkFreq(params, data, member), getLoad(params, data, member),
+                                       flag(block.clockGated), flag(block.powerGated));
     double const scale =
         block.domain == Domain::FullPower ? fpdScale(*this, params, data) : lpdScale(*this, params, data);
     return static_cast<float>(power * scale);
@@ -162,25 +201,25 @@ double auxScaling(Model const& model, Model::Params& params, Data const& data) {
 
 float Model::computeFpdPllCorePower(Params& params, Data const& data) const {
     if (getFpdPllOnOff(params, data) != 1) return 0.0f;
-    return static_cast<float>(blockData(data, "FPD_PLL", "CORE") * getFpdPllClkFreq(params, data) *
+    return static_cast<float>(blockData(data, BlockKey::FPD_PLL_CORE) * getFpdPllClkFreq(params, data) *
                               fpdScale(*this, params, data));
 }
 
 float Model::computeFpdPllAuxPower(Params& params, Data const& data) const {
     if (getFpdPllOnOff(params, data) != 1) return 0.0f;
-    return static_cast<float>(blockData(data, "FPD_PLL", "AUX") * getFpdPllClkFreq(params, data) *
+    return static_cast<float>(blockData(data, BlockKey::FPD_PLL_AUX) * getFpdPllClkFreq(params, data) *
                               auxScaling(*this, params, data));
 }
 
 float Model::computeLpdPllCorePower(Params& params, Data const& data) const {
     if (getLpdPllOnOff(params, data) != 1) return 0.0f;
-    return static_cast<float>(blockData(data, "LPD_PLL", "CORE") * getLpdPllClkFreq(params, data) *
+    return static_cast<float>(blockData(data, BlockKey::LPD_PLL_CORE) * getLpdPllClkFreq(params, data) *
                               lpdScale(*this, params, data));
 }
 
 float Model::computeLpdPllAuxPower(Params& params, Data const& data) const {
     if (getLpdPllOnOff(params, data) != 1) return 0.0f;
-    return static_cast<float>(blockData(data, "LPD_PLL", "AUX") * getLpdPllClkFreq(params, data) *
+    return static_cast<float>(blockData(data, BlockKey::LPD_PLL_AUX) * getLpdPllClkFreq(params, data) *
                               auxScaling(*this, params, data));
 }
 
@@ -188,33 +227,30 @@ float Model::computeLpdPllAuxPower(Params& params, Data const& data) const {
 
 namespace {
 
-int pinsOf(Data const& data, std::string_view peripheral, std::string_view direction) {
-    return IFERROR(data.getPeripheralPinsOrError(peripheral, direction), 0);
+int pinsOf(Data const& data, Model::Peripheral member, Direction direction) {
+    return IFERROR(data.getPeripheralPinsOrError(pinKey(member, direction)), 0);
 }
 
 // Every controller in use places its pins on the bank.
 prsm::ps::Pins pinsOf(Model const& model, Model::Params& params, Data const& data, Model::Peripheral member) {
     int const count = model.getCount(params, data, member);
-    std::string_view const name = Model::memberName(member);
-    return {count * pinsOf(data, name, "INPUTS"), count * pinsOf(data, name, "OUTPUTS"),
-            count * pinsOf(data, name, "BIDIS")};
+    return {count * pinsOf(data, member, Direction::Inputs), count * pinsOf(data, member, Direction::Outputs),
+            count * pinsOf(data, member, Direction::Bidis)};
 }
 
 // Pins switch at the controller's clock times its PIN_ACTIVITY (1 when the file has none).
 double pinFrequency(Model const& model, Model::Params& params, Data const& data, Model::Peripheral member) {
-    std::string_view const name = Model::memberName(member);
     return model.getClkFreq(params, data, blockOf(member)) *
-           IFERROR(data.getBlockDataOrError(name, "PIN_ACTIVITY"), 1.0f);
+           IFERROR(data.getBlockDataOrError(pinActivityKey(member)), 1.0f);
 }
 
 }  // namespace
 
 float Model::computeIoCorePower(Params& params, Data const& data, Peripheral member) const {
     prsm::ps::Pins const pins = pinsOf(*this, params, data, member);
-    auto const coefficient = [&data](std::string_view key) { return mioData(data, key); };
-    double const power = prsm::ps::coreSidePower(pins, prsm::ps::coreSideCoefficients(coefficient),
-                                                 pinFrequency(*this, params, data, member),
-                                                 getLoad(params, data, blockOf(member)));
+    double const power =
+        prsm::ps::coreSidePower(pins, coreSide(data), pinFrequency(*this, params, data, member),
+                                getLoad(params, data, blockOf(member)));
     return static_cast<float>(power * lpdScale(*this, params, data));
 }
 
@@ -225,8 +261,7 @@ float Model::computeIoBankPower(Params& params, Data const& data, Peripheral mem
     BankVoltage const bank = prsm::ps::nearestBankVoltage(volts);
     if (bank == BankVoltage::None) return 0.0f;
     prsm::ps::Pins const pins = pinsOf(*this, params, data, member);
-    auto const coefficient = [&data](std::string_view key) { return mioData(data, key); };
-    prsm::ps::BankSideCoefficients switching = prsm::ps::bankSideCoefficients(bank, coefficient);
+    prsm::ps::BankSideCoefficients switching = bankSide(data, bank);
     double const standing = (switching.staticPerPin + switching.biasPerPin) * pins.total();
     switching.staticPerPin = 0.0;
     double const dynamic = prsm::ps::bankSidePower(pins, switching, pinFrequency(*this, params, data, member),
@@ -254,7 +289,7 @@ float Model::computeLpdTotalDynamicPower(Params& params, Data const& data) const
     float total = calculateRpuDynamicPower(params, data) + calculateTcmMemoryDynamicPower(params, data) +
                   calculateOcmMemoryDynamicPower(params, data) +
                   calculateLpInterconnectDynamicPower(params, data) + calculateLpdPllCorePower(params, data);
-    for (std::size_t i = 0; i < kBlocks.size() - kFirstPeripheral; ++i) {
+    for (std::size_t i = 0; i < kPeripheralCount; ++i) {
         auto const peripheral = static_cast<Peripheral>(i);
         total += calculateDynamicPower(params, data, blockOf(peripheral)) +
                  calculateIoCorePower(params, data, peripheral);
@@ -268,7 +303,7 @@ float Model::computeAuxTotalDynamicPower(Params& params, Data const& data) const
 
 float Model::computeMioTotalDynamicPower(Params& params, Data const& data) const {
     float total = 0.0f;
-    for (std::size_t i = 0; i < kBlocks.size() - kFirstPeripheral; ++i)
+    for (std::size_t i = 0; i < kPeripheralCount; ++i)
         total += calculateIoBankPower(params, data, static_cast<Peripheral>(i));
     return total;
 }
