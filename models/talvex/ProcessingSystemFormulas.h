@@ -1,6 +1,6 @@
 #pragma once
-// Formulas shared by the processing-system sheets (TalvexPss, TalvexPmc): the voltage law of a core
-// supply, the clocked-block pattern every processor, memory, interconnect and peripheral block follows,
+// Formulas shared by the processing-system sheets (TalvexPss, TalvexPsxl, TalvexPmc): the voltage law of a
+// core supply, the clocked-block pattern every processor, memory, interconnect and peripheral block follows,
 // and the multiplexed-I/O terms of an interface's pins. Plain functions of numbers: each sheet reads
 // its own inputs and coefficients and passes them in.
 
@@ -81,6 +81,28 @@ inline BankVoltage parseBankVoltage(std::string_view text) {
     if (has("2.5") || has("25") || has("2V5")) return BankVoltage::V25;
     if (has("3.3") || has("33") || has("3V3")) return BankVoltage::V33;
     return BankVoltage::None;
+}
+
+inline double nominalVolts(BankVoltage voltage) {
+    switch (voltage) {
+        case BankVoltage::V18:
+            return 1.8;
+        case BankVoltage::V25:
+            return 2.5;
+        case BankVoltage::V33:
+            return 3.3;
+        case BankVoltage::None:
+            break;
+    }
+    return 0.0;
+}
+
+// The bank voltage nearest a supply of `volts` (None when it is not positive): a bank's pins are
+// characterised at its three standard voltages and a supply between them scales from the nearest.
+inline BankVoltage nearestBankVoltage(double volts) {
+    if (!(volts > 0.0)) return BankVoltage::None;
+    if (volts < (1.8 + 2.5) / 2) return BankVoltage::V18;
+    return volts < (2.5 + 3.3) / 2 ? BankVoltage::V25 : BankVoltage::V33;
 }
 
 // The pins one interface places on a bank. A bidirectional pin has both a receiver and a driver.
