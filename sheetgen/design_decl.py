@@ -23,6 +23,24 @@ COUNTS = {
     "uram_active": "URAMS",
     "uram_sleep": "URAMS",
     "dsps": "DSPS",
+    # I/O banks in use per VCCO rail and bank type
+    "vcco10_x5io_banks": "",
+    "vcco11_x5io_banks": "",
+    "vcco12_x5io_banks": "",
+    "vcco10_xpio_banks": "",
+    "vcco11_xpio_banks": "",
+    "vcco12_xpio_banks": "",
+    "vcco135_xpio_banks": "",
+    "vcco15_xpio_banks": "",
+    "vcco18_hdio_banks": "",
+    "vcco25_hdio_banks": "",
+    "vcco33_hdio_banks": "",
+    # the newer processor system's units powered
+    "psxl_cpu": "",
+    "psxl_l3_cache": "",
+    "psxl_rpu": "",
+    "psxl_rpu_ocm": "",
+    "psxl_rpu_tcm": "",
 }
 
 
