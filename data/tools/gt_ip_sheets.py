@@ -2,6 +2,7 @@
 """Writes the shipped tables of the transceiver and hard link-IP sheets from the laws below:
 
   talvex/PRSMTalvexGtData.cfg       per-lane bias and energy per symbol of each transceiver family
+  talvex/PRSMTalvexGtPresetData.cfg the transceiver inputs of common protocols' lanes
   talvex/PRSMTalvexHardIpData.cfg   idle power, energy per bit and rail shares of each link controller
 
 Usage: gt_ip_sheets.py [--check]. With --check nothing is written: the exit status says whether the
@@ -109,6 +110,38 @@ def gt_tables(parts: list[str]) -> dict:
     }
 
 
+# The lanes of common protocols: family, lanes, line rate (Gb/s), coding, modulation, use, PLL,
+# equaliser. PCIe runs on the GTYP beside the CPM; Interlaken's 64b/67b is coded like 64b/66b.
+PRESETS = {
+    "PCIE_GEN3_X8": ("PCIe Gen3 x8: eight GTYP lanes at 8 GT/s, 128b/130b",
+                     "GTYP", 8, 8.0, "ENC_128B130B", "NRZ", "TX_RX", "LC", "DFE"),
+    "PCIE_GEN4_X16": ("PCIe Gen4 x16: sixteen GTYP lanes at 16 GT/s, 128b/130b",
+                      "GTYP", 16, 16.0, "ENC_128B130B", "NRZ", "TX_RX", "LC", "DFE"),
+    "PCIE_GEN5_X8": ("PCIe Gen5 x8: eight GTYP lanes at 32 GT/s, 128b/130b",
+                     "GTYP", 8, 32.0, "ENC_128B130B", "NRZ", "TX_RX", "LC", "DFE"),
+    "ETHERNET_10G": ("10G Ethernet: one GTY lane at 10.3125 Gb/s, 64b/66b, a short channel (LPM)",
+                     "GTY", 1, 10.3125, "ENC_64B66B", "NRZ", "TX_RX", "LC", "LPM"),
+    "ETHERNET_25G": ("25G Ethernet: one GTY lane at 25.78125 Gb/s, 64b/66b",
+                     "GTY", 1, 25.78125, "ENC_64B66B", "NRZ", "TX_RX", "LC", "DFE"),
+    "ETHERNET_100G_CAUI4": ("100G Ethernet over four GTY lanes at 25.78125 Gb/s, 64b/66b",
+                            "GTY", 4, 25.78125, "ENC_64B66B", "NRZ", "TX_RX", "LC", "DFE"),
+    "ETHERNET_400G_PAM4": ("400G Ethernet over eight GTM lanes at 53.125 Gb/s PAM4",
+                           "GTM", 8, 53.125, "ENC_64B66B", "PAM4", "TX_RX", "LC", "DFE"),
+    "INTERLAKEN_12X25G": ("Interlaken over twelve GTY lanes at 25.78125 Gb/s",
+                          "GTY", 12, 25.78125, "ENC_64B66B", "NRZ", "TX_RX", "LC", "DFE"),
+    "CHIP_TO_CHIP_8B10B_X4": ("A chip-to-chip link of four GTY lanes at 6.25 Gb/s, 8b/10b, ring PLLs, LPM",
+                              "GTY", 4, 6.25, "ENC_8B10B", "NRZ", "TX_RX", "RING", "LPM"),
+}
+PRESET_INPUTS = ["GT_TYPE", "LANES", "LINE_RATE", "ENCODING", "MODULATION", "LANE_USE", "PLL_TYPE", "EQUALIZATION"]
+
+
+def preset_tables() -> dict:
+    rows = {}
+    for name, (description, *values) in PRESETS.items():
+        rows[name] = {"DESCRIPTION": description, **{k: str(v) for k, v in zip(PRESET_INPUTS, values)}}
+    return {"PRESET_LIST": list(PRESETS), "GT_PRESETS": rows}
+
+
 # ---- Hard link IP ----------------------------------------------------------------------------------------
 # Per controller: idle base in mW, FEC energy per line bit in pJ, lane limits, rail shares, and per mode
 # the lane's line rate and data rate after coding (Gb/s), idle mW a lane and pJ per bit of traffic.
@@ -161,6 +194,11 @@ def files() -> dict:
             "Gb/s for PCS_PER_GBPS), line-rate limits and bonded quads. Written by data/tools/gt_ip_sheets.py;\n"
             "see docs/models/TalvexGt.md.",
             gt_tables(parts)),
+        "PRSMTalvexGtPresetData.cfg": render(
+            "PRSMTalvexGtPresetData",
+            "Ready-made input sets of the transceiver sheet: GT_PRESETS.<preset>.<input>, numbers as their text.\n"
+            "Written by data/tools/gt_ip_sheets.py; see docs/models/TalvexGt.md.",
+            preset_tables()),
         "PRSMTalvexHardIpData.cfg": render(
             "PRSMTalvexHardIpData",
             "Hard link IP: idle mW, pJ per bit, lane limits and rail shares of each controller. Written by\n"
