@@ -104,7 +104,8 @@ int Model::computeUsedPowerQuads(Params& params, Data const& data, GtFamily fami
 }
 
 int Model::computeAvailableQuads(Params& params, Data const& data) const {
-    return IFERROR(data.getQuadsOrError(refDevice(params, data), refPackage(params, data), refGtType(params, data)), 0);
+    return IFERROR(
+        data.getQuadsOrError(refDevice(params, data), refPackage(params, data), refGtType(params, data)), 0);
 }
 
 float Model::computeGetMinLanes(Params&, Data const&) const {
@@ -146,7 +147,8 @@ std::string Model::defaultModulation(Params& params, Data const& data) const {
 // PAM4 only for a family that has a PAM4 limit.
 std::vector<std::string> Model::validListModulation(Params& params, Data const& data) const {
     std::vector<std::string> choices = data.getDropdownLists("MODULATION_LIST");
-    if (!hasPam4(*this, params, data)) choices.erase(std::remove(choices.begin(), choices.end(), "PAM4"), choices.end());
+    if (!hasPam4(*this, params, data))
+        choices.erase(std::remove(choices.begin(), choices.end(), "PAM4"), choices.end());
     return choices;
 }
 
@@ -163,7 +165,8 @@ float Model::computeGetMaxLineRate(Params& params, Data const& data) const {
 
 bool Model::isValidLineRate(Params& params, Data const& data) const {
     float const rate = getLineRate(params, data);
-    return rate > 0.0f && rate >= calculateGetMinLineRate(params, data) && rate <= calculateGetMaxLineRate(params, data);
+    return rate > 0.0f && rate >= calculateGetMinLineRate(params, data) &&
+           rate <= calculateGetMaxLineRate(params, data);
 }
 
 float Model::computeSymbolRate(Params& params, Data const& data) const {
@@ -178,53 +181,72 @@ namespace {
 float pllPower(Model const& model, Model::Params& params, Data const& data, std::string_view lcKey,
                std::string_view ringKey) {
     if (model.refPllType(params, data) == "LC")
-        return static_cast<float>(model.calculateQuadsPerInstance(params, data)) * lanePower(model, params, data, lcKey);
+        return static_cast<float>(model.calculateQuadsPerInstance(params, data)) *
+               lanePower(model, params, data, lcKey);
     if (model.refPllType(params, data) == "RING")
         return static_cast<float>(model.getLanes(params, data)) * lanePower(model, params, data, ringKey);
     return 0.0f;
 }
 
+// A figure per transmitting half lane and one per receiving half lane, for the link's lanes.
+float halves(Model const& model, Model::Params& params, Data const& data, float tx, float rx) {
+    return static_cast<float>(model.calculateTxLanes(params, data)) * tx +
+           static_cast<float>(model.calculateRxLanes(params, data)) * rx;
+}
+
+// The symbols a lane's rate terms see: a PAM4 symbol costs PAM4_FACTOR (1 when the file has none).
+float weightedSymbolRate(Model const& model, Model::Params& params, Data const& data) {
+    float const pam4 =
+        isPam4(model, params, data)
+            ? IFERROR(data.getLanePowerOrError(model.refGtType(params, data), "PAM4_FACTOR"), 1.0f)
+            : 1.0f;
+    return model.calculateSymbolRate(params, data) * pam4;
+}
+
 float avccPower(Model const& model, Model::Params& params, Data const& data) {
-    float const pam4 = isPam4(model, params, data)
-                           ? IFERROR(data.getLanePowerOrError(model.refGtType(params, data), "PAM4_FACTOR"), 1.0f)
-                           : 1.0f;
-    float const symbols = model.calculateSymbolRate(params, data) * pam4;
-    float const dfe = model.refEqualization(params, data) == "DFE" ? lanePower(model, params, data, "DFE_AVCC_PER_GBD") : 0.0f;
-    float const tx = lanePower(model, params, data, "TX_AVCC") + lanePower(model, params, data, "TX_AVCC_PER_GBD") * symbols;
+    float const symbols = weightedSymbolRate(model, params, data);
+    float const dfe = model.refEqualization(params, data) == "DFE"
+                          ? lanePower(model, params, data, "DFE_AVCC_PER_GBD")
+                          : 0.0f;
+    float const tx = lanePower(model, params, data, "TX_AVCC") +
+                     lanePower(model, params, data, "TX_AVCC_PER_GBD") * symbols;
     float const rx = lanePower(model, params, data, "RX_AVCC") +
                      (lanePower(model, params, data, "RX_AVCC_PER_GBD") + dfe) * symbols;
-    return static_cast<float>(model.calculateTxLanes(params, data)) * tx +
-           static_cast<float>(model.calculateRxLanes(params, data)) * rx +
+    return halves(model, params, data, tx, rx) +
            pllPower(model, params, data, "LC_PLL_AVCC", "RING_PLL_AVCC");
 }
 
 float avttPower(Model const& model, Model::Params& params, Data const& data) {
-    return static_cast<float>(model.calculateTxLanes(params, data)) * lanePower(model, params, data, "TX_AVTT") +
-           static_cast<float>(model.calculateRxLanes(params, data)) * lanePower(model, params, data, "RX_AVTT");
+    return halves(model, params, data, lanePower(model, params, data, "TX_AVTT"),
+                  lanePower(model, params, data, "RX_AVTT"));
 }
 
 float vccauxPower(Model const& model, Model::Params& params, Data const& data) {
-    return static_cast<float>(model.calculateTxLanes(params, data)) * lanePower(model, params, data, "TX_VCCAUX") +
-           static_cast<float>(model.calculateRxLanes(params, data)) * lanePower(model, params, data, "RX_VCCAUX") +
+    return halves(model, params, data, lanePower(model, params, data, "TX_VCCAUX"),
+                  lanePower(model, params, data, "RX_VCCAUX")) +
            pllPower(model, params, data, "LC_PLL_VCCAUX", "RING_PLL_VCCAUX");
 }
 
 // Each running direction codes the line rate's bits; a missing encoding codes like 64b/66b (factor 1).
 float pcsPower(Model const& model, Model::Params& params, Data const& data) {
-    float const directions =
-        static_cast<float>(model.calculateTxLanes(params, data)) + static_cast<float>(model.calculateRxLanes(params, data));
     float const coding = IFERROR(data.getEncodingFactorOrError(model.refEncoding(params, data)), 1.0f);
-    return directions * lanePower(model, params, data, "PCS_PER_GBPS") * model.getLineRate(params, data) * coding;
+    float const perDirection =
+        lanePower(model, params, data, "PCS_PER_GBPS") * model.getLineRate(params, data) * coding;
+    return halves(model, params, data, perDirection, perDirection);
 }
 
 }  // namespace
 
 float Model::computeNominalPower(Params& params, Data const& data, Role role) const {
     switch (role) {
-        case Role::AVCC: return avccPower(*this, params, data);
-        case Role::AVTT: return avttPower(*this, params, data);
-        case Role::VCCAUX: return vccauxPower(*this, params, data);
-        case Role::PCS: return pcsPower(*this, params, data);
+        case Role::AVCC:
+            return avccPower(*this, params, data);
+        case Role::AVTT:
+            return avttPower(*this, params, data);
+        case Role::VCCAUX:
+            return vccauxPower(*this, params, data);
+        case Role::PCS:
+            return pcsPower(*this, params, data);
     }
     return 0.0f;
 }

@@ -21,7 +21,8 @@ using Rail = Model::Rail;
 namespace {
 
 float link(Model const& model, Model::Params& params, Data const& data, std::string_view key) {
-    return IFERROR(data.getLinkOrError(model.refIpType(params, data), model.refMode(params, data), key), 0.0f);
+    return IFERROR(data.getLinkOrError(model.refIpType(params, data), model.refMode(params, data), key),
+                   0.0f);
 }
 
 float controller(Model const& model, Model::Params& params, Data const& data, std::string_view key) {
@@ -65,7 +66,8 @@ float Model::computeGetMaxLanes(Params& params, Data const& data) const {
 bool Model::isValidLanes(Params& params, Data const& data) const {
     int const lanes = getLanes(params, data);
     float const width = static_cast<float>(lanes);
-    bool const inRange = width >= calculateGetMinLanes(params, data) && width <= calculateGetMaxLanes(params, data);
+    bool const inRange =
+        width >= calculateGetMinLanes(params, data) && width <= calculateGetMaxLanes(params, data);
     return inRange && (laneLimit(*this, params, data, "POW2") != 1 || isPowerOfTwo(lanes));
 }
 
@@ -85,7 +87,8 @@ float Model::computeTraffic(Params& params, Data const& data) const {
 
 // Formed in 64 bits; a count beyond the int range wraps as the cell stores it.
 int Model::computeGtLaneCount(Params& params, Data const& data) const {
-    return static_cast<int>(static_cast<std::int64_t>(getInstanceCount(params, data)) * getLanes(params, data));
+    return static_cast<int>(static_cast<std::int64_t>(getInstanceCount(params, data)) *
+                            getLanes(params, data));
 }
 
 // ---- One controller at nominal voltages ---------------------------------------------------------------
@@ -97,13 +100,15 @@ float Model::computeDeviceScale(Params& params, Data const& data) const {
 }
 
 float Model::computeIdleComponent(Params& params, Data const& data) const {
-    float const idle = controller(*this, params, data, "IDLE") +
-                       static_cast<float>(getLanes(params, data)) * link(*this, params, data, "IDLE_PER_LANE");
+    float const idle =
+        controller(*this, params, data, "IDLE") +
+        static_cast<float>(getLanes(params, data)) * link(*this, params, data, "IDLE_PER_LANE");
     return idle * calculateDeviceScale(params, data);
 }
 
 float Model::computeDatapathComponent(Params& params, Data const& data) const {
-    return calculateTraffic(params, data) * link(*this, params, data, "PJ_PER_BIT") * calculateDeviceScale(params, data);
+    return calculateTraffic(params, data) * link(*this, params, data, "PJ_PER_BIT") *
+           calculateDeviceScale(params, data);
 }
 
 // The FEC codes the whole line, traffic or idles.
@@ -135,7 +140,8 @@ float Model::computeInstancePower(Params& params, Data const& data) const {
 }
 
 float Model::computePower(Params& params, Data const& data, Rail rail) const {
-    return static_cast<float>(getInstanceCount(params, data)) * calculateInstancePower(params, data, rail) * 0.001f;
+    return static_cast<float>(getInstanceCount(params, data)) * calculateInstancePower(params, data, rail) *
+           0.001f;
 }
 
 float Model::computeTotalPower(Params& params, Data const& data) const {

@@ -16,7 +16,8 @@ TEST(ShippedGtPresets, EveryPresetIsAValidLinkOfItsFamily) {
     prsm::Sheet const* presets = prsm::findPresetSheet(gt);
     ASSERT_NE(presets, nullptr);
     // ZQVP1310 in TQD1760 bonds out 8 GTY and 4 GTM quads, ZQVC2606 in TQD1760 8 GTYP quads.
-    std::map<std::string, std::string> const partOf{{"GTY", "ZQVP1310"}, {"GTM", "ZQVP1310"}, {"GTYP", "ZQVC2606"}};
+    std::map<std::string, std::string> const partOf{
+        {"GTY", "ZQVP1310"}, {"GTM", "ZQVP1310"}, {"GTYP", "ZQVC2606"}};
     for (std::string const& preset : prsm::presetNames(*presets)) {
         SCOPED_TRACE(preset);
         auto link = gt.create();

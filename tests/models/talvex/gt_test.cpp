@@ -99,7 +99,7 @@ TEST_F(Gt, RingPllsAndTheDefaultScale) {
 // Invalid inputs are reported and still calculated as given, never clamped.
 TEST_F(Gt, ImpossibleLinksAreInvalidAndStillCalculated) {
     Params fast = gtyLinks();
-    fast[Params::LINE_RATE] = 40.0f;  // beyond GTY's 30 Gb/s
+    fast[Params::LINE_RATE] = 40.0f;    // beyond GTY's 30 Gb/s
     fast[Params::MODULATION] = "PAM4";  // GTY has no PAM4
     EXPECT_GT(calcOf(fast, Params::TOTAL_POWER), 1.08f);
     EXPECT_EQ(validity(fast, "IS_VALID_LINE_RATE"), 0);
