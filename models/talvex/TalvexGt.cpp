@@ -7,8 +7,9 @@
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
+#include "LinkFormulas.h"
+
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -259,14 +260,12 @@ float Model::computeDeviceScale(Params& params, Data const& data) const {
                    IFERROR(data.getBlockPowerScaleOrError("DEFAULT", family), 1.0f));
 }
 
-// (V / nominal)^VPOW; 1 when the file gives no nominal voltage for the rail.
+// The role's figure on the rail its family draws it from, at the rail's voltage.
 float Model::computeInstancePower(Params& params, Data const& data, Role role) const {
     FamilyRails const* rails = familyRails(refGtType(params, data));
     if (rails == nullptr) return 0.0f;
     Rail const rail = railOf(*rails, role);
-    float const nominal = IFERROR(data.getNominalVoltageOrError(memberName(rail)), 0.0f);
-    float const vpow = IFERROR(data.getVoltageScalingOrError(Data::VoltageScalingKey::VPOW), 2.0f);
-    float const factor = nominal > 0.0f ? std::pow(getRail(params, data, rail) / nominal, vpow) : 1.0f;
+    float const factor = prsm::link::railVoltageFactor(data, memberName(rail), getRail(params, data, rail));
     return calculateNominalPower(params, data, role) * factor * calculateDeviceScale(params, data);
 }
 

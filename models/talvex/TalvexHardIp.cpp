@@ -7,7 +7,8 @@
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
-#include <cmath>
+#include "LinkFormulas.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -125,12 +126,10 @@ float Model::computeNominalPower(Params& params, Data const& data) const {
 
 // ---- On the rails --------------------------------------------------------------------------------------
 
-// The rail's share at its voltage; the factor is 1 when the file gives no nominal voltage for the rail.
+// The rail's share of the controller, at the rail's voltage.
 float Model::computeInstancePower(Params& params, Data const& data, Rail rail) const {
     float const share = IFERROR(data.getRailShareOrError(refIpType(params, data), memberName(rail)), 0.0f);
-    float const nominal = IFERROR(data.getNominalVoltageOrError(memberName(rail)), 0.0f);
-    float const vpow = IFERROR(data.getVoltageScalingOrError(Data::VoltageScalingKey::VPOW), 2.0f);
-    float const factor = nominal > 0.0f ? std::pow(getRail(params, data, rail) / nominal, vpow) : 1.0f;
+    float const factor = prsm::link::railVoltageFactor(data, memberName(rail), getRail(params, data, rail));
     return calculateNominalPower(params, data) * share * factor;
 }
 
