@@ -25,29 +25,55 @@ std::string staticSheetJson() {
 }
 
 // 1,000 blocks of a device-sized design (about half a million logic elements, a steady junction
-// temperature): all logic, or a mix of logic, clock managers, network-on-chip paths and AI-engine arrays.
+// temperature): all logic, or a mix in which every tenth block is of one of the other block sheets:
+// clock managers, network-on-chip paths, AI-engine arrays, block RAM, UltraRAM, DSP, general-purpose
+// I/O, and clock networks that take their distribution counts from a clock block by reference.
 std::string designJson(bool mixed) {
     std::string text = R"({"schema_version": 1, "device": {"part": "ZQVC1902"},
         "thermal": {"ambient_temperature": 40, "theta_ja": 0.5}, "rails": {"VCCINT": 0.8}, )" +
                        staticSheetJson() + R"("blocks": [)";
     for (int i = 0; i < 1000; ++i) {
-        char block[320];
-        int const kind = mixed ? i % 10 : 0;
-        if (kind < 7)
+        char block[400];
+        int const kind = mixed ? i % 20 : 0;
+        if (kind < 10)
             std::snprintf(block, sizeof block,
                           R"({"name": "b%d", "model": "TalvexCleLogic", "inputs": {"INSTANCE_TYPE": "%s",
                           "INSTANCE_COUNT": %d, "CLOCK_FREQ": %d}})",
                           i, kLogicTypes[i % 6], 100 + (37 * i) % 900, 150 + i % 300);
-        else if (kind == 7)
+        else if (kind == 10)
             std::snprintf(block, sizeof block, R"({"name": "b%d", "model": "TalvexMmcm"})", i);
-        else if (kind == 8)
+        else if (kind == 11)
             std::snprintf(block, sizeof block,
                           R"({"name": "b%d", "model": "TalvexNoc", "inputs": {"BANDWITH_READ": %d}})", i,
                           100 + i);
-        else
+        else if (kind == 12)
             std::snprintf(
                 block, sizeof block,
                 R"({"name": "b%d", "model": "TalvexAie", "inputs": {"AIE_CORES": 8, "CORE_LOAD": 0.5}})", i);
+        else if (kind == 13)
+            std::snprintf(block, sizeof block,
+                          R"({"name": "b%d", "model": "TalvexBram", "inputs": {"INSTANCE_COUNT": 4,
+                          "CLOCK_FREQ": %d}})",
+                          i, 200 + i % 200);
+        else if (kind == 14)
+            std::snprintf(block, sizeof block,
+                          R"({"name": "b%d", "model": "TalvexUram", "inputs": {"INSTANCE_COUNT": 2}})", i);
+        else if (kind == 15)
+            std::snprintf(block, sizeof block,
+                          R"({"name": "b%d", "model": "TalvexDsp", "inputs": {"INSTANCE_COUNT": 8}})", i);
+        else if (kind == 16)
+            std::snprintf(block, sizeof block,
+                          R"({"name": "b%d", "model": "TalvexIo", "inputs": {"PIN_COUNT": 16}})", i);
+        else if (kind == 17)
+            std::snprintf(block, sizeof block, R"({"name": "b%d", "model": "TalvexDpll"})", i);
+        else if (kind == 18)
+            std::snprintf(block, sizeof block,
+                          R"({"name": "b%d", "model": "TalvexClock", "inputs": {"FFS_USING_CLK": 2000}})", i);
+        else
+            std::snprintf(block, sizeof block,
+                          R"({"name": "b%d", "model": "TalvexLogicClock", "inputs": {"CLOCK_FREQ": 300,
+                          "FFS_USING_CLK": {"from": "b%d"}, "HD_COUNT": {"from": "b%d"}}})",
+                          i, i - 1, i - 1);
         text += (i ? "," : "") + std::string(block);
     }
     return text + "]}";

@@ -156,7 +156,7 @@ def setting(name: str, v, pad: str) -> list[str]:
     if isinstance(v, list):
         return [f"{pad}{name} = ( {', '.join(value(x) for x in v)} );"]
     if isinstance(v, dict):
-        if not any(isinstance(x, dict) for x in v.values()):
+        if not any(isinstance(x, (dict, list)) for x in v.values()):
             return [f"{pad}{name} = {{ {' '.join(f'{k} = {value(x)};' for k, x in v.items())} }};"]
         lines = [f"{pad}{name} = {{"]
         for key, sub in v.items():

@@ -1,0 +1,294 @@
+// Formulas of the transceiver sheet. A lane's analog power is a bias (mW) plus an energy per symbol
+// (pJ, so mW per GBd) times its symbol rate, for each half of the lane that runs; a PAM4 lane carries two
+// bits a symbol and pays PAM4_FACTOR on its rate terms. An LC PLL serves a quad of four lanes, a ring PLL
+// one lane. The coding sublayer switches with the bits of each direction. Every figure is given at the
+// rails' nominal voltages and follows (V / nominal)^VPOW on the rail the family draws it from.
+#include <prsm/models/talvex/PRSMTalvexGtModel.h>
+
+#include <prsm/sheetfunc/PRSMHelperUtils.h>
+
+#include "LinkFormulas.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+using PRSMHelperUtils::IFERROR;
+using Model = PRSMTalvexGtModel;
+using Data = Model::Data;
+using Rail = Model::Rail;
+using Role = Model::Role;
+using GtFamily = Model::GtFamily;
+
+namespace {
+
+constexpr int kLanesPerQuad = 4;
+
+// The rail each role draws from, per family: the quads' three analog rails, then the coding sublayer's
+// digital rail (the fabric's VCCINT for GTY and GTYP, GTM's own VCCINTGT).
+struct FamilyRails {
+    std::string_view family;
+    Rail rails[4];  // in the order of Role
+};
+
+constexpr FamilyRails kFamilyRails[] = {
+    {"GTY", {Rail::MGTYAVCC, Rail::MGTYAVTT, Rail::MGTYVCCAUX, Rail::VCCINT}},
+    {"GTYP", {Rail::MGTYPAVCC, Rail::MGTYPAVTT, Rail::MGTYPVCCAUX, Rail::VCCINT}},
+    {"GTM", {Rail::MGTMAVCC, Rail::MGTMAVTT, Rail::MGTMVCCAUX, Rail::VCCINTGT}},
+};
+
+// The rails of the block's family; none for a family the sheet does not know.
+FamilyRails const* familyRails(std::string_view family) {
+    for (FamilyRails const& entry : kFamilyRails)
+        if (entry.family == family) return &entry;
+    return nullptr;
+}
+
+Rail railOf(FamilyRails const& rails, Role role) {
+    return rails.rails[static_cast<int>(role)];
+}
+
+float lanePower(Model const& model, Model::Params& params, Data const& data, std::string_view key) {
+    return IFERROR(data.getLanePowerOrError(model.refGtType(params, data), key), 0.0f);
+}
+
+float rateLimit(Model const& model, Model::Params& params, Data const& data, std::string_view key) {
+    return IFERROR(data.getRateLimitOrError(model.refGtType(params, data), key), 0.0f);
+}
+
+bool hasPam4(Model const& model, Model::Params& params, Data const& data) {
+    return rateLimit(model, params, data, "MAX_PAM4") > 0.0f;
+}
+
+bool isPam4(Model const& model, Model::Params& params, Data const& data) {
+    return model.refModulation(params, data) == "PAM4";
+}
+
+std::int64_t product(int a, int b) {
+    return static_cast<std::int64_t>(a) * static_cast<std::int64_t>(b);
+}
+
+// Formed in 64 bits; a figure beyond the int range wraps as the cell stores it.
+int truncatedProduct(int a, int b) {
+    return static_cast<int>(product(a, b));
+}
+
+}  // namespace
+
+// ---- Lanes, quads and the counts for the static sheet -----------------------------------------------
+
+int Model::computeQuadsPerInstance(Params& params, Data const& data) const {
+    int const lanes = getLanes(params, data);
+    return lanes <= 0 ? 0 : (lanes + kLanesPerQuad - 1) / kLanesPerQuad;
+}
+
+int Model::computeTxLanes(Params& params, Data const& data) const {
+    std::string_view const use = refLaneUse(params, data);
+    return use == "TX_RX" || use == "TX_ONLY" ? getLanes(params, data) : 0;
+}
+
+int Model::computeRxLanes(Params& params, Data const& data) const {
+    std::string_view const use = refLaneUse(params, data);
+    return use == "TX_RX" || use == "RX_ONLY" ? getLanes(params, data) : 0;
+}
+
+int Model::computeLaneCount(Params& params, Data const& data) const {
+    return truncatedProduct(getInstanceCount(params, data), getLanes(params, data));
+}
+
+// Each link powers its own whole quads, counted under its family only.
+int Model::computeUsedPowerQuads(Params& params, Data const& data, GtFamily family) const {
+    if (memberName(family) != refGtType(params, data)) return 0;
+    return truncatedProduct(getInstanceCount(params, data), calculateQuadsPerInstance(params, data));
+}
+
+int Model::computeAvailableQuads(Params& params, Data const& data) const {
+    return IFERROR(
+        data.getQuadsOrError(refDevice(params, data), refPackage(params, data), refGtType(params, data)), 0);
+}
+
+float Model::computeGetMinLanes(Params&, Data const&) const {
+    return 1.0f;
+}
+
+float Model::computeGetMaxLanes(Params& params, Data const& data) const {
+    return static_cast<float>(kLanesPerQuad * calculateAvailableQuads(params, data));
+}
+
+bool Model::isValidLanes(Params& params, Data const& data) const {
+    return getLanes(params, data) >= 1 &&
+           product(getInstanceCount(params, data), calculateQuadsPerInstance(params, data)) <=
+               calculateAvailableQuads(params, data);
+}
+
+// The packages of the part: the second level of QUADS below it.
+std::vector<std::string> Model::validListPackage(Params& params, Data const& data) const {
+    std::string const prefix = refDevice(params, data) + ".";
+    std::vector<std::string> packages;
+    for (auto const& entry : data.m_Quads) {
+        std::string const& key = entry.first;
+        if (key.compare(0, prefix.size(), prefix) != 0) continue;
+        std::string package = key.substr(prefix.size(), key.find('.', prefix.size()) - prefix.size());
+        if (std::find(packages.begin(), packages.end(), package) == packages.end())
+            packages.push_back(std::move(package));
+    }
+    std::sort(packages.begin(), packages.end());
+    return packages;
+}
+
+// ---- Line rate and modulation ----------------------------------------------------------------------
+
+std::string Model::defaultModulation(Params& params, Data const& data) const {
+    bool const beyondNrz = getLineRate(params, data) > rateLimit(*this, params, data, "MAX_NRZ");
+    return hasPam4(*this, params, data) && beyondNrz ? "PAM4" : "NRZ";
+}
+
+// PAM4 only for a family that has a PAM4 limit.
+std::vector<std::string> Model::validListModulation(Params& params, Data const& data) const {
+    std::vector<std::string> choices = data.getDropdownLists("MODULATION_LIST");
+    if (!hasPam4(*this, params, data))
+        choices.erase(std::remove(choices.begin(), choices.end(), "PAM4"), choices.end());
+    return choices;
+}
+
+float Model::computeGetMinLineRate(Params& params, Data const& data) const {
+    return rateLimit(*this, params, data, "MIN");
+}
+
+// The modulation's limit; a ring PLL lowers it to its own.
+float Model::computeGetMaxLineRate(Params& params, Data const& data) const {
+    float const limit = rateLimit(*this, params, data, isPam4(*this, params, data) ? "MAX_PAM4" : "MAX_NRZ");
+    if (refPllType(params, data) != "RING") return limit;
+    return std::min(limit, rateLimit(*this, params, data, "MAX_RING"));
+}
+
+bool Model::isValidLineRate(Params& params, Data const& data) const {
+    float const rate = getLineRate(params, data);
+    return rate > 0.0f && rate >= calculateGetMinLineRate(params, data) &&
+           rate <= calculateGetMaxLineRate(params, data);
+}
+
+float Model::computeSymbolRate(Params& params, Data const& data) const {
+    return getLineRate(params, data) / (isPam4(*this, params, data) ? 2.0f : 1.0f);
+}
+
+// ---- One link at nominal voltages -------------------------------------------------------------------
+
+namespace {
+
+// The PLLs of one link on a rail: one per quad (LC) or one per lane (ring).
+float pllPower(Model const& model, Model::Params& params, Data const& data, std::string_view lcKey,
+               std::string_view ringKey) {
+    if (model.refPllType(params, data) == "LC")
+        return static_cast<float>(model.calculateQuadsPerInstance(params, data)) *
+               lanePower(model, params, data, lcKey);
+    if (model.refPllType(params, data) == "RING")
+        return static_cast<float>(model.getLanes(params, data)) * lanePower(model, params, data, ringKey);
+    return 0.0f;
+}
+
+// A figure per transmitting half lane and one per receiving half lane, for the link's lanes.
+float halves(Model const& model, Model::Params& params, Data const& data, float tx, float rx) {
+    return static_cast<float>(model.calculateTxLanes(params, data)) * tx +
+           static_cast<float>(model.calculateRxLanes(params, data)) * rx;
+}
+
+// The symbols a lane's rate terms see: a PAM4 symbol costs PAM4_FACTOR (1 when the file has none).
+float weightedSymbolRate(Model const& model, Model::Params& params, Data const& data) {
+    float const pam4 =
+        isPam4(model, params, data)
+            ? IFERROR(data.getLanePowerOrError(model.refGtType(params, data), "PAM4_FACTOR"), 1.0f)
+            : 1.0f;
+    return model.calculateSymbolRate(params, data) * pam4;
+}
+
+float avccPower(Model const& model, Model::Params& params, Data const& data) {
+    float const symbols = weightedSymbolRate(model, params, data);
+    float const dfe = model.refEqualization(params, data) == "DFE"
+                          ? lanePower(model, params, data, "DFE_AVCC_PER_GBD")
+                          : 0.0f;
+    float const tx = lanePower(model, params, data, "TX_AVCC") +
+                     lanePower(model, params, data, "TX_AVCC_PER_GBD") * symbols;
+    float const rx = lanePower(model, params, data, "RX_AVCC") +
+                     (lanePower(model, params, data, "RX_AVCC_PER_GBD") + dfe) * symbols;
+    return halves(model, params, data, tx, rx) +
+           pllPower(model, params, data, "LC_PLL_AVCC", "RING_PLL_AVCC");
+}
+
+float avttPower(Model const& model, Model::Params& params, Data const& data) {
+    return halves(model, params, data, lanePower(model, params, data, "TX_AVTT"),
+                  lanePower(model, params, data, "RX_AVTT"));
+}
+
+float vccauxPower(Model const& model, Model::Params& params, Data const& data) {
+    return halves(model, params, data, lanePower(model, params, data, "TX_VCCAUX"),
+                  lanePower(model, params, data, "RX_VCCAUX")) +
+           pllPower(model, params, data, "LC_PLL_VCCAUX", "RING_PLL_VCCAUX");
+}
+
+// Each running direction codes the line rate's bits; a missing encoding codes like 64b/66b (factor 1).
+float pcsPower(Model const& model, Model::Params& params, Data const& data) {
+    float const coding = IFERROR(data.getEncodingFactorOrError(model.refEncoding(params, data)), 1.0f);
+    float const perDirection =
+        lanePower(model, params, data, "PCS_PER_GBPS") * model.getLineRate(params, data) * coding;
+    return halves(model, params, data, perDirection, perDirection);
+}
+
+}  // namespace
+
+float Model::computeNominalPower(Params& params, Data const& data, Role role) const {
+    switch (role) {
+        case Role::AVCC:
+            return avccPower(*this, params, data);
+        case Role::AVTT:
+            return avttPower(*this, params, data);
+        case Role::VCCAUX:
+            return vccauxPower(*this, params, data);
+        case Role::PCS:
+            return pcsPower(*this, params, data);
+    }
+    return 0.0f;
+}
+
+// ---- On the rails ------------------------------------------------------------------------------------
+
+float Model::computeDeviceScale(Params& params, Data const& data) const {
+    std::string_view const family = refGtType(params, data);
+    return IFERROR(data.getBlockPowerScaleOrError(refDevice(params, data), family),
+                   IFERROR(data.getBlockPowerScaleOrError("DEFAULT", family), 1.0f));
+}
+
+// The role's figure on the rail its family draws it from, at the rail's voltage.
+float Model::computeInstancePower(Params& params, Data const& data, Role role) const {
+    FamilyRails const* rails = familyRails(refGtType(params, data));
+    if (rails == nullptr) return 0.0f;
+    Rail const rail = railOf(*rails, role);
+    float const factor = prsm::link::railVoltageFactor(data, memberName(rail), getRail(params, data, rail));
+    return calculateNominalPower(params, data, role) * factor * calculateDeviceScale(params, data);
+}
+
+float Model::computeInstancePower(Params& params, Data const& data) const {
+    return calculateAvccInstancePower(params, data) + calculateAvttInstancePower(params, data) +
+           calculateVccauxInstancePower(params, data) + calculatePcsInstancePower(params, data);
+}
+
+float Model::computeLanePower(Params& params, Data const& data) const {
+    int const lanes = getLanes(params, data);
+    return lanes > 0 ? calculateInstancePower(params, data) / static_cast<float>(lanes) : 0.0f;
+}
+
+// The roles the block's family draws from this rail, for all the links, in W.
+float Model::computePower(Params& params, Data const& data, Rail rail) const {
+    FamilyRails const* rails = familyRails(refGtType(params, data));
+    if (rails == nullptr) return 0.0f;
+    float milliwatts = 0.0f;
+    for (Role role : {Role::AVCC, Role::AVTT, Role::VCCAUX, Role::PCS})
+        if (railOf(*rails, role) == rail) milliwatts += calculateInstancePower(params, data, role);
+    return static_cast<float>(getInstanceCount(params, data)) * milliwatts * 0.001f;
+}
+
+float Model::computeTotalPower(Params& params, Data const& data) const {
+    return static_cast<float>(getInstanceCount(params, data)) * calculateInstancePower(params, data) * 0.001f;
+}

@@ -1,0 +1,37 @@
+// The transceiver presets against the shipped transceiver data: every preset, on a part and package that
+// bond out enough quads of its family, gives inputs the transceiver sheet takes as valid.
+
+#include <prsm/framework/PRSMSheetPresets.h>
+#include <prsm/framework/PRSMSheetRegistry.h>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+
+namespace {
+
+TEST(ShippedGtPresets, EveryPresetIsAValidLinkOfItsFamily) {
+    prsm::Sheet const& gt = *prsm::SheetRegistry::instance().find("TalvexGt");
+    prsm::Sheet const* presets = prsm::findPresetSheet(gt);
+    ASSERT_NE(presets, nullptr);
+    // ZQVP1310 in TQD1760 bonds out 8 GTY and 4 GTM quads, ZQVC2606 in TQD1760 8 GTYP quads.
+    std::map<std::string, std::string> const partOf{
+        {"GTY", "ZQVP1310"}, {"GTM", "ZQVP1310"}, {"GTYP", "ZQVC2606"}};
+    for (std::string const& preset : prsm::presetNames(*presets)) {
+        SCOPED_TRACE(preset);
+        auto link = gt.create();
+        for (auto const& [input, value] : prsm::presetInputs(gt, *presets, preset)) link->set(input, value);
+        link->set("DEVICE", partOf.at(link->get("GT_TYPE")));
+        link->set("PACKAGE", "TQD1760");
+        link->calculate();
+        for (prsm::CellInfo const& cell : gt.cells()) {
+            if (!cell.validityKey.empty()) {
+                EXPECT_EQ(link->isValid(cell.name), 1) << cell.name;
+            }
+        }
+        EXPECT_GT(std::stod(link->get("TOTAL_POWER")), 0.0);
+    }
+}
+
+}  // namespace
