@@ -208,7 +208,9 @@ TEST(DesignSweep, ComputedDefaultsFollowTheSweptInputOnTheExample) {
                 "--outputs total_power --json");
     ASSERT_FALSE(every.empty());
     nlohmann::json const report = estimateExample(
-        {{"front end LUTs", 300}, {"front end registers", 300}, {"packet buffers (LUT RAM)", 300}});
+        {{"front end LUTs", 300}, {"front end registers", 300}, {"packet buffers (LUT RAM)", 300},
+         {"packet buffers", 300}, {"reserved frame buffers (asleep)", 300}, {"weight cache", 300},
+         {"checksum and scaling DSPs", 300}, {"front-end clock", 300}});
     ASSERT_TRUE(report.is_object());
     EXPECT_EQ(f(nlohmann::json::parse(every)["rows"][1]["total_power"].get<double>()),
               f(report["totals"]["total_power"].get<double>()));

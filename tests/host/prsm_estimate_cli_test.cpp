@@ -35,7 +35,7 @@ TEST(PrsmEstimateCli, ShippedExampleEstimatesCompletely) {
     double blocks = 0;
     for (auto const& block : report["blocks"]) blocks += block["power"].get<double>();
     double const dynamic = report["totals"]["dynamic_power"].get<double>();
-    EXPECT_EQ(report["blocks"].size(), 19u);  // 15 blocks and 4 extra loads
+    EXPECT_EQ(report["blocks"].size(), 25u);  // 21 blocks and 4 extra loads
     EXPECT_NEAR(blocks, dynamic, 1e-9 * dynamic);
     if (!report.contains("static")) {
         // No leakage sheet named: the rails carry the dynamic power alone, and Tj = 40 + 1.3 P.
@@ -50,6 +50,20 @@ TEST(PrsmEstimateCli, ShippedExampleEstimatesCompletely) {
         EXPECT_NEAR(total, dynamic + report["totals"]["static_power"].get<double>(), 1e-9 * total);
         EXPECT_NEAR(report["thermal"]["junction_temperature"].get<double>(), 40.0 + 1.3 * total, 1e-3);
     }
+}
+
+// The video pipeline runs clean, and the static sheet's used-block counts are its blocks' sums:
+// block RAMs awake 384 line buffers + 64 FIFOs, asleep the 96 spare blocks; UltraRAMs 192 awake;
+// LUTs 160,000 + 45,000 over the part's 734,400.
+TEST(PrsmEstimateCli, VideoPipelineFeedsItsBlockCounts) {
+    nlohmann::json const report = estimateExample("video-pipeline.json");
+    ASSERT_TRUE(report.value("complete", false));
+    EXPECT_TRUE(report["warnings"].empty()) << report["warnings"].dump();
+    nlohmann::json const& counts = report["static"]["counts"];
+    EXPECT_EQ(counts["USED_BRAMS_ACTIVE"].get<double>(), 448.0);
+    EXPECT_EQ(counts["USED_BRAMS_SLEEP"].get<double>(), 96.0);
+    EXPECT_EQ(counts["USED_URAMS_ACTIVE"].get<double>(), 192.0);
+    EXPECT_NEAR(counts["LUT_USED_PCT"].get<double>(), 100.0 * 205000 / 734400, 1e-4);
 }
 
 // The module example: the board takes each rail's total current, and the module's total holds the
