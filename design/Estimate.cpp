@@ -248,6 +248,14 @@ struct Estimator::State {
 
     Report report;
 
+    // The index of a block's or load's tag ("" for none, "ip" for hard IP), added on first use.
+    std::size_t tag(std::string const& name) {
+        std::size_t index = 0;
+        while (index < tags.size() && tags[index] != name) ++index;
+        if (index == tags.size()) tags.push_back(name);
+        return index;
+    }
+
     std::size_t rail(std::string const& name) {
         auto const [it, added] = railIndex.emplace(name, rails.size());
         if (added) rails.push_back(name);
@@ -352,10 +360,7 @@ void Estimator::State::setup() {
     for (Load const& load : design.loads) {
         loadRail.push_back(rail(load.rail));
         loadRegion.push_back(regionIndex(load.region));
-        std::size_t tag = 0;
-        while (tag < tags.size() && tags[tag] != load.tag) ++tag;
-        if (tag == tags.size()) tags.push_back(load.tag);
-        loadTag.push_back(tag);
+        loadTag.push_back(tag(load.tag));
     }
     if (design.staticSheet) {
         statics = std::make_unique<BlockState>();
@@ -390,7 +395,8 @@ void Estimator::State::setup() {
     for (Warning& warning : checkDevice(design, rails, voltage)) deviceWarnings.push_back(std::move(warning));
 
     for (BlockState& block : blocks)
-        for (Output& out : block.outputs) out.aggregate = cellOf(out.rail, block.region, 0);
+        for (Output& out : block.outputs)
+            out.aggregate = cellOf(out.rail, block.region, tag(block.sheet->design().tag));
     for (std::size_t i = 0; i < design.loads.size(); ++i)
         loadCell.push_back(cellOf(loadRail[i], loadRegion[i], loadTag[i]));
 

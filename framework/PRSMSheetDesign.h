@@ -85,11 +85,16 @@ struct SheetDesign {
     std::vector<SheetCount> counts;
     std::vector<CountFeed> countFeeds;
 
+    // What sets a block's power apart within its region, as a load's "tag" does: "ip" for hard IP, which
+    // the static sheet's feeds may select ("region:gt tag:ip"). Empty: none.
+    std::string tag;
+
     bool isStatic() const { return !temperatureInput.empty(); }
     bool isBoard() const { return !boardCurrents.empty(); }
     bool empty() const {
         return region.empty() && voltageInputs.empty() && powerOutputs.empty() && currentOutputs.empty() &&
-               deviceInputs.empty() && !isStatic() && !isBoard() && requiredFeatures.empty() && counts.empty();
+               deviceInputs.empty() && !isStatic() && !isBoard() && requiredFeatures.empty() && counts.empty() &&
+               tag.empty();
     }
 };
 

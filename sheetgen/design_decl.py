@@ -47,6 +47,7 @@ COUNTS = {
 @dataclass
 class DesignDecl:
     region: str = ""
+    tag: str = ""  # what sets the block's power apart within its region: "ip" for hard IP
     voltage: list[tuple[str, str]] = field(default_factory=list)
     power: list[tuple[str, str]] = field(default_factory=list)
     current: list[tuple[str, str]] = field(default_factory=list)
@@ -162,13 +163,18 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
         raise SheetError(f"rails: unknown keys {sorted(unknown)}")
     known = {"region", "device", "temperature", "static_current", "max_current", "static_total", "static_regions",
              "feeds", "board_architecture", "board_currents", "board_total", "board_regulators", "requires", "counts",
-             "count_feeds"}
+             "count_feeds", "tag"}
     if unknown := set(design) - known:
         raise SheetError(f"design: unknown keys {sorted(unknown)}")
     decl = DesignDecl()
     decl.region = design.get("region", "")
     if decl.region and decl.region not in REGIONS:
         raise SheetError(f"design.region: unknown region {decl.region!r}; one of {', '.join(REGIONS)}")
+    decl.tag = design.get("tag", "")
+    if not isinstance(decl.tag, str) or (decl.tag and not re.fullmatch(r"[a-z][a-z0-9_]*", decl.tag)):
+        raise SheetError(f"design.tag: {decl.tag!r} is not a lower-case word such as \"ip\"")
+    if decl.tag and not decl.region:
+        raise SheetError("design.tag: a tag sets power apart within a region: declare the region too")
 
     def cell(name: str, where: str, types: tuple[str, ...], want_input: bool):
         c = sheet.by_name.get(name)
@@ -304,4 +310,4 @@ def initializer(decl: DesignDecl) -> str:
             "{" + ", ".join(f'{{"{c}", "{cell}", "{r}", "{w}", {_cpp_strings(v)}}}'
                             for c, cell, r, w, v in decl.counts) + "}, "
             "{" + ", ".join(f'{{"{i}", {_cpp_strings(n)}, "{r}", {"true" if share else "false"}}}'
-                            for i, n, r, share in decl.count_feeds) + "}}")
+                            for i, n, r, share in decl.count_feeds) + f'}}, "{decl.tag}"}}')

@@ -62,7 +62,7 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
         self.assertEqual(board.board_currents, [("FED", "VCCINT")])
         self.assertEqual(board.board_regulators, [("R1", "AUX_CURRENT", "", "", "POWER")])
         self.assertTrue(design_decl.initializer(board).endswith(
-            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER"}}, {}, {}, {}}'))
+            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER"}}, {}, {}, {}, ""}'))
         # The list form: each cell is its rail's name, braces expanded.
         listed = sheet_with('[rails]\nvoltage = ["VCC{INT,_SOC}"]\n').design
         self.assertEqual(listed.voltage, [("VCCINT", "VCCINT"), ("VCC_SOC", "VCC_SOC")])
@@ -77,7 +77,7 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
                                          ("VCCINT", ["luts"], "LUTS", True)])
         self.assertTrue(design_decl.initializer(d).endswith(
             '{{"luts", "POWER", "LUTS", "DEVICE", {"LUT*", "SRL"}}, {"dsps", "AUX_CURRENT", "DSPS", "", {}}}, '
-            '{{"FED", {"bram_active", "bram_sleep"}, "", false}, {"VCCINT", {"luts"}, "LUTS", true}}}'))
+            '{{"FED", {"bram_active", "bram_sleep"}, "", false}, {"VCCINT", {"luts"}, "LUTS", true}}, ""}'))
 
     def test_refuses_each_kind_of_mistake(self):
         cases = {
@@ -100,6 +100,8 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
             '[design]\nboard_currents = { FED = "VCCINT" }\nboard_regulators = { R = { volts = "POWER" } }\n':
                 "unknown keys ['volts']",
             '[design]\ntemperature = "TJ"\nboard_currents = { FED = "VCCINT" }\n': "not both",
+            '[design]\ntag = "IP"\nregion = "gt"\n': "is not a lower-case word",
+            '[design]\ntag = "ip"\n': "declare the region too",
             '[design.counts]\nlookup_tables = "POWER"\n': "unknown count 'lookup_tables'",
             '[design.counts]\nluts = "DEVICE"\n': "DEVICE is not a int/float cell",
             '[design.counts]\nluts = { cell = "POWER", when = { TJ = "LUT*" } }\n': "TJ is not a string input",

@@ -98,3 +98,26 @@ TEST(ShippedDeviceChecks, ARateTypedAsAPercentIsNamedWithItsBlock) {
 }
 
 }  // namespace
+
+// A hard-IP block's power is tagged "ip": the static sheet takes it as the transceivers' IP power, and
+// the transceiver lanes themselves as the rest of the region's.
+TEST(ShippedDeviceChecks, HardIpPowerFeedsTheIpInputOfItsRegion) {
+    Design const design = parseDesign(
+        R"({"schema_version": 1, "device": {"part": "ZQVC1902"}, "thermal": {"junction_temperature": 50},
+            "static": {"model": "TalvexStatic"},
+            "blocks": [{"name": "pcie", "model": "TalvexHardIp"},
+                       {"name": "lanes", "model": "TalvexGt", "inputs": {"GT_TYPE": "GTY"}}]})",
+        "inline.json");
+    Report const report = Estimator(design).estimate();
+    ASSERT_TRUE(report.complete) << report.failures.at(0);
+    auto fed = [&](std::string const& input) {
+        for (auto const& [name, watts] : report.staticInputs)
+            if (name == input) return watts;
+        return -1.0;
+    };
+    ASSERT_EQ(report.blocks.size(), 2u);
+    EXPECT_GT(report.blocks[0].power, 0.0);
+    EXPECT_GT(report.blocks[1].power, 0.0);
+    EXPECT_DOUBLE_EQ(fed("GT_IP_DYN_POWER"), report.blocks[0].power);
+    EXPECT_DOUBLE_EQ(fed("GT_DYN_POWER"), report.blocks[1].power);
+}
