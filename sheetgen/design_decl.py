@@ -35,6 +35,10 @@ COUNTS = {
     "vcco18_hdio_banks": "",
     "vcco25_hdio_banks": "",
     "vcco33_hdio_banks": "",
+    # transceiver quads powered, per family
+    "gty_quads": "",
+    "gtyp_quads": "",
+    "gtm_quads": "",
     # the newer processor system's units powered
     "psxl_cpu": "",
     "psxl_l3_cache": "",
