@@ -4,7 +4,8 @@ A pattern is a cell name in which "*" matches any run of characters (none includ
 [lists] names are expanded first. A cell named exactly takes that entry's value; otherwise the longest
 pattern that matches it decides, and two equally long patterns that give it different values are an
 error. A section may keep patterns off some cells (`admits(pattern, cell)`: the validity flags have no
-unit); a name or pattern that reaches no cell is an error too.
+unit) and refuse some cells even by name (`refuses(cell)` says why: a warning needs a number cell); a
+name or pattern that reaches no cell is an error too.
 """
 
 from __future__ import annotations
@@ -29,9 +30,11 @@ def glob(pattern: str) -> "re.Pattern[str]":
 
 
 def place(entries: Iterable[tuple[str, object]], cells: Iterable[str], admits: Callable[[str, str], bool],
-          expand: Callable[[str], list[str]]) -> dict[str, Placed]:
+          expand: Callable[[str], list[str]], *, refuses: Callable[[str], str] = lambda _: "",
+          reachable: str = "cell", values: str = "values") -> dict[str, Placed]:
     """Resolves (pattern, value) entries over the cell names; answers cell name -> Placed for every cell
-    that an entry reaches. An exact name need only be a cell; `admits` filters what patterns reach."""
+    that an entry reaches. An exact name must be a cell that `refuses` has no reason against; `admits`
+    filters what patterns reach. `reachable` and `values` name what a section places, in its errors."""
     names = list(cells)
     known = set(names)
     exact: dict[str, object] = {}
@@ -40,12 +43,14 @@ def place(entries: Iterable[tuple[str, object]], cells: Iterable[str], admits: C
         for name in expand(pattern):
             if "*" in name:
                 if not any(glob(name).fullmatch(cell) for cell in names if admits(name, cell)):
-                    raise PatternError(f"pattern {name} matches no cell")
+                    raise PatternError(f"pattern {name} matches no {reachable}")
                 globs.append((name, value))
             elif name not in known:
                 raise PatternError(f"no cell {name}")
+            elif refuses(name):
+                raise PatternError(f"{name} {refuses(name)}")
             elif exact.setdefault(name, value) != value:
-                raise PatternError(f"cell {name} is given two values, {exact[name]!r} and {value!r}")
+                raise PatternError(f"cell {name} is given two {values}, {exact[name]!r} and {value!r}")
     placed: dict[str, Placed] = {}
     for name in names:
         if name in exact:
@@ -58,7 +63,7 @@ def place(entries: Iterable[tuple[str, object]], cells: Iterable[str], admits: C
         best = [(p, v) for length, p, v in matches if length == longest]
         if any(v != best[0][1] for _, v in best):
             raise PatternError(f"cell {name} matches {', '.join(sorted(p for p, _ in best))} of equal length "
-                               f"with different values")
+                               f"with different {values}")
         pattern, value = min(best, key=lambda pv: pv[0])
         head, _, tail = pattern.partition("*")
         starred = re.fullmatch(re.escape(head) + "(.*?)" + glob(tail).pattern, name)[1]

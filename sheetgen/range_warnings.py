@@ -44,8 +44,8 @@ def read(entries: dict, by_name: dict) -> None:
         numbers = [b for b in bounds if isinstance(b, (int, float)) and not isinstance(b, bool)]
         if len(numbers) == 2 and numbers[0] >= numbers[1]:
             raise SheetError(f"{where}: range [{bounds[0]}, {bounds[1]}]: the low bound must be below the high one")
-    for name, (entry, starred) in resolve_number_cells("warnings.outside", entries, by_name).items():
+    for name, placed in resolve_number_cells("warnings.outside", entries, by_name).items():
         where = f"warnings.outside: cell {name}"
-        low, high = (_bound_text(where, b, name, starred, by_name) for b in entry["range"])
-        message = entry["message"].replace("{cell}", name).replace("{*}", starred)
+        low, high = (_bound_text(where, b, name, placed.starred, by_name) for b in placed.value["range"])
+        message = placed.value["message"].replace("{cell}", name).replace("{*}", placed.starred)
         by_name[name].outside = (low, high, message)

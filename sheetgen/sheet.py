@@ -267,10 +267,6 @@ def _cells(doc: dict, lists: dict[str, list[str]]) -> tuple[dict, dict]:
     return cells, by_name
 
 
-def _glob(pattern: str) -> "re.Pattern[str]":
-    return re.compile(".*".join(re.escape(part) for part in pattern.split("*")))
-
-
 def _is_flag(name: str) -> bool:
     return name.startswith("IS_VALID_")
 
@@ -298,45 +294,19 @@ WARNING_KINDS = ("below_zero", "above_zero", "no_value")
 _WARNING_FIELDS = ("cell", "*", "value", "unit")
 
 
-def resolve_number_cells(where: str, entries: dict, by_name: dict) -> dict[str, tuple[object, str]]:
-    """Resolves `entries` (cell name pattern -> what is declared for it) over the number cells of the
-    sheet: braces and lists expand, an exact name beats a "*" pattern, the longest pattern wins; patterns
-    pass over string cells and the validity flags. Gives cell name -> (its entry, what the pattern's first
-    "*" matched: the whole name for an exact one)."""
-    exact: dict[str, object] = {}
-    globs: list[tuple[str, object]] = []
-    for pattern, entry in entries.items():
-        for name in expand(pattern):
-            if "*" in name:
-                globs.append((name, entry))
-                if not any(_glob(name).fullmatch(c.name) for c in by_name.values()
-                           if c.type != "string" and not _is_flag(c.name)):
-                    raise SheetError(f"{where}: pattern {name} matches no number cell")
-            elif name not in by_name:
-                raise SheetError(f"{where}: no cell {name}")
-            elif by_name[name].type == "string":
-                raise SheetError(f"{where}: {name} is a string cell")
-            elif exact.setdefault(name, entry) != entry:
-                raise SheetError(f"{where}: cell {name} is given two entries")
-    resolved: dict[str, tuple[object, str]] = {}
-    for name, cell in by_name.items():
-        if name in exact:
-            resolved[name] = (exact[name], name)
-            continue
-        if cell.type == "string" or _is_flag(name):
-            continue
-        matches = [(len(p), p, e) for p, e in globs if _glob(p).fullmatch(name)]
-        if not matches:
-            continue
-        longest = max(length for length, _, _ in matches)
-        best = [(p, e) for length, p, e in matches if length == longest]
-        if any(e != best[0][1] for _, e in best):
-            raise SheetError(f"{where}: cell {name} matches "
-                             f"{', '.join(sorted(p for p, _ in best))} of equal length with different entries")
-        pattern, entry = min(best, key=lambda b: b[0])
-        head, _, tail = pattern.partition("*")
-        resolved[name] = (entry, re.fullmatch(re.escape(head) + "(.*?)" + _glob(tail).pattern, name)[1])
-    return resolved
+def resolve_number_cells(where: str, entries: dict, by_name: dict) -> dict[str, cell_patterns.Placed]:
+    """Places `entries` (cell name pattern -> what is declared for it) on the number cells of the sheet
+    (cell_patterns.place): patterns pass over string cells and the validity flags, and a string cell named
+    exactly is an error."""
+    def is_number(name: str) -> bool:
+        return by_name[name].type != "string"
+
+    try:
+        return cell_patterns.place(entries.items(), by_name, lambda _, name: is_number(name) and not _is_flag(name),
+                                   expand, refuses=lambda name: "" if is_number(name) else "is a string cell",
+                                   reachable="number cell", values="entries")
+    except cell_patterns.PatternError as error:
+        raise SheetError(f"{where}: {error}") from None
 
 
 def check_message_fields(where: str, message: str, fields: tuple[str, ...]) -> None:
@@ -365,8 +335,8 @@ def _warnings(doc: dict, by_name: dict[str, Cell]) -> None:
             raise SheetError(f"warnings.{kind}: expected a table of cell name pattern = message")
         for pattern, message in entries.items():
             check_message_fields(f"warnings.{kind}.{pattern}", message, _WARNING_FIELDS)
-        for name, (message, starred) in resolve_number_cells(f"warnings.{kind}", entries, by_name).items():
-            by_name[name].warnings[kind] = message.replace("{cell}", name).replace("{*}", starred)
+        for name, placed in resolve_number_cells(f"warnings.{kind}", entries, by_name).items():
+            by_name[name].warnings[kind] = placed.value.replace("{cell}", name).replace("{*}", placed.starred)
     import range_warnings  # the `outside` check: bounds that are numbers or cells
     range_warnings.read(section.get("outside", {}), by_name)
 

@@ -5,14 +5,18 @@
   talvex/PRSMTalvexDecouplingCapXqData.cfg     capacitor counts per ampere of load step
   talvex/PRSMTalvexDecouplingCapXcData.cfg     the same for the other package class
 
-Run from anywhere: python3 data/tools/board_sheets.py. Standard library only; the output is committed,
-so the library never needs this script at run time. How the figures were chosen is told in
-docs/models/TalvexPowerRailGrouping.md and docs/models/TalvexDecouplingCap.md.
+Run from anywhere: python3 data/tools/board_sheets.py [--check]. With --check nothing is written: the
+exit status says whether the committed files are what the description gives. Standard library only;
+the output is committed, so the library never needs this script at run time. How the figures were
+chosen is told in docs/models/TalvexPowerRailGrouping.md and docs/models/TalvexDecouplingCap.md.
 """
 
 from __future__ import annotations
 
+import sys
 from pathlib import Path
+
+from cfg_writer import value, write_or_check
 
 OUT = Path(__file__).resolve().parent.parent / "powercfg" / "talvex"
 
@@ -115,8 +119,8 @@ def label(strategy: str, grade: str, rail: str) -> str:
     return MIN_RAILS[rail]
 
 
-def cfg_list(values) -> str:
-    return "( " + ", ".join(f'"{v}"' for v in values) + " )"
+def cfg_list(names) -> str:
+    return value(list(names))
 
 
 def rail_grouping() -> str:
@@ -141,8 +145,8 @@ def rail_grouping() -> str:
                 entries = []
                 for rail in RAILS:
                     block = BLOCK_OF_RAIL.get(rail)
-                    value = NO_REGULATOR if block and block not in blocks else label(strategy, grade, rail)
-                    entries.append(f'{rail} = "{value}";')
+                    regulator = NO_REGULATOR if block and block not in blocks else label(strategy, grade, rail)
+                    entries.append(f'{rail} = "{regulator}";')
                 lines.append(f"      {strategy}_{grade} = {{")
                 lines += _wrap(entries, "        ")
                 lines.append("      };")
@@ -266,7 +270,7 @@ GT_LISTS = {
 }
 
 
-def main() -> None:
+def main() -> int:
     files = {
         "PRSMTalvexPowerRailGroupingData.cfg": rail_grouping(),
         "PRSMTalvexDecouplingCapXqData.cfg":
@@ -275,10 +279,9 @@ def main() -> None:
             decoupling("DecouplingCapXc", XC_CAPS, XC_CLASSES, XC_PACKAGES,
                        [r for r in STEP_RAILS if r not in RF_RAILS] + GT_RAILS, GT_LISTS),
     }
-    for name, text in files.items():
-        (OUT / name).write_text(text)
-        print(f"wrote {OUT / name}")
+    return write_or_check({OUT / name: text for name, text in files.items()}, "--check" in sys.argv[1:],
+                          Path(__file__).name)
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())

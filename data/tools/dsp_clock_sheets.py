@@ -20,6 +20,8 @@ from __future__ import annotations
 import sys
 from pathlib import Path
 
+from cfg_writer import data_file, write_or_check
+
 OUT = Path(__file__).resolve().parent.parent / "powercfg" / "talvex"
 
 GATE_FF = 1.5          # fF per gate input with its local wiring
@@ -141,44 +143,13 @@ def clock_tables() -> dict:
     }
 
 
-# ---- libconfig text ----------------------------------------------------------------------------------
-
-def value(v) -> str:
-    if isinstance(v, str):
-        return f'"{v}"'
-    if isinstance(v, int):
-        return str(v)
-    text = f"{v:.7g}"
-    return text if any(ch in text for ch in ".e") else text + ".0"
-
-
-def setting(name: str, v, pad: str) -> list[str]:
-    if isinstance(v, list):
-        return [f"{pad}{name} = ( {', '.join(value(x) for x in v)} );"]
-    if isinstance(v, dict):
-        if not any(isinstance(x, (dict, list)) for x in v.values()):
-            return [f"{pad}{name} = {{ {' '.join(f'{k} = {value(x)};' for k, x in v.items())} }};"]
-        lines = [f"{pad}{name} = {{"]
-        for key, sub in v.items():
-            lines += setting(key, sub, pad + "  ")
-        return lines + [f"{pad}}};"]
-    return [f"{pad}{name} = {value(v)};"]
-
-
-def render(cls: str, header: str, tables: dict) -> str:
-    lines = [f"// {line}" for line in header.splitlines()] + [f"{cls} = {{"]
-    for name, tree in tables.items():
-        lines += setting(name, tree, "  ")
-    return "\n".join(lines + ["};"]) + "\n"
-
-
 FILES = {
-    "PRSMTalvexDspData.cfg": render(
+    "PRSMTalvexDspData.cfg": data_file(
         "PRSMTalvexDspData",
         "DSP slices: switched capacitance in pF per bit (per partial-product bit for MULT), operand and\n"
         "accumulator widths per mode. Written by data/tools/dsp_clock_sheets.py; see docs/models/TalvexDsp.md.",
         dsp_tables()),
-    "PRSMTalvexLogicClockData.cfg": render(
+    "PRSMTalvexLogicClockData.cfg": data_file(
         "PRSMTalvexLogicClockData",
         "Logic clock network: switched capacitance in pF per segment, leaf, slice, load pin and buffer.\n"
         "Written by data/tools/dsp_clock_sheets.py; see docs/models/TalvexLogicClock.md.",
@@ -187,18 +158,8 @@ FILES = {
 
 
 def main() -> int:
-    check = "--check" in sys.argv[1:]
-    stale = []
-    for name, text in FILES.items():
-        path = OUT / name
-        if check:
-            if not path.exists() or path.read_text() != text:
-                stale.append(name)
-        else:
-            path.write_text(text)
-    for name in stale:
-        print(f"{OUT / name} is not what {Path(__file__).name} gives: run it again", file=sys.stderr)
-    return 1 if stale else 0
+    return write_or_check({OUT / name: text for name, text in FILES.items()}, "--check" in sys.argv[1:],
+                          Path(__file__).name)
 
 
 if __name__ == "__main__":

@@ -26,7 +26,7 @@ import sys
 import tomllib
 from pathlib import Path
 
-from dsp_clock_sheets import render
+from cfg_writer import data_file, write_or_check
 
 TOOLS = Path(__file__).resolve().parent
 OUT = TOOLS.parent / "powercfg" / "talvex"
@@ -188,18 +188,18 @@ def ip_tables(parts: list[str]) -> dict:
 def files() -> dict:
     parts = sorted(device_quads())
     return {
-        "PRSMTalvexGtData.cfg": render(
+        "PRSMTalvexGtData.cfg": data_file(
             "PRSMTalvexGtData",
             "Transceivers: per-lane power in mW at the nominal rail voltages (mW per GBd for *_PER_GBD, per\n"
             "Gb/s for PCS_PER_GBPS), line-rate limits and bonded quads. Written by data/tools/gt_ip_sheets.py;\n"
             "see docs/models/TalvexGt.md.",
             gt_tables(parts)),
-        "PRSMTalvexGtPresetData.cfg": render(
+        "PRSMTalvexGtPresetData.cfg": data_file(
             "PRSMTalvexGtPresetData",
             "Ready-made input sets of the transceiver sheet: GT_PRESETS.<preset>.<input>, numbers as their text.\n"
             "Written by data/tools/gt_ip_sheets.py; see docs/models/TalvexGt.md.",
             preset_tables()),
-        "PRSMTalvexHardIpData.cfg": render(
+        "PRSMTalvexHardIpData.cfg": data_file(
             "PRSMTalvexHardIpData",
             "Hard link IP: idle mW, pJ per bit, lane limits and rail shares of each controller. Written by\n"
             "data/tools/gt_ip_sheets.py; see docs/models/TalvexHardIp.md.",
@@ -208,18 +208,8 @@ def files() -> dict:
 
 
 def main() -> int:
-    check = "--check" in sys.argv[1:]
-    stale = []
-    for name, text in files().items():
-        path = OUT / name
-        if check:
-            if not path.exists() or path.read_text() != text:
-                stale.append(name)
-        else:
-            path.write_text(text)
-    for name in stale:
-        print(f"{OUT / name} is not what {Path(__file__).name} gives: run it again", file=sys.stderr)
-    return 1 if stale else 0
+    return write_or_check({OUT / name: text for name, text in files().items()}, "--check" in sys.argv[1:],
+                          Path(__file__).name)
 
 
 if __name__ == "__main__":

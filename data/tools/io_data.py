@@ -19,7 +19,8 @@ from __future__ import annotations
 import sys
 from pathlib import Path
 
-from dsp_clock_sheets import DEVICE_SIZES, setting, value
+from cfg_writer import data_file, write_or_check
+from dsp_clock_sheets import DEVICE_SIZES
 
 OUT = Path(__file__).resolve().parent.parent / "powercfg" / "talvex"
 
@@ -132,22 +133,7 @@ def io_tables() -> dict:
     }
 
 
-def group(name: str, tree: dict, pad: str) -> list[str]:
-    """A setting, with groups of lists (the drive settings) written one list per line."""
-    if not any(isinstance(v, list) for v in tree.values()):
-        return setting(name, tree, pad)
-    inner = [f"{pad}  {key} = ( {', '.join(value(x) for x in v)} );" for key, v in tree.items()]
-    return [f"{pad}{name} = {{", *inner, f"{pad}}};"]
-
-
-def render(cls: str, header: str, tables: dict) -> str:
-    lines = [f"// {line}" for line in header.splitlines()] + [f"{cls} = {{"]
-    for name, tree in tables.items():
-        lines += group(name, tree, "  ") if isinstance(tree, dict) else setting(name, tree, "  ")
-    return "\n".join(lines + ["};"]) + "\n"
-
-
-TEXT = render(
+TEXT = data_file(
     "PRSMTalvexIoData",
     "General-purpose I/O: standards (VCCO in V, capacitances in pF, impedances in ohms, currents in mA),\n"
     "the bank types that carry them (Mb/s), bank figures. Written by data/tools/io_data.py; see\n"
@@ -156,14 +142,7 @@ TEXT = render(
 
 
 def main() -> int:
-    path = OUT / "PRSMTalvexIoData.cfg"
-    if "--check" not in sys.argv[1:]:
-        path.write_text(TEXT)
-        return 0
-    if path.exists() and path.read_text() == TEXT:
-        return 0
-    print(f"{path} is not what {Path(__file__).name} gives: run it again", file=sys.stderr)
-    return 1
+    return write_or_check({OUT / "PRSMTalvexIoData.cfg": TEXT}, "--check" in sys.argv[1:], Path(__file__).name)
 
 
 if __name__ == "__main__":

@@ -19,7 +19,7 @@ from __future__ import annotations
 import sys
 from pathlib import Path
 
-from dsp_clock_sheets import value
+from cfg_writer import data_file, write_or_check
 
 OUT = Path(__file__).resolve().parent.parent / "powercfg" / "talvex"
 
@@ -158,55 +158,31 @@ PRESETS = {
                         ["CPU", "L3_CACHE"], plls_off=("FPD_PLL",)),
 }
 
-# ---- libconfig text: a group of a few numbers on one line, a longer one a setting per line ---------
 
-def setting(name: str, v, pad: str) -> list[str]:
-    if isinstance(v, dict):
-        if len(v) <= 4 and not any(isinstance(x, dict) for x in v.values()):
-            return [f"{pad}{name} = {{ {' '.join(f'{k} = {value(x)};' for k, x in v.items())} }};"]
-        lines = [f"{pad}{name} = {{"]
-        for key, sub in v.items():
-            lines += setting(key, sub, pad + "  ")
-        return lines + [f"{pad}}};"]
-    return [f"{pad}{name} = {value(v)};"]
-
-
-def render(cls: str, header: str, tables: dict) -> str:
-    lines = [f"// {line}" for line in header.splitlines()] + [f"{cls} = {{"]
-    for name, tree in tables.items():
-        lines += setting(name, tree, "  ")
-    return "\n".join(lines + ["};"]) + "\n"
+def spread(_: tuple[str, ...], group: dict) -> bool:
+    """A group of a few numbers goes on one line, a longer one a setting per line."""
+    return len(group) > 4 or any(isinstance(v, dict) for v in group.values())
 
 
 FILES = {
-    "PRSMTalvexPsxlData.cfg": render(
+    "PRSMTalvexPsxlData.cfg": data_file(
         "PRSMTalvexPsxlData",
         "Larger processor system: per-block coefficients in W per MHz (CLOCK idle, DYNAMIC at full load;\n"
         "a PLL's CORE and AUX), pin activity, multiplexed-I/O coefficients, the pins of each peripheral and\n"
         "the device scales. Written by data/tools/psxl_sheets.py; see docs/models/TalvexPsxl.md.",
-        psxl_tables()),
-    "PRSMTalvexPsxlPresetData.cfg": render(
+        psxl_tables(), spread),
+    "PRSMTalvexPsxlPresetData.cfg": data_file(
         "PRSMTalvexPsxlPresetData",
         "Ready-made input sets of the larger processor system (see docs/models/TalvexPsxl.md, \"Presets\").\n"
         "PSXL_PRESETS.<preset>.<input>: the value of every TalvexPsxl input in that preset, and a DESCRIPTION.\n"
         "Written by data/tools/psxl_sheets.py.",
-        {"PSXL_PRESETS": PRESETS}),
+        {"PSXL_PRESETS": PRESETS}, spread),
 }
 
 
 def main() -> int:
-    check = "--check" in sys.argv[1:]
-    stale = []
-    for name, text in FILES.items():
-        path = OUT / name
-        if check:
-            if not path.exists() or path.read_text() != text:
-                stale.append(name)
-        else:
-            path.write_text(text)
-    for name in stale:
-        print(f"{OUT / name} is not what {Path(__file__).name} gives: run it again", file=sys.stderr)
-    return 1 if stale else 0
+    return write_or_check({OUT / name: text for name, text in FILES.items()}, "--check" in sys.argv[1:],
+                          Path(__file__).name)
 
 
 if __name__ == "__main__":

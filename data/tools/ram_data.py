@@ -17,7 +17,7 @@ import sys
 import tomllib
 from pathlib import Path
 
-from static_data import block
+from cfg_writer import data_file, spread_to, write_or_check
 
 
 def array_energy(law: dict, nominal: dict, blk: dict) -> dict[str, float]:
@@ -75,14 +75,7 @@ def tables(desc: dict, sheet: dict) -> dict:
 
 def render(desc: dict, stem: str, sheet: dict) -> str:
     header = desc["sheet"]["header"].format(title=sheet["title"], page=stem)
-    lines = [f"{sheet['class']} = {{"]
-    for name, tree in tables(desc, sheet).items():
-        if isinstance(tree, list):
-            lines.append(f"  {name} = ( {', '.join(chr(34) + s + chr(34) for s in tree)} );")
-        else:
-            lines += block(name, tree, 1, 2 if name == "MAX_WIDTH" else 1)
-    lines.append("};")
-    return "".join(f"// {line}\n" for line in header.splitlines()) + "\n".join(lines) + "\n"
+    return data_file(sheet["class"], header, tables(desc, sheet), spread_to({"MAX_WIDTH": 2}))
 
 
 def main() -> int:
@@ -92,17 +85,9 @@ def main() -> int:
         return 2
     with open(args[0], "rb") as f:
         desc = tomllib.load(f)
-    stale = []
-    for stem, sheet in desc["sheets"].items():
-        output = Path(args[1]) / f"PRSM{stem}Data.cfg"
-        text = render(desc, stem, sheet)
-        if "--check" not in sys.argv:
-            output.write_text(text)
-        elif not output.exists() or output.read_text() != text:
-            stale.append(str(output))
-    for output in stale:
-        print(f"{output} is not what {args[0]} gives: run {Path(__file__).name} again", file=sys.stderr)
-    return 1 if stale else 0
+    files = {Path(args[1]) / f"PRSM{stem}Data.cfg": render(desc, stem, sheet)
+             for stem, sheet in desc["sheets"].items()}
+    return write_or_check(files, "--check" in sys.argv, Path(__file__).name, args[0])
 
 
 if __name__ == "__main__":

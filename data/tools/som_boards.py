@@ -4,7 +4,8 @@
     data/powercfg/dravik/PRSMDravikS26Data.cfg   (larger board, DDR4)
     data/powercfg/dravik/PRSMDravikS24Data.cfg   (smaller board, LPDDR4)
 
-Run from anywhere: python3 data/tools/som_boards.py [--out DIR]. Standard library only.
+Run from anywhere: python3 data/tools/som_boards.py [--out DIR] [--check]. With --check nothing is
+written: the exit status says whether the files are what the script gives. Standard library only.
 
 Efficiency tables. Every switching regulator output gets a row for every key its load can round to
 (the sheets round a buck's load to 10 mA below 200 mA, 25 mA below 1000 mA and 100 mA above; the MPS3805A
@@ -24,7 +25,10 @@ docs/models/DravikS26.md and DravikS24.md); none is a measurement of a particula
 """
 
 import argparse
+import sys
 from pathlib import Path
+
+from cfg_writer import setting, write_or_check
 
 
 def steps(kind, limit_ma):
@@ -74,13 +78,8 @@ def efficiency_table(name, kind, limit_ma, columns):
 
 
 def group(name, rows):
-    """A two-level table: rows of {column: value}."""
-    lines = [f"  {name} = {{"]
-    for row, values in rows:
-        cells = " ".join(f"{col} = {value!r};" for col, value in values)
-        lines.append(f"    {row} = {{ {cells} }};")
-    lines.append("  };")
-    return lines
+    """A two-level table: a line per row of {column: value}."""
+    return setting((name,), {row: dict(values) for row, values in rows}, lambda path, _: len(path) == 1)
 
 
 # Storage, both boards: 3.3 V core and 1.8 V interface. Idle in W; read and write in W per MB/s
@@ -195,11 +194,13 @@ def main():
     root = Path(__file__).resolve().parents[2]
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--out", type=Path, default=root / "data" / "powercfg" / "dravik")
+    parser.add_argument("--check", action="store_true", help="write nothing; fail when a file differs")
     args = parser.parse_args()
-    args.out.mkdir(parents=True, exist_ok=True)
-    (args.out / "PRSMDravikS26Data.cfg").write_text(s26())
-    (args.out / "PRSMDravikS24Data.cfg").write_text(s24())
+    if not args.check:
+        args.out.mkdir(parents=True, exist_ok=True)
+    files = {args.out / "PRSMDravikS26Data.cfg": s26(), args.out / "PRSMDravikS24Data.cfg": s24()}
+    return write_or_check(files, args.check, Path(__file__).name)
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())

@@ -21,6 +21,8 @@ import sys
 import tomllib
 from pathlib import Path
 
+from cfg_writer import data_file, spread_to, write_or_check
+
 LETTERS = ("A", "B", "C", "D", "E", "CONST")  # coefficients of T^5 .. T^0
 
 
@@ -67,46 +69,6 @@ def fit_doubling(d: float, lo: float, hi: float) -> tuple[dict[str, float], floa
 
 def poly(c: dict[str, float], t: float) -> float:
     return c["A"] * t**5 + c["B"] * t**4 + c["C"] * t**3 + c["D"] * t**2 + c["E"] * t + c["CONST"]
-
-
-# ---- libconfig text ----
-
-def number(x: float) -> str:
-    text = f"{x:.7g}"
-    return text if any(ch in text for ch in ".e") else text + ".0"
-
-
-def value(v) -> str:
-    if isinstance(v, str):
-        return '"' + v + '"'
-    if isinstance(v, bool):
-        raise TypeError("booleans are not written")
-    if isinstance(v, int):
-        return str(v)
-    if isinstance(v, float):
-        return number(v)
-    if isinstance(v, list):
-        return "[" + ", ".join(value(x) for x in v) + "]"
-    raise TypeError(f"cannot write {v!r}")
-
-
-def inline(group: dict) -> str:
-    return "{ " + " ".join(f"{k} = {inline(v) if isinstance(v, dict) else value(v)};" for k, v in group.items()) + " }"
-
-
-def block(name: str, tree: dict, indent: int, depth_inline: int) -> list[str]:
-    """A group written over several lines down to `depth_inline` levels, then one line per group."""
-    pad = "  " * indent
-    if depth_inline <= 0 or not any(isinstance(v, dict) for v in tree.values()):
-        return [f"{pad}{name} = {inline(tree)};"]
-    lines = [f"{pad}{name} = {{"]
-    for key, sub in tree.items():
-        if isinstance(sub, dict):
-            lines += block(key, sub, indent + 1, depth_inline - 1)
-        else:
-            lines.append(f"{pad}  {key} = {value(sub)};")
-    lines.append(f"{pad}}};")
-    return lines
 
 
 # ---- The tables ----
@@ -352,15 +314,13 @@ class BinnedGenerator(Generator):
 GENERATORS = {"sku": Generator, "bin": BinnedGenerator}
 
 
+# How many levels of a table's groups go over several lines (1 for a table not named here).
+SPREAD_DEPTH = {"DROPDOWN_LISTS": 1, "SKU_LIST": 4, "VT_COEFFICIENT": 3, "BINNING_FACTORS": 3, "VOLTAGE_SCALING": 3,
+                "VOLTAGE_RANGE": 2, "GT_INFO": 2, "UNBONDED_GT_INFO": 2, "DEVICE_DEPENDENT_SCALE": 2}
+
+
 def render(desc: dict, tables: dict) -> str:
-    header = "".join(f"// {line}\n" for line in desc["sheet"]["header"].splitlines())
-    depth = {"DROPDOWN_LISTS": 1, "SKU_LIST": 4, "VT_COEFFICIENT": 3, "BINNING_FACTORS": 3, "VOLTAGE_SCALING": 3,
-             "VOLTAGE_RANGE": 2, "GT_INFO": 2, "UNBONDED_GT_INFO": 2, "DEVICE_DEPENDENT_SCALE": 2}
-    lines = [f"{desc['sheet']['class']} = {{"]
-    for name, tree in tables.items():
-        lines += block(name, tree, 1, depth.get(name, 1))
-    lines.append("};")
-    return header + "\n".join(lines) + "\n"
+    return data_file(desc["sheet"]["class"], desc["sheet"]["header"], tables, spread_to(SPREAD_DEPTH), arrays=True)
 
 
 def main() -> int:
@@ -371,16 +331,11 @@ def main() -> int:
     with open(args[0], "rb") as f:
         desc = tomllib.load(f)
     gen = GENERATORS[desc["sheet"].get("grades", "sku")](desc)
-    text = render(desc, gen.tables())
-    output = Path(args[1])
-    if "--check" in sys.argv:
-        if output.exists() and output.read_text() == text:
-            return 0
-        print(f"{output} is not what {args[0]} gives: run {Path(__file__).name} again", file=sys.stderr)
-        return 1
-    output.write_text(text)
-    print(gen.report(), file=sys.stderr)
-    return 0
+    check = "--check" in sys.argv
+    status = write_or_check({Path(args[1]): render(desc, gen.tables())}, check, Path(__file__).name, args[0])
+    if not check:
+        print(gen.report(), file=sys.stderr)
+    return status
 
 
 if __name__ == "__main__":
