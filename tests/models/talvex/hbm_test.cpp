@@ -67,10 +67,10 @@ TEST_F(Hbm, StackHeightRateLimitVoltageAndScaleComeFromThePart) {
 }
 
 TEST_F(Hbm, ImpossibleCombinationsAreInvalidAndStillCalculated) {
-    p[Params::INSTANCE_COUNT] = 3;       // the part has two stacks
-    p[Params::PSEUDO_CHANNELS] = 17;     // a stack has 16
-    p[Params::DATA_RATE] = 3600.0f;      // beyond 3200
-    p[Params::WRITE_RATE] = 30.0f;       // a percent meant
+    p[Params::INSTANCE_COUNT] = 3;    // the part has two stacks
+    p[Params::PSEUDO_CHANNELS] = 17;  // a stack has 16
+    p[Params::DATA_RATE] = 3600.0f;   // beyond 3200
+    p[Params::WRITE_RATE] = 30.0f;    // a percent meant
     EXPECT_EQ(valid("IS_VALID_INSTANCE_COUNT"), 0);
     EXPECT_EQ(valid("IS_VALID_PSEUDO_CHANNELS"), 0);
     EXPECT_EQ(valid("IS_VALID_DATA_RATE"), 0);
