@@ -7,7 +7,7 @@
 #include "MemoryFormulas.h"
 
 #include <algorithm>
-#include <cstdint>
+#include <cmath>
 
 using PRSMHelperUtils::IFERROR;
 using Model = PRSMTalvexDdrmcModel;
@@ -38,13 +38,20 @@ float seriesConductance(float a, float b) {
     return a + b > 0.0f ? 1.0f / (a + b) : 0.0f;
 }
 
+// Counts are formed in double precision and stored saturated, so that no width, rank or instance count
+// a user types overflows an int on the way.
 int saturated(double value) {
     return PRSMHelperUtils::toIntSaturated(value);
 }
 
-// Bytes of the interface, check bits included: each has its mask pin and strobe pair.
-int bytesOf(Model const& model, Model::Params& params, Data const& data) {
-    return (model.getDataWidth(params, data) + model.calculateCheckBits(params, data)) / 8;
+// Data and check bits of the interface.
+double bitsOf(Model const& model, Model::Params& params, Data const& data) {
+    return static_cast<double>(model.getDataWidth(params, data)) + model.calculateCheckBits(params, data);
+}
+
+// Whole bytes of the interface, check bits included: each has its mask pin and strobe pair.
+double bytesOf(Model const& model, Model::Params& params, Data const& data) {
+    return std::floor(bitsOf(model, params, data) / 8.0);
 }
 
 bool onRail(Model const& model, Model::Params& params, Data const& data, std::string_view rail) {
@@ -151,34 +158,38 @@ int Model::computeChannels(Params& params, Data const& data) const {
 }
 
 int Model::computeDataPins(Params& params, Data const& data) const {
-    return getDataWidth(params, data) + calculateCheckBits(params, data) +
-           bytesOf(*this, params, data) * typePins(*this, params, data, "MASK_PER_BYTE");
+    return saturated(bitsOf(*this, params, data) +
+                     bytesOf(*this, params, data) * typePins(*this, params, data, "MASK_PER_BYTE"));
 }
 
 int Model::computeStrobePins(Params& params, Data const& data) const {
-    return bytesOf(*this, params, data) * typePins(*this, params, data, "STROBE_PER_BYTE");
+    return saturated(bytesOf(*this, params, data) * typePins(*this, params, data, "STROBE_PER_BYTE"));
 }
 
 int Model::computeCommandPins(Params& params, Data const& data) const {
-    int const perChannel = typePins(*this, params, data, "CA_PER_CHANNEL") +
-                           getRanks(params, data) * typePins(*this, params, data, "RANK_PER_CHANNEL");
-    return calculateChannels(params, data) * perChannel + typePins(*this, params, data, "MISC_PINS");
+    double const perChannel =
+        typePins(*this, params, data, "CA_PER_CHANNEL") +
+        static_cast<double>(getRanks(params, data)) * typePins(*this, params, data, "RANK_PER_CHANNEL");
+    return saturated(calculateChannels(params, data) * perChannel +
+                     typePins(*this, params, data, "MISC_PINS"));
 }
 
 int Model::computeClockPins(Params& params, Data const& data) const {
-    return calculateChannels(params, data) * typePins(*this, params, data, "CLOCK_PER_CHANNEL");
+    return saturated(static_cast<double>(calculateChannels(params, data)) *
+                     typePins(*this, params, data, "CLOCK_PER_CHANNEL"));
 }
 
 int Model::computeIoPins(Params& params, Data const& data) const {
-    return calculateDataPins(params, data) + calculateStrobePins(params, data) +
-           calculateCommandPins(params, data) + calculateClockPins(params, data);
+    return saturated(static_cast<double>(calculateDataPins(params, data)) +
+                     calculateStrobePins(params, data) + calculateCommandPins(params, data) +
+                     calculateClockPins(params, data));
 }
 
 // Whole banks: a part-filled bank is not shared with another interface.
 int Model::computeXpioBanks(Params& params, Data const& data) const {
     int const bankPins = IFERROR(data.getXpioBankOrError(Data::XpioBankKey::PINS), 0);
     if (bankPins <= 0) return 0;
-    return (calculateIoPins(params, data) + bankPins - 1) / bankPins;
+    return saturated(std::ceil(static_cast<double>(calculateIoPins(params, data)) / bankPins));
 }
 
 int Model::computeUsedDdrmc(Params& params, Data const& data) const {
@@ -261,10 +272,10 @@ float Model::computeCommandPinCurrent(Params& params, Data const& data) const {
 }
 
 float Model::computeIoTerminationComponent(Params& params, Data const& data) const {
-    float const dataLike =
-        static_cast<float>(calculateDataPins(params, data) + calculateStrobePins(params, data));
-    float const driven =
-        static_cast<float>(calculateCommandPins(params, data) + calculateClockPins(params, data));
+    float const dataLike = static_cast<float>(calculateDataPins(params, data)) +
+                           static_cast<float>(calculateStrobePins(params, data));
+    float const driven = static_cast<float>(calculateCommandPins(params, data)) +
+                         static_cast<float>(calculateClockPins(params, data));
     float const milliamps =
         calculateDataPinCurrent(params, data) * dataLike + calculateCommandPinCurrent(params, data) * driven;
     return calculateIoVoltage(params, data) * milliamps * calculateVccoScale(params, data);
@@ -340,16 +351,16 @@ float Model::computeVccauxInstancePower(Params& params, Data const& data) const 
     float const clockGhz = calculateMemoryClock(params, data) * 0.001f;
     float const plls = static_cast<float>(calculateXpioBanks(params, data)) *
                        (phy(data, Data::PhyKey::PLL_MA) + phy(data, Data::PhyKey::PLL_MA_PER_GHZ) * clockGhz);
-    float const receivers =
-        static_cast<float>(calculateDataPins(params, data) + calculateStrobePins(params, data)) *
-        phy(data, Data::PhyKey::RX_MA) * getReadRate(params, data);
+    float const receivers = (static_cast<float>(calculateDataPins(params, data)) +
+                             static_cast<float>(calculateStrobePins(params, data))) *
+                            phy(data, Data::PhyKey::RX_MA) * getReadRate(params, data);
     return getVccaux(params, data) * (plls + receivers) * calculateVccauxScale(params, data);
 }
 
 // The scheduler and its ports, a datapath register per bit and each rank's state at the controller
 // clock, and the datapath (check bits included) per bit moved.
 float Model::computeVccsocInstancePower(Params& params, Data const& data) const {
-    float const bits = static_cast<float>(getDataWidth(params, data) + calculateCheckBits(params, data));
+    float const bits = static_cast<float>(bitsOf(*this, params, data));
     float const clocked =
         controller(data, Data::ControllerKey::CLOCK_PF) +
         bits * controller(data, Data::ControllerKey::DATAPATH_CLOCK_PF) +

@@ -66,8 +66,8 @@ float Model::computeGetMinInstanceCount(Params&, Data const&) const {
     return 0.0f;
 }
 float Model::computeGetMaxInstanceCount(Params& params, Data const& data) const {
-    return static_cast<float>(stacksOf(*this, params, data, "STACKS_4H") +
-                              stacksOf(*this, params, data, "STACKS_8H"));
+    return static_cast<float>(stacksOf(*this, params, data, "STACKS_4H")) +
+           static_cast<float>(stacksOf(*this, params, data, "STACKS_8H"));
 }
 bool Model::isValidInstanceCount(Params& params, Data const& data) const {
     return prsm::memory::instanceCountInRange(*this, params, data);
