@@ -35,7 +35,7 @@ TEST(PrsmEstimateCli, ShippedExampleEstimatesCompletely) {
     double blocks = 0;
     for (auto const& block : report["blocks"]) blocks += block["power"].get<double>();
     double const dynamic = report["totals"]["dynamic_power"].get<double>();
-    EXPECT_EQ(report["blocks"].size(), 25u);  // 21 blocks and 4 extra loads
+    EXPECT_EQ(report["blocks"].size(), 25u);  // 25 blocks, no extra load
     EXPECT_NEAR(blocks, dynamic, 1e-9 * dynamic);
     if (!report.contains("static")) {
         // No leakage sheet named: the rails carry the dynamic power alone, and Tj = 40 + 1.3 P.
