@@ -66,6 +66,16 @@ TEST(PrsmEstimateCli, VideoPipelineFeedsItsBlockCounts) {
     EXPECT_NEAR(counts["LUT_USED_PCT"].get<double>(), 100.0 * 205000 / 734400, 1e-4);
 }
 
+// The AI card is built from sheets alone and runs clean; its sixteen PCIe lanes power four
+// transceiver quads of the part's one family, fed to the static sheet.
+TEST(PrsmEstimateCli, AiCardEstimatesFromSheetsAlone) {
+    nlohmann::json const report = estimateExample("ai-card.json");
+    ASSERT_TRUE(report.value("complete", false));
+    EXPECT_TRUE(report["warnings"].empty()) << report["warnings"].dump();
+    for (auto const& block : report["blocks"]) EXPECT_NE(block["model"], "load") << block["name"];
+    EXPECT_EQ(report["static"]["counts"]["USED_GTYP_POWER_QUADS"].get<double>(), 4.0);
+}
+
 // The module example: the board takes each rail's total current, and the module's total holds the
 // device's power plus the memory, storage and regulators: more than the device, a few watts in all.
 TEST(PrsmEstimateCli, ModuleExampleFeedsItsBoard) {
