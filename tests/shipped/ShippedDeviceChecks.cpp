@@ -121,3 +121,14 @@ TEST(ShippedDeviceChecks, HardIpPowerFeedsTheIpInputOfItsRegion) {
     EXPECT_DOUBLE_EQ(fed("GT_IP_DYN_POWER"), report.blocks[0].power);
     EXPECT_DOUBLE_EQ(fed("GT_DYN_POWER"), report.blocks[1].power);
 }
+
+// Transceiver quads over the whole design: each link of 24 GTY lanes fits the part's 8 bonded quads on
+// its own (6 quads), the two together (12) do not.
+TEST(ShippedDeviceChecks, QuadsAreCheckedAcrossBlocks) {
+    std::vector<Warning> const warnings = warningsOf(R"({"part": "ZQVC1902", "package": "TQA2197"})",
+                                                     R"("blocks": [
+        {"name": "a", "model": "TalvexGt", "inputs": {"GT_TYPE": "GTY", "LANES": 24, "LINE_RATE": 10.3125}},
+        {"name": "b", "model": "TalvexGt", "inputs": {"GT_TYPE": "GTY", "LANES": 24, "LINE_RATE": 10.3125}}])");
+    EXPECT_EQ(on(warnings, "/blocks"),
+              (std::vector<std::string>{"|the blocks use 12 GTY_QUADS, the device ZQVC1902 has 8 (150.0 %)"}));
+}
