@@ -185,6 +185,7 @@ struct Estimator::State {
         bool checkValidity = true;
         std::vector<std::pair<std::string, std::string>> changed_inputs;  // setInput's, cell -> text
         std::vector<std::pair<std::string, std::string>> device;  // device inputs in the sheet's spelling
+        std::vector<std::pair<std::size_t, std::size_t>> voltageCells;  // input cell -> rail whose voltage it takes
         std::string error;
         std::vector<Warning> warnings;
         std::vector<Link> links;  // inputs taken from other blocks
@@ -199,6 +200,7 @@ struct Estimator::State {
         std::size_t cell;
         std::string name;
         std::vector<Term> terms;
+        std::vector<std::size_t> picked{};  // the aggregates in `cells` its selector picks, once set up
     };
 
     Design design;
@@ -256,6 +258,19 @@ struct Estimator::State {
         return index;
     }
 
+    // Whether every term of a feed's selector holds for one aggregate of rail, region and tag.
+    bool selects(Feed const& feed, Cell const& c) const {
+        static std::string const none;
+        for (Term const& term : feed.terms) {
+            std::string const& value = term.key == Term::Rail     ? rails[c.rail]
+                                       : term.key == Term::Region ? (c.region == kNone ? none : regionNames()[c.region])
+                                                                  : tags[c.tag];
+            bool const found = std::find(term.names.begin(), term.names.end(), value) != term.names.end();
+            if (found == term.negate) return false;
+        }
+        return true;
+    }
+
     std::size_t rail(std::string const& name) {
         auto const [it, added] = railIndex.emplace(name, rails.size());
         if (added) rails.push_back(name);
@@ -302,7 +317,8 @@ void Estimator::State::prepareBlock(BlockState& block) {
         block.outputs.push_back({cellIndex(sheet, cell), rail(railName), false});
     for (auto const& [cell, railName] : declared.currentOutputs)
         block.outputs.push_back({cellIndex(sheet, cell), rail(railName), true});
-    for (auto const& entry : declared.voltageInputs) rail(entry.second);
+    for (auto const& [cell, railName] : declared.voltageInputs)
+        block.voltageCells.emplace_back(cellIndex(sheet, cell), rail(railName));
     block.power.assign(block.outputs.size(), 0.0);
 }
 
@@ -311,22 +327,19 @@ void Estimator::State::prepareBlock(BlockState& block) {
 // into its input cell, so a set that was calculated before would keep a default derived from an input
 // that has changed since (a signal rate from an old clock).
 void Estimator::State::restore(BlockState& block) {
-    SheetDesign const& declared = block.sheet->design();
     block.instance->resetUserInputs();
     for (auto const& [cell, text] : block.device) block.instance->set(cell, text);
     for (Input const& input : block.given->inputs)
         if (!input.isReference()) block.instance->set(input.cell, input.text);
     for (auto const& [cell, text] : block.changed_inputs) block.instance->set(cell, text);
-    for (auto const& [cell, railName] : declared.voltageInputs)
-        block.instance->setNumber(cellIndex(*block.sheet, cell), voltage[railIndex[railName]]);
+    for (auto const& [cell, r] : block.voltageCells) block.instance->setNumber(cell, voltage[r]);
 }
 
 // Every block whose figures depend on rail r's voltage is calculated again.
 void Estimator::State::markRail(std::size_t r) {
     for (BlockState& block : blocks) {
         bool uses = false;
-        for (auto const& entry : block.sheet->design().voltageInputs)
-            uses = uses || railIndex[entry.second] == r;
+        for (auto const& entry : block.voltageCells) uses = uses || entry.second == r;
         for (Output const& out : block.outputs) uses = uses || (out.current && out.rail == r);
         if (uses) block.dirty = true, block.checkValidity = true;
     }
@@ -382,8 +395,7 @@ void Estimator::State::setup() {
 
     settleVoltages();
     auto writeVoltages = [&](BlockState& block) {
-        for (auto const& [cell, railName] : block.sheet->design().voltageInputs)
-            block.instance->setNumber(cellIndex(*block.sheet, cell), voltage[railIndex[railName]]);
+        for (auto const& [cell, r] : block.voltageCells) block.instance->setNumber(cell, voltage[r]);
     };
     if (statics) writeVoltages(*statics);
     for (BlockState& block : blocks) writeVoltages(block);
@@ -399,6 +411,9 @@ void Estimator::State::setup() {
             out.aggregate = cellOf(out.rail, block.region, tag(block.sheet->design().tag));
     for (std::size_t i = 0; i < design.loads.size(); ++i)
         loadCell.push_back(cellOf(loadRail[i], loadRegion[i], loadTag[i]));
+    for (Feed& feed : feeds)  // the aggregates are all known now: each feed's selection is fixed
+        for (std::size_t c = 0; c < cells.size(); ++c)
+            if (selects(feed, cells[c])) feed.picked.push_back(c);
 
     if (statics) {
         auto perRail = [&](std::string const& pattern, std::vector<std::size_t>& cells) {
@@ -793,20 +808,7 @@ void Estimator::State::build() {
         feedPower.clear();
         for (Feed const& feed : feeds) {
             double sum = 0;
-            for (Cell const& c : cells) {
-                bool match = true;
-                for (Term const& term : feed.terms) {
-                    std::string const& value =
-                        term.key == Term::Rail ? rails[c.rail]
-                        : term.key == Term::Region
-                            ? (c.region == kNone ? std::string() : regionNames()[c.region])
-                            : tags[c.tag];
-                    bool found = false;
-                    for (std::string const& name : term.names) found = found || name == value;
-                    if (found == term.negate) match = false;
-                }
-                if (match) sum += c.power;
-            }
+            for (std::size_t c : feed.picked) sum += cells[c].power;
             feedPower.push_back(sum);
             out.staticInputs.emplace_back(feed.name, sum);
         }
