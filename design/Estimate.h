@@ -84,7 +84,8 @@ struct BoardResult {
 struct ResourceUse {
     std::string resource;  // the catalogue's name: "LUTS", "FLIP_FLOPS", "BRAMS", "URAMS", "DSPS"
     double used = 0;       // summed over the blocks, each block's instances included
-    double available = 0;  // the device's count; 0 when the catalogue does not give it
+    double available = 0;  // the device's count (0: the device has none)
+    bool known = false;    // whether the catalogue gives the count; an unknown count is never checked
 };
 
 struct Report {

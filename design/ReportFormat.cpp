@@ -92,7 +92,7 @@ std::string toJson(Report const& report) {
         resources.push_back(
             {{"resource", r.resource},
              {"used", r.used},
-             {"available", r.available > 0 ? Json(r.available) : Json(nullptr)},
+             {"available", r.known ? Json(r.available) : Json(nullptr)},
              {"utilisation", r.available > 0 ? Json(r.used / r.available * 100) : Json(nullptr)}});
     out["resources"] = resources;
     if (report.board) {
@@ -158,9 +158,10 @@ std::string toCsv(Report const& report) {
         line("static_count", cell, "", "count", number(value), "");
     for (ResourceUse const& r : report.resources) {
         line("resource", r.resource, "", "used", number(r.used), "count");
-        if (r.available <= 0) continue;
+        if (!r.known) continue;
         line("resource", r.resource, "", "available", number(r.available), "count");
-        line("resource", r.resource, "", "utilisation", number(r.used / r.available * 100), "%");
+        if (r.available > 0)
+            line("resource", r.resource, "", "utilisation", number(r.used / r.available * 100), "%");
     }
     line("thermal", "", "", "junction_temperature", number(report.thermal.junction), "degC");
     if (report.thermal.solved)

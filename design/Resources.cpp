@@ -13,6 +13,7 @@ DeviceResources::DeviceResources(Device const& device, std::vector<std::string> 
     try {
         PRSMCommonParamControlData const& catalogue = PRSMCommonParamControlData::getGlobal();
         if (std::string const* part = device.find("part")) {
+            if (std::string const* package = device.find("package")) names.push_back(*part + "_" + *package);
             names.push_back(*part);
             std::string const alias = catalogue.getDeviceAliasOrError(*part);
             if (alias != kStringNotSet) names.push_back(alias);
@@ -42,7 +43,8 @@ std::vector<ResourceUse> resourceUse(CountTally const& tally, DeviceResources co
         auto row = std::find_if(rows.begin(), rows.end(),
                                 [&](ResourceUse const& r) { return r.resource == count.resource; });
         if (row == rows.end())
-            row = rows.insert(rows.end(), {count.resource, 0.0, device.available(count.resource)});
+            row = rows.insert(rows.end(), {count.resource, 0.0, device.available(count.resource),
+                                              device.knows(count.resource)});
         row->used += count.total;
     }
     return rows;
@@ -51,10 +53,14 @@ std::vector<ResourceUse> resourceUse(CountTally const& tally, DeviceResources co
 std::vector<Warning> overUse(std::vector<ResourceUse> const& use, std::string const& part) {
     std::vector<Warning> warnings;
     for (ResourceUse const& row : use) {
-        if (row.available <= 0 || row.used <= row.available) continue;
+        if (!row.known || row.used <= row.available) continue;
         char text[200];
-        std::snprintf(text, sizeof text, "the blocks use %.0f %s, the device %s has %.0f (%.1f %%)", row.used,
-                      row.resource.c_str(), part.c_str(), row.available, row.used / row.available * 100.0);
+        if (row.available <= 0)
+            std::snprintf(text, sizeof text, "the blocks use %.0f %s, the device %s has none", row.used,
+                          row.resource.c_str(), part.c_str());
+        else
+            std::snprintf(text, sizeof text, "the blocks use %.0f %s, the device %s has %.0f (%.1f %%)", row.used,
+                          row.resource.c_str(), part.c_str(), row.available, row.used / row.available * 100.0);
         warnings.push_back({"", "/blocks", text});
     }
     return warnings;

@@ -15,11 +15,13 @@ class CountTally;
 
 class DeviceResources {
 public:
-    // Looks the resources up under the part, the part an alias stands for, then the internal part (a
-    // module's base device). A catalogue that lists none leaves every resource unknown.
+    // Looks the resources up under the part in its package (<part>_<package>: what the package bonds
+    // out), the part, the part an alias stands for, then the internal part (a module's base device). A
+    // catalogue that lists none leaves every resource unknown; a listed 0 means the device has none.
     DeviceResources(Device const& device, std::vector<std::string> const& resources);
     // The device's count of a resource; 0 when the catalogue does not give it.
     double available(std::string const& resource) const;
+    bool knows(std::string const& resource) const { return m_available.count(resource) != 0; }
 
 private:
     std::map<std::string, double> m_available;

@@ -81,10 +81,14 @@ std::string renderEstimateTable(design::Report const& report) {
     if (!report.resources.empty()) {
         std::vector<TextRow> used;
         for (design::ResourceUse const& r : report.resources) {
-            bool const known = r.available > 0;
-            double const pct = known ? r.used / r.available * 100 : 0;
-            used.push_back({r.resource, fixed(r.used, 0), known ? fixed(r.available, 0) : "-",
-                            known ? fixed(pct, 1) + (pct > 100 ? " OVER" : "") : "-"});
+            std::string utilisation = "-";
+            if (r.known && r.available > 0) {
+                double const pct = r.used / r.available * 100;
+                utilisation = fixed(pct, 1) + (pct > 100 ? " OVER" : "");
+            } else if (r.known && r.used > 0) {
+                utilisation = "OVER";
+            }
+            used.push_back({r.resource, fixed(r.used, 0), r.known ? fixed(r.available, 0) : "-", utilisation});
         }
         text << "\n" << formatTable({"resource", "used", "device", "utilisation (%)"}, used);
     }

@@ -35,6 +35,8 @@ COUNTS = {
     "vcco18_hdio_banks": "HDIO_BANKS",
     "vcco25_hdio_banks": "HDIO_BANKS",
     "vcco33_hdio_banks": "HDIO_BANKS",
+    # I/O pins in use, of every bank type
+    "io_pins": "IO_PINS",
     # transceiver quads powered, per family
     "gty_quads": "GTY_QUADS",
     "gtyp_quads": "GTYP_QUADS",

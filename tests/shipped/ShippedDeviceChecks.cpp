@@ -131,4 +131,17 @@ TEST(ShippedDeviceChecks, QuadsAreCheckedAcrossBlocks) {
         {"name": "b", "model": "TalvexGt", "inputs": {"GT_TYPE": "GTY", "LANES": 24, "LINE_RATE": 10.3125}}])");
     EXPECT_EQ(on(warnings, "/blocks"),
               (std::vector<std::string>{"|the blocks use 12 GTY_QUADS, the device ZQVC1902 has 8 (150.0 %)"}));
+
+    // The smaller package bonds out 6 GTY quads: one 24-lane link fills them, 28 lanes need a seventh.
+    std::string const smaller = R"({"part": "ZQVC1902", "package": "TQD1760"})";
+    EXPECT_TRUE(on(warningsOf(smaller, R"("blocks": [{"name": "a", "model": "TalvexGt",
+        "inputs": {"GT_TYPE": "GTY", "LANES": 24, "LINE_RATE": 10.3125}}])"), "/blocks").empty());
+    EXPECT_EQ(on(warningsOf(smaller, R"("blocks": [{"name": "a", "model": "TalvexGt",
+        "inputs": {"GT_TYPE": "GTY", "LANES": 28, "LINE_RATE": 10.3125}}])"), "/blocks"),
+              (std::vector<std::string>{"|the blocks use 7 GTY_QUADS, the device ZQVC1902 has 6 (116.7 %)"}));
+
+    // The part has no GTM quads at all: a 4-lane GTM link (one quad) is over-use, not an unknown count.
+    EXPECT_EQ(on(warningsOf(R"({"part": "ZQVC1902"})", R"("blocks": [{"name": "a", "model": "TalvexGt",
+        "inputs": {"GT_TYPE": "GTM", "LANES": 4, "LINE_RATE": 10.3125}}])"), "/blocks"),
+              (std::vector<std::string>{"|the blocks use 1 GTM_QUADS, the device ZQVC1902 has none"}));
 }
