@@ -53,9 +53,10 @@ std::string renderEstimateTable(design::Report const& report) {
 
     std::vector<TextRow> blocks;
     for (design::BlockResult const& b : report.blocks) {
+        // A sheet declares every rail it can draw on; the rails this configuration leaves at 0 are noise.
         std::string perRail;
         for (auto const& [rail, power] : b.rails)
-            perRail += (perRail.empty() ? "" : ", ") + rail + " " + fixed(power, 4);
+            if (power != 0) perRail += (perRail.empty() ? "" : ", ") + rail + " " + fixed(power, 4);
         blocks.push_back({b.name, b.model, b.region, std::to_string(b.count),
                           b.error.empty() ? fixed(b.power, 4) : "FAILED",
                           b.error.empty() ? perRail : b.error});
