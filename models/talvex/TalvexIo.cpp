@@ -9,6 +9,7 @@
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -48,16 +49,19 @@ bool receives(std::string_view direction) {
     return direction == "INPUT" || direction == "BIDIR";
 }
 
-// The voltages the standard allows on its rail: its VCCO within the tolerance either way.
+// The voltages the standard allows on its rail: its VCCO within the tolerance either way, to the
+// millivolt, so that a warning quotes 1.71 V rather than the float product 1.7099999.
 struct VoltageRange {
     float low;
     float high;
 };
 
+float toMillivolt(float volts) { return static_cast<float>(std::round(volts * 1000.0) / 1000.0); }
+
 VoltageRange standardRange(Data const& data, std::string_view standard) {
     float const nominal = standardFigure(data, standard, "VCCO");
     float const tolerance = IFERROR(data.getConstantsOrError(Data::ConstantsKey::VCCO_TOLERANCE), 0.0f);
-    return {nominal * (1.0f - tolerance), nominal * (1.0f + tolerance)};
+    return {toMillivolt(nominal * (1.0f - tolerance)), toMillivolt(nominal * (1.0f + tolerance))};
 }
 
 // VCCO current per volt of VCCO (1/ohm) of a line our driver (impedance `driver`) holds at VCCO or
