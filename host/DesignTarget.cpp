@@ -63,6 +63,13 @@ DesignEvaluation::DesignEvaluation(design::Design const& design,
 
 void DesignEvaluation::evaluate() {
     design::Report const& report = apply();
+    m_note.clear();
+    // A runaway is an answer, not a failure: the sweep keeps the row (the heat-sink boundary a user
+    // sweeps theta_ja for), without figures.
+    if (!report.complete && report.thermal.runaway && report.failures.size() == 1) {
+        m_note = "thermal runaway";
+        return;
+    }
     if (!report.complete) {
         std::string message;
         for (std::string const& failure : report.failures) message += (message.empty() ? "" : "; ") + failure;

@@ -70,6 +70,7 @@ public:
     // apply(), then throws std::runtime_error naming the failures when the report is not complete.
     void evaluate() override;
     std::string read(std::string const& name) override;
+    std::string note() const override { return m_note; }
     // The settings made since reset() on the design as the file gives it; the report, complete or not.
     // Throws design::DesignError for a value the engine refuses.
     design::Report const& apply();
@@ -82,6 +83,7 @@ private:
     std::map<std::string, std::string> m_pending;
     std::map<std::string, std::string> m_applied;
     design::Report const* m_report = nullptr;
+    std::string m_note;
 };
 
 // Whether a `prsm sweep` target names a design file rather than a model: it ends in ".json".

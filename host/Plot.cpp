@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -136,10 +137,10 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
             script << (xText ? std::to_string(i) + " " + dataValue(x, row) : dataValue(x, row));
             for (Column const* output : outputs) {
                 double const value = output->numbers[row];
-                // The reserved "not computed" value would flatten every other line.
-                script << " "
-                       << (value >= 3.4028234e38 || value <= -3.4028234e38 ? "NaN"
-                                                                           : output->displayText(row));
+                // The reserved "not computed" value would flatten every other line; a point without
+                // figures (NaN: a thermal runaway) is a gap.
+                bool const gap = std::isnan(value) || value >= 3.4028234e38 || value <= -3.4028234e38;
+                script << " " << (gap ? "NaN" : output->displayText(row));
             }
             script << "\n";
         }

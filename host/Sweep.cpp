@@ -14,6 +14,7 @@
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <mutex>
 #include <thread>
 
@@ -129,6 +130,8 @@ Column parseList(Quantity const& quantity, std::string const& text) {
     return column;
 }
 
+}  // namespace
+
 std::string pointText(std::vector<Column> const& points, std::size_t point) {
     std::string text;
     for (Column const& column : points) {
@@ -137,8 +140,6 @@ std::string pointText(std::vector<Column> const& points, std::size_t point) {
     }
     return text;
 }
-
-}  // namespace
 
 std::string Column::cellText(std::size_t point) const {
     switch (quantity.type) {
@@ -282,6 +283,7 @@ SweepResult runSweep(SweepTarget const& target, std::vector<Column> const& fixed
     result.rest = target.restDescription();
     result.total = total;
     result.fixed = fixed;
+    result.notes.resize(total);
     for (Quantity const& output : outputs) {
         Column column = emptyColumn(output);
         if (output.type == CellType::String)
@@ -322,13 +324,20 @@ SweepResult runSweep(SweepTarget const& target, std::vector<Column> const& fixed
                     for (Column const& column : points)
                         evaluation->set(column.quantity.name, column.cellText(point));
                     evaluation->evaluate();
+                    std::string note = evaluation->note();
                     for (Column& column : result.outputs) {
+                        if (!note.empty()) {
+                            if (column.quantity.type != CellType::String)
+                                column.numbers[point] = std::numeric_limits<double>::quiet_NaN();
+                            continue;
+                        }
                         std::string const text = evaluation->read(column.quantity.name);
                         if (column.quantity.type == CellType::String)
                             column.texts[point] = text;
                         else
                             column.numbers[point] = numberFromText(column.quantity.type, text);
                     }
+                    result.notes[point] = std::move(note);
                     done[point] = 1;
                 }
                 doneCount.fetch_add(point - first, std::memory_order_relaxed);
@@ -390,6 +399,7 @@ SweepResult runSweep(SweepTarget const& target, std::vector<Column> const& fixed
         else
             column.numbers.resize(rows);
     }
+    result.notes.resize(rows);
     return result;
 }
 

@@ -68,6 +68,7 @@ struct SweepResult {
     std::vector<Column> variables;  // the points' values, as given (cut to `rows`)
     std::vector<Column> outputs;    // one value per row
     std::vector<Column> fixed;      // the fixed inputs, one value each
+    std::vector<std::string> notes;  // per row: why it has no figures (its numbers NaN), else ""
     std::size_t rows = 0;           // the points evaluated: all of them unless stopped
     std::size_t total = 0;          // the points asked for
     bool stopped = false;
@@ -79,10 +80,14 @@ struct SweepResult {
 // Evaluates every point: a fresh evaluation per point (defaults re-derived), the fixed inputs, the
 // point's values, evaluate, read the outputs. Columns of `points` have equal length. A stopped sweep
 // keeps the first rows that were all done. A point that fails stops the sweep and throws
-// HostError(kExitDataFailure) naming the first failing point and its values.
+// HostError(kExitDataFailure) naming the first failing point and its values. A point the target notes
+// as having no figures (a thermal runaway) is a row of its own: NaN numbers, empty texts, its note.
 SweepResult runSweep(SweepTarget const& target, std::vector<Column> const& fixed,
                      std::vector<Column> const& points, std::vector<Quantity> const& outputs,
                      SweepOptions const& options = {});
+
+// A point's values as people read them: "theta_ja=8, BLOCK.CELL=250".
+std::string pointText(std::vector<Column> const& points, std::size_t point);
 
 // Reads a library value text as a number of the quantity's type (floats through single precision).
 double numberFromText(CellType type, std::string const& text);

@@ -10,7 +10,9 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <csignal>
 #include <memory>
 #include <ostream>
@@ -53,6 +55,15 @@ std::string csvField(std::string const& text) {
     std::string out = "\"";
     for (char c : text) out += c == '"' ? std::string("\"\"") : std::string(1, c);
     return out + "\"";
+}
+
+// A point without figures (a thermal runaway) holds NaN in its numeric outputs.
+bool missing(Column const& column, std::size_t row) {
+    return column.quantity.type != CellType::String && std::isnan(column.numbers[row]);
+}
+
+bool anyNote(SweepResult const& result) {
+    return std::any_of(result.notes.begin(), result.notes.end(), [](std::string const& n) { return !n.empty(); });
 }
 
 std::string outputText(Column const& column, std::size_t row) {
@@ -135,11 +146,14 @@ std::string sweepCsv(SweepResult const& result) {
     std::string text;
     for (std::size_t i = 0; i < columns.size(); ++i)
         text += (i ? "," : "") + csvField(columns[i]->quantity.name);
-    text += "\n";
+    bool const notes = anyNote(result);
+    text += notes ? ",note\n" : "\n";
     for (std::size_t row = 0; row < result.rows; ++row) {
         for (std::size_t i = 0; i < result.variables.size(); ++i)
             text += (i ? "," : "") + csvField(result.variables[i].displayText(row));
-        for (Column const& column : result.outputs) text += "," + csvField(outputText(column, row));
+        for (Column const& column : result.outputs)
+            text += "," + (missing(column, row) ? std::string() : csvField(outputText(column, row)));
+        if (notes) text += "," + csvField(result.notes[row]);
         text += "\n";
     }
     return text;
@@ -167,9 +181,11 @@ std::string sweepJson(SweepResult const& result) {
     for (std::size_t row = 0; row < result.rows; ++row) {
         nlohmann::ordered_json values;
         for (Column const* column : allColumns(result))
-            values[column->quantity.name] = column->quantity.type == CellType::String
-                                                ? nlohmann::ordered_json(column->texts[row])
-                                                : jsonValue(column->quantity.type, column->cellText(row));
+            values[column->quantity.name] =
+                column->quantity.type == CellType::String ? nlohmann::ordered_json(column->texts[row])
+                : missing(*column, row)                   ? nlohmann::ordered_json(nullptr)
+                                                          : jsonValue(column->quantity.type, column->cellText(row));
+        if (!result.notes[row].empty()) values["note"] = result.notes[row];
         rows.push_back(values);
     }
     json["rows"] = rows;
@@ -181,11 +197,15 @@ std::string sweepTable(SweepResult const& result) {
     std::vector<Column const*> const columns = allColumns(result);
     TextRow head;
     for (Column const* column : columns) head.push_back(header(column->quantity));
+    bool const notes = anyNote(result);
+    if (notes) head.push_back("note");
     std::vector<TextRow> rows;
     for (std::size_t row = 0; row < result.rows; ++row) {
         TextRow cells;
         for (Column const& column : result.variables) cells.push_back(column.displayText(row));
-        for (Column const& column : result.outputs) cells.push_back(outputText(column, row));
+        for (Column const& column : result.outputs)
+            cells.push_back(missing(column, row) ? "-" : outputText(column, row));
+        if (notes) cells.push_back(result.notes[row]);
         rows.push_back(std::move(cells));
     }
     return formatTable(head, rows);
@@ -268,6 +288,10 @@ int runSweepRequest(Request const& request, std::ostream& out, std::ostream& err
         out << sweepTable(result);
     out.flush();
     if (!settings.plot.empty() && result.rows > 0) drawPlot(result, settings.plot, err);
+    std::vector<std::string> noted;
+    for (std::size_t row = 0; row < result.rows; ++row)
+        if (!result.notes[row].empty()) noted.push_back(pointText(result.variables, row) + ": " + result.notes[row]);
+    for (std::string const& line : noted) err << "prsm: warning: " << line << " (no figures in its row)\n";
     if (result.stopped) {
         err << "prsm: note: interrupted; the first " << result.rows << " of " << result.total
             << " points are written\n";

@@ -33,6 +33,9 @@ public:
     virtual void evaluate() = 0;
     // The text of an output after evaluate(), as the library writes it.
     virtual std::string read(std::string const& name) = 0;
+    // After evaluate(): why this point has no figures although nothing failed (a design whose
+    // junction temperature has no steady state: "thermal runaway"), or "" when it has them.
+    virtual std::string note() const { return {}; }
 };
 
 class SweepTarget {

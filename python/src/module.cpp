@@ -16,6 +16,8 @@
 #include <dlfcn.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -247,10 +249,16 @@ public:
                 py::array_t<double> array(static_cast<py::ssize_t>(n));
                 std::copy(column.numbers.begin(), column.numbers.end(), array.mutable_data());
                 arrays[py::str(column.quantity.name)] = array;
-            } else if (column.quantity.type == CellType::Int) {
+            } else if (column.quantity.type == CellType::Int &&
+                       std::none_of(column.numbers.begin(), column.numbers.end(),
+                                    [](double v) { return std::isnan(v); })) {
                 py::array_t<long long> array(static_cast<py::ssize_t>(n));
                 for (std::size_t i = 0; i < n; ++i)
                     array.mutable_data()[i] = static_cast<long long>(column.numbers[i]);
+                arrays[py::str(column.quantity.name)] = array;
+            } else if (column.quantity.type == CellType::Int) {  // a row without figures: NaN, as floats
+                py::array_t<double> array(static_cast<py::ssize_t>(n));
+                std::copy(column.numbers.begin(), column.numbers.end(), array.mutable_data());
                 arrays[py::str(column.quantity.name)] = array;
             } else {
                 py::list texts;
@@ -258,6 +266,12 @@ public:
                 arrays[py::str(column.quantity.name)] =
                     py::module_::import("numpy").attr("array")(texts, "object");
             }
+        }
+        // Why a row has no figures (a thermal runaway), when any has none.
+        if (std::any_of(result.notes.begin(), result.notes.end(), [](std::string const& n) { return !n.empty(); })) {
+            py::list notes;
+            for (std::string const& note : result.notes) notes.append(py::str(note));
+            arrays["note"] = py::module_::import("numpy").attr("array")(notes, "object");
         }
         return arrays;
     }

@@ -264,6 +264,25 @@ TEST(DesignSweep, BadVariablesAndOutputsAreRefusedAndAFailingPointIsNamed) {
     EXPECT_NE(err.find("failed at point 2 of 2 (slow.MODE=BROKEN): block \"slow\" (TestLoad): "),
               std::string::npos)
         << err;
+    // A thermal runaway is a row without figures, not a failure. The test leakage grows by
+    // 0.8 V * 0.01 A/K + 1.5 V * 0.002 A/K = 0.011 W/K, so theta_ja 3 degC/W settles (3 * 0.011 < 1) and
+    // 200 degC/W cannot (200 * 0.011 = 2.2).
+    EXPECT_EQ(runCommand({"sweep", file.c_str(), "theta_ja=3,200", "--csv", "--outputs",
+                          "total_power,junction_temperature"},
+                         out, err),
+              0)
+        << err;
+    std::istringstream rows(out);
+    std::string head, settled, runaway;
+    std::getline(rows, head);
+    std::getline(rows, settled);
+    std::getline(rows, runaway);
+    EXPECT_EQ(head, "theta_ja,total_power,junction_temperature,note");
+    EXPECT_EQ(settled.substr(0, 2), "3,");
+    EXPECT_EQ(settled.back(), ',');  // figures, no note
+    EXPECT_EQ(runaway, "200,,,thermal runaway");
+    EXPECT_NE(err.find("prsm: warning: theta_ja=200: thermal runaway"), std::string::npos) << err;
+
     // A design file that is refused is refused before anything is swept.
     EXPECT_EQ(runCommand({"sweep", testDesign("malformed.json").c_str(), "slow.CLOCK_FREQ=1,2"}, out, err),
               2);
