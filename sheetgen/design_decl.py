@@ -35,7 +35,11 @@ COUNTS = {
     "vcco18_hdio_banks": "HDIO_BANKS",
     "vcco25_hdio_banks": "HDIO_BANKS",
     "vcco33_hdio_banks": "HDIO_BANKS",
+    # the older architecture's banks by type (its static sheet counts no banks)
+    "hpio_banks": "HPIO_BANKS",
+    "hdio_banks": "HDIO_BANKS",
     # transceiver quads powered, per family
+    "gth_quads": "GTH_QUADS",
     "gty_quads": "GTY_QUADS",
     "gtyp_quads": "GTYP_QUADS",
     "gtm_quads": "GTM_QUADS",
