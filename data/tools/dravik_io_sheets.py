@@ -3,6 +3,7 @@
 
   dravik/PRSMDravikGtData.cfg   per-lane bias and energy per symbol of the GTH, GTY and PS-GTR lanes
   dravik/PRSMDravikIoData.cfg   I/O standards, the HPIO and HDIO banks that carry them, their rails and figures
+  dravik/PRSMDravikDdrData.cfg  a DDR4/LPDDR4 interface: its controller in the logic, its PHY and its pins
 
 Usage: dravik_io_sheets.py [--check]. With --check nothing is written: the exit status says whether the
 committed files are what the laws give. Standard library only. How the figures were chosen:
@@ -18,6 +19,11 @@ I/O law (the newer I/O's, io_data.py): switched capacitances from gates and wire
 driver impedances, terminations and bias currents per bank type and standard. The older output stages
 and receivers are larger for the same function (OLDER_STAGE), and the 3.3 V-tolerant HDIO pad larger
 still; the HDIO has no serialisers or I/O clocking of its own.
+
+Memory-interface law (the newer hard controllers', memory_sheets.py): pins by memory type, each pin's
+termination current and load; the PHY and the controller switched capacitance, clocked whether data
+moves or not, plus a part per bit moved. The controller is built in the logic, so it switches several
+times the hard controller's capacitance, at an eighth of the data rate.
 """
 
 from __future__ import annotations
@@ -27,6 +33,8 @@ from pathlib import Path
 
 from cfg_writer import data_file, write_or_check
 from gt_ip_sheets import ENCODING_FACTOR
+from memory_sheets import TYPE_IO as HARD_TYPE_IO
+from memory_sheets import TYPE_PINS
 from io_data import CMOS, CURRENT_MODE, HSTL, HSUL, POD, SLEW_FACTOR, TERMINATED, cap, differential, figures
 
 OUT = Path(__file__).resolve().parent.parent / "powercfg" / "dravik"
@@ -167,6 +175,45 @@ def io_tables() -> dict:
     }
 
 
+# ---- Memory interface in the logic -------------------------------------------------------------------------
+# The memory types' pins and pin electricals are the newer interface's; the older HPIO banks run DDR4 to
+# 2666 MT/s and LPDDR4 to 2400 MT/s, and there is no 1.1 V bank rail: LPDDR4's banks are the VCCO12 rail
+# run at 1.1 V. The soft controller's logic runs at an eighth of the data rate for both types.
+DDR_TYPES = ["DDR4", "LPDDR4"]
+DDR_TYPE_IO = {
+    "DDR4": {**HARD_TYPE_IO["DDR4"], "MAX_RATE": 2666.0, "CONTROLLER_DIVIDE": 8.0},
+    "LPDDR4": {**HARD_TYPE_IO["LPDDR4"], "MAX_RATE": 2400.0, "CONTROLLER_DIVIDE": 8.0},
+}
+# The HPIO PHY: larger than the newer one per pin (4 pF clocked, 0.7 pF a bit moved), a PLL per bank of
+# 52 pins on VCCAUXIO and 0.8 mA a receiving pin.
+DDR_PHY = {"PIN_CLOCK_PF": 4.0, "BIT_PF": 0.7, "PLL_MA": 10.0, "PLL_MA_PER_GHZ": 8.0, "RX_MA": 0.8}
+# The controller in the logic: scheduler, queues and calibration logic (1,500 pF clocked: some 5,000
+# LUTs and flip-flops), a datapath of 16 pF a bit (the 8:1 gearbox of each bit), 60 pF per rank, and
+# 3 pF per bit moved through the datapath and ECC.
+DDR_CONTROLLER = {"CLOCK_PF": 1500.0, "DATAPATH_CLOCK_PF": 16.0, "RANK_CLOCK_PF": 60.0, "BIT_PF": 3.0}
+PART_HPIO_BANKS = {"ZDM5100": 3, "ZDM7100": 6, "ZDM9200": 12}
+# The module's base device is of the slowest speed grade the modules carry.
+DDR_PART_RATES = {"ZDM5100": {"DDR4": 2400.0, "LPDDR4": 2133.0}}
+
+
+def ddr_tables() -> dict:
+    return {
+        "MEMORY_TYPE_LIST": DDR_TYPES,
+        "TYPE_PINS": {t: TYPE_PINS[t] for t in DDR_TYPES},
+        "TYPE_IO": {t: {k: round(v, 6) for k, v in DDR_TYPE_IO[t].items()} for t in DDR_TYPES},
+        "IO_RAIL": {t: "VCCO12" for t in DDR_TYPES},
+        "PHY": DDR_PHY,
+        "HPIO_BANK": {"PINS": BANKS["HPIO"]["PINS"]},
+        "CONTROLLER": DDR_CONTROLLER,
+        "VOLTAGE_SCALING": {"VPOW": 2.0},
+        "MAX_DATA_RATE": {d: DDR_PART_RATES.get(d, {t: DDR_TYPE_IO[t]["MAX_RATE"] for t in DDR_TYPES})
+                          for d in ["DEFAULT", *PARTS]},
+        "PART_BANKS": {"DEFAULT": 3, **PART_HPIO_BANKS},
+        "BLOCK_POWER_SCALE": {d: {f"DDR_{r}": 1.0 for r in ("VCCINT", "VCCINTIO", "VCCAUXIO", "VCCO")}
+                              for d in ["DEFAULT", *PARTS]},
+    }
+
+
 def files() -> dict:
     return {
         "PRSMDravikGtData.cfg": data_file(
@@ -181,6 +228,12 @@ def files() -> dict:
             "in ohms, currents in mA), the bank types that carry them (Mb/s), bank figures. Written by\n"
             "data/tools/dravik_io_sheets.py; see docs/models/DravikIo.md.",
             io_tables()),
+        "PRSMDravikDdrData.cfg": data_file(
+            "PRSMDravikDdrData",
+            "Memory interface in the logic of the older architecture: pins by memory type, pin electricals (V,\n"
+            "ohm, pF, MT/s), PHY (pF, mA) and controller (pF) figures, parts' HPIO banks. Written by\n"
+            "data/tools/dravik_io_sheets.py; see docs/models/DravikDdr.md.",
+            ddr_tables()),
     }
 
 
