@@ -2,6 +2,7 @@
 """Writes the shipped tables of the older architecture's sheets at the device's edge from the laws below:
 
   dravik/PRSMDravikGtData.cfg   per-lane bias and energy per symbol of the GTH, GTY and PS-GTR lanes
+  dravik/PRSMDravikGtPresetData.cfg  the transceiver inputs of common protocols' lanes
   dravik/PRSMDravikIoData.cfg   I/O standards, the HPIO and HDIO banks that carry them, their rails and figures
   dravik/PRSMDravikDdrData.cfg  a DDR4/LPDDR4 interface: its controller in the logic, its PHY and its pins
 
@@ -103,6 +104,36 @@ def gt_tables() -> dict:
         "VOLTAGE_SCALING": {"VPOW": 2.0},
         "BLOCK_POWER_SCALE": {d: {f: 1.0 for f in FAMILIES} for d in ["DEFAULT", *PARTS]},
     }
+
+
+# The lanes of common protocols: family, lanes, line rate (Gb/s), coding, use, PLL, equaliser. The
+# processing system's ports run on the PS-GTR with a PLL in every lane; 12G-SDI video is sent raw.
+GT_PRESETS = {
+    "USB3": ("USB 3 SuperSpeed: one PS-GTR lane at 5 Gb/s, 8b/10b",
+             "PSGTR", 1, 5.0, "ENC_8B10B", "TX_RX", "RING", "LPM"),
+    "SATA3": ("SATA 3: one PS-GTR lane at 6 Gb/s, 8b/10b", "PSGTR", 1, 6.0, "ENC_8B10B", "TX_RX", "RING", "LPM"),
+    "DISPLAYPORT_HBR2_X2": ("DisplayPort out: two PS-GTR lanes at 5.4 Gb/s (HBR2), 8b/10b, transmit only",
+                            "PSGTR", 2, 5.4, "ENC_8B10B", "TX_ONLY", "RING", "LPM"),
+    "PCIE_GEN2_X4_PS": ("PCIe Gen2 x4 from the processing system: four PS-GTR lanes at 5 GT/s, 8b/10b",
+                        "PSGTR", 4, 5.0, "ENC_8B10B", "TX_RX", "RING", "LPM"),
+    "PCIE_GEN3_X4": ("PCIe Gen3 x4: four GTH lanes at 8 GT/s, 128b/130b",
+                     "GTH", 4, 8.0, "ENC_128B130B", "TX_RX", "LC", "DFE"),
+    "ETHERNET_10G": ("10G Ethernet: one GTH lane at 10.3125 Gb/s, 64b/66b, a short channel (LPM)",
+                     "GTH", 1, 10.3125, "ENC_64B66B", "TX_RX", "LC", "LPM"),
+    "SDI_12G": ("12G-SDI video out: one GTH lane at 11.88 Gb/s, sent raw", "GTH", 1, 11.88, "RAW", "TX_ONLY", "LC",
+                "LPM"),
+    "ETHERNET_25G": ("25G Ethernet: one GTY lane at 25.78125 Gb/s, 64b/66b",
+                     "GTY", 1, 25.78125, "ENC_64B66B", "TX_RX", "LC", "DFE"),
+    "PCIE_GEN3_X8": ("PCIe Gen3 x8: eight GTY lanes at 8 GT/s, 128b/130b",
+                     "GTY", 8, 8.0, "ENC_128B130B", "TX_RX", "LC", "DFE"),
+}
+GT_PRESET_INPUTS = ["GT_TYPE", "LANES", "LINE_RATE", "ENCODING", "LANE_USE", "PLL_TYPE", "EQUALIZATION"]
+
+
+def gt_preset_tables() -> dict:
+    rows = {name: {"DESCRIPTION": description, **{k: str(v) for k, v in zip(GT_PRESET_INPUTS, values)}}
+            for name, (description, *values) in GT_PRESETS.items()}
+    return {"PRESET_LIST": list(GT_PRESETS), "GT_PRESETS": rows}
 
 
 # ---- General-purpose I/O ---------------------------------------------------------------------------------
@@ -222,6 +253,11 @@ def files() -> dict:
             "GBd for *_PER_GBD, per Gb/s for PCS_PER_GBPS), line-rate limits and quads per part. Written by\n"
             "data/tools/dravik_io_sheets.py; see docs/models/DravikGt.md.",
             gt_tables()),
+        "PRSMDravikGtPresetData.cfg": data_file(
+            "PRSMDravikGtPresetData",
+            "Ready-made input sets of the older transceiver sheet: GT_PRESETS.<preset>.<input>, numbers as their\n"
+            "text. Written by data/tools/dravik_io_sheets.py; see docs/models/DravikGt.md.",
+            gt_preset_tables()),
         "PRSMDravikIoData.cfg": data_file(
             "PRSMDravikIoData",
             "General-purpose I/O of the older architecture: standards (VCCO in V, capacitances in pF, impedances\n"
