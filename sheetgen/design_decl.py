@@ -37,7 +37,11 @@ COUNTS = {
     "vcco33_hdio_banks": "HDIO_BANKS",
     # I/O pins in use, of every bank type
     "io_pins": "IO_PINS",
+    # the older architecture's banks by type (its static sheet counts no banks)
+    "hpio_banks": "HPIO_BANKS",
+    "hdio_banks": "HDIO_BANKS",
     # transceiver quads powered, per family
+    "gth_quads": "GTH_QUADS",
     "gty_quads": "GTY_QUADS",
     "gtyp_quads": "GTYP_QUADS",
     "gtm_quads": "GTM_QUADS",

@@ -1,7 +1,7 @@
 // Formulas of the transceiver sheet. A lane's analog power is a bias (mW) plus an energy per symbol
 // (pJ, so mW per GBd) times its symbol rate, for each half of the lane that runs; a PAM4 lane carries two
 // bits a symbol and pays PAM4_FACTOR on its rate terms. An LC PLL serves a quad of four lanes, a ring PLL
-// one lane. The coding sublayer switches with the bits of each direction. Every figure is given at the
+// one lane. The coding sublayer switches with the bits of each direction (the law in LinkFormulas.h). Every figure is given at the
 // rails' nominal voltages and follows (V / nominal)^VPOW on the rail the family draws it from.
 #include <prsm/models/talvex/PRSMTalvexGtModel.h>
 
@@ -48,10 +48,6 @@ FamilyRails const* familyRails(std::string_view family) {
 
 Rail railOf(FamilyRails const& rails, Role role) {
     return rails.rails[static_cast<int>(role)];
-}
-
-float lanePower(Model const& model, Model::Params& params, Data const& data, std::string_view key) {
-    return IFERROR(data.getLanePowerOrError(model.refGtType(params, data), key), 0.0f);
 }
 
 float rateLimit(Model const& model, Model::Params& params, Data const& data, std::string_view key) {
@@ -178,23 +174,6 @@ float Model::computeSymbolRate(Params& params, Data const& data) const {
 
 namespace {
 
-// The PLLs of one link on a rail: one per quad (LC) or one per lane (ring).
-float pllPower(Model const& model, Model::Params& params, Data const& data, std::string_view lcKey,
-               std::string_view ringKey) {
-    if (model.refPllType(params, data) == "LC")
-        return static_cast<float>(model.calculateQuadsPerInstance(params, data)) *
-               lanePower(model, params, data, lcKey);
-    if (model.refPllType(params, data) == "RING")
-        return static_cast<float>(model.getLanes(params, data)) * lanePower(model, params, data, ringKey);
-    return 0.0f;
-}
-
-// A figure per transmitting half lane and one per receiving half lane, for the link's lanes.
-float halves(Model const& model, Model::Params& params, Data const& data, float tx, float rx) {
-    return static_cast<float>(model.calculateTxLanes(params, data)) * tx +
-           static_cast<float>(model.calculateRxLanes(params, data)) * rx;
-}
-
 // The symbols a lane's rate terms see: a PAM4 symbol costs PAM4_FACTOR (1 when the file has none).
 float weightedSymbolRate(Model const& model, Model::Params& params, Data const& data) {
     float const pam4 =
@@ -204,50 +183,18 @@ float weightedSymbolRate(Model const& model, Model::Params& params, Data const& 
     return model.calculateSymbolRate(params, data) * pam4;
 }
 
-float avccPower(Model const& model, Model::Params& params, Data const& data) {
-    float const symbols = weightedSymbolRate(model, params, data);
-    float const dfe = model.refEqualization(params, data) == "DFE"
-                          ? lanePower(model, params, data, "DFE_AVCC_PER_GBD")
-                          : 0.0f;
-    float const tx = lanePower(model, params, data, "TX_AVCC") +
-                     lanePower(model, params, data, "TX_AVCC_PER_GBD") * symbols;
-    float const rx = lanePower(model, params, data, "RX_AVCC") +
-                     (lanePower(model, params, data, "RX_AVCC_PER_GBD") + dfe) * symbols;
-    return halves(model, params, data, tx, rx) +
-           pllPower(model, params, data, "LC_PLL_AVCC", "RING_PLL_AVCC");
-}
-
-float avttPower(Model const& model, Model::Params& params, Data const& data) {
-    return halves(model, params, data, lanePower(model, params, data, "TX_AVTT"),
-                  lanePower(model, params, data, "RX_AVTT"));
-}
-
-float vccauxPower(Model const& model, Model::Params& params, Data const& data) {
-    return halves(model, params, data, lanePower(model, params, data, "TX_VCCAUX"),
-                  lanePower(model, params, data, "RX_VCCAUX")) +
-           pllPower(model, params, data, "LC_PLL_VCCAUX", "RING_PLL_VCCAUX");
-}
-
-// Each running direction codes the line rate's bits; a missing encoding codes like 64b/66b (factor 1).
-float pcsPower(Model const& model, Model::Params& params, Data const& data) {
-    float const coding = IFERROR(data.getEncodingFactorOrError(model.refEncoding(params, data)), 1.0f);
-    float const perDirection =
-        lanePower(model, params, data, "PCS_PER_GBPS") * model.getLineRate(params, data) * coding;
-    return halves(model, params, data, perDirection, perDirection);
-}
-
 }  // namespace
 
 float Model::computeNominalPower(Params& params, Data const& data, Role role) const {
     switch (role) {
         case Role::AVCC:
-            return avccPower(*this, params, data);
+            return prsm::link::avccPower(*this, params, data, weightedSymbolRate(*this, params, data));
         case Role::AVTT:
-            return avttPower(*this, params, data);
+            return prsm::link::avttPower(*this, params, data);
         case Role::VCCAUX:
-            return vccauxPower(*this, params, data);
+            return prsm::link::vccauxPower(*this, params, data);
         case Role::PCS:
-            return pcsPower(*this, params, data);
+            return prsm::link::pcsPower(*this, params, data);
     }
     return 0.0f;
 }

@@ -1,5 +1,5 @@
-// The transceiver presets against the shipped transceiver data: every preset, on a part and package that
-// bond out enough quads of its family, gives inputs the transceiver sheet takes as valid.
+// The transceiver presets of both architectures against the shipped transceiver data: every preset, on a
+// part (and package) with enough quads of its family, gives inputs the transceiver sheet takes as valid.
 
 #include <prsm/framework/PRSMSheetPresets.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
@@ -24,6 +24,26 @@ TEST(ShippedGtPresets, EveryPresetIsAValidLinkOfItsFamily) {
         for (auto const& [input, value] : prsm::presetInputs(gt, *presets, preset)) link->set(input, value);
         link->set("DEVICE", partOf.at(link->get("GT_TYPE")));
         link->set("PACKAGE", "TQD1760");
+        link->calculate();
+        for (prsm::CellInfo const& cell : gt.cells()) {
+            if (!cell.validityKey.empty()) {
+                EXPECT_EQ(link->isValid(cell.name), 1) << cell.name;
+            }
+        }
+        EXPECT_GT(std::stod(link->get("TOTAL_POWER")), 0.0);
+    }
+}
+
+// ZDM7100 has four GTH and two GTY quads and, as every part with a processing system, one PS-GTR quad.
+TEST(ShippedGtPresets, EveryOlderPresetIsAValidLinkOnAPartWithItsFamily) {
+    prsm::Sheet const& gt = *prsm::SheetRegistry::instance().find("DravikGt");
+    prsm::Sheet const* presets = prsm::findPresetSheet(gt);
+    ASSERT_NE(presets, nullptr);
+    for (std::string const& preset : prsm::presetNames(*presets)) {
+        SCOPED_TRACE(preset);
+        auto link = gt.create();
+        for (auto const& [input, value] : prsm::presetInputs(gt, *presets, preset)) link->set(input, value);
+        link->set("DEVICE", "ZDM7100");
         link->calculate();
         for (prsm::CellInfo const& cell : gt.cells()) {
             if (!cell.validityKey.empty()) {
