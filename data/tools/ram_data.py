@@ -5,7 +5,8 @@ Usage: ram_data.py DESCRIPTION.toml OUTPUT_DIR [--check]
 Writes PRSM<Sheet>Data.cfg for every sheet of the description into OUTPUT_DIR. With --check nothing is
 written: the exit status says whether the files are what the description gives.
 
-The array energies follow the law stated in the description (E = C V^2 of the bit lines, sense
+The array energies follow the law stated in the description, at the nominal voltage of the array's rail
+(`array_rail`: VCCRAM unless the description names another) (E = C V^2 of the bit lines, sense
 amplifiers, word line and decoder an access switches); the port capacitances are stated figures.
 Python 3.11 standard library only.
 """
@@ -20,9 +21,9 @@ from pathlib import Path
 from cfg_writer import data_file, spread_to, write_or_check
 
 
-def array_energy(law: dict, nominal: dict, blk: dict) -> dict[str, float]:
+def array_energy(law: dict, nominal: dict, blk: dict, array_rail: str) -> dict[str, float]:
     """pJ per access and per bit at the nominal voltages, rounded to four significant digits."""
-    v2 = nominal["VCCRAM_NOMINAL"] ** 2
+    v2 = nominal[f"{array_rail}_NOMINAL"] ** 2
     rows, columns, banks = blk["rows"], blk["columns"], blk["banks"]
     crossed = banks - 1
     fixed = v2 * (law["c_wordline"] * columns + law["c_decoder"] * math.log2(rows * banks) + law["c_bank"] * crossed)
@@ -66,7 +67,8 @@ def tables(desc: dict, sheet: dict) -> dict:
         "MAX_WIDTH": {name: max_widths(sheet["modes"], blk) for name, blk in blocks.items()},
         "MAX_CASCADE_DEPTH": {name: blk["max_cascade"] for name, blk in blocks.items()},
         "PORT_CAP": {name: {k: float(v) for k, v in blk["port_cap"].items()} for name, blk in blocks.items()},
-        "ARRAY_ENERGY": {name: array_energy(desc["law"], desc["nominal"], blk) for name, blk in blocks.items()},
+        "ARRAY_ENERGY": {name: array_energy(desc["law"], desc["nominal"], blk, desc.get("array_rail", "VCCRAM"))
+                         for name, blk in blocks.items()},
         "VOLTAGE_SCALING": {k: float(v) for k, v in desc["nominal"].items()
                             if not k.endswith("_NOMINAL") or k.removesuffix("_NOMINAL") in sheet["rails"]},
         "BLOCK_POWER_SCALE": scales,

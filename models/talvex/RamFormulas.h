@@ -6,8 +6,9 @@
 // A port's work is counted in events per second (MHz): array reads and writes, and output updates.
 // VCCINT (the port logic, its clock, the routing into the block, the cascade buses) is switched
 // capacitance: pF x MHz x VCCINT^VPOW x 0.001 gives mW, a data bit counting half its toggles (0.5 C V^2
-// per transition). The array on VCCRAM (and the word-line boost on VCCAUX, where a memory has one) is
-// energy per access: pJ x MHz x 0.001 gives mW, scaled from the rail's nominal voltage by (V/Vnom)^VPOW.
+// per transition). The array on VCCRAM (VCCBRAM on the older architecture), and the word-line boost on
+// VCCAUX where a memory has one, is energy per access: pJ x MHz x 0.001 gives mW, scaled from the
+// rail's nominal voltage by (V/Vnom)^VPOW.
 // Only the blocks that are awake draw dynamic power.
 
 #include <prsm/framework/PRSMModelTypes.h>
@@ -61,6 +62,40 @@ template <typename Model>
 int activeInstances(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
     return PRSMHelperUtils::toIntSaturated(static_cast<double>(model.getInstanceCount(params, data)) -
                                            sleepingInstances(model, params, data));
+}
+
+// ---- Block RAM: 18 Kb halves and the cascade mode -------------------------------------------------
+
+// 36 Kb sites for a number of blocks: two 18 Kb halves share a site, so halves round up.
+inline int bram36Sites(std::string_view blockType, int blocks) {
+    return blockType == "BRAM18" ? blocks / 2 + blocks % 2 : blocks;
+}
+
+template <typename Model>
+int bram36ActiveSites(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return bram36Sites(model.refBramType(params, data), model.calculateActiveInstanceCount(params, data));
+}
+
+template <typename Model>
+int bram36SleepingSites(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return bram36Sites(model.refBramType(params, data), model.calculateSleepInstanceCount(params, data));
+}
+
+constexpr char kCascadeMode[] = "CASCADE";
+
+template <typename Model>
+int defaultCascadeModeDepth(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return model.refRamMode(params, data) == kCascadeMode ? 2 : 1;
+}
+
+// A cascade chains at least two blocks; no other mode chains any.
+template <typename Model>
+bool isValidCascadeModeDepth(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    int const depth = model.getCascadeDepth(params, data);
+    if (model.refRamMode(params, data) != kCascadeMode) return depth == 1;
+    int const longest =
+        PRSMHelperUtils::IFERROR(data.getMaxCascadeDepthOrError(model.refBramType(params, data)), 0);
+    return depth >= 2 && depth <= longest;
 }
 
 // ---- Widths -------------------------------------------------------------------------------------
@@ -257,14 +292,22 @@ float vccintInstancePower(Model const& model, ParamsOf<Model>& params, DataOf<Mo
     return milliwatts(capFreq, factor, model.calculateVccintScale(params, data));
 }
 
-template <typename Model>
-float vccramInstancePower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+// The array of one awake block on its own rail (VCCRAM, or the older architecture's VCCBRAM): both
+// ports' energy rate at the rail's voltage `volts`, whose nominal voltage the file holds under nominalKey.
+template <typename Model, typename Key>
+float arrayInstancePower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, float volts,
+                         Key nominalKey, float scale) {
     using Port = typename Model::Port;
     float const energyRate = model.calculatePortArrayComponent(params, data, Port::A) +
                              model.calculatePortArrayComponent(params, data, Port::B);
-    float const factor = energyVoltageFactor(data, model.getVccram(params, data),
-                                             DataOf<Model>::VoltageScalingKey::VCCRAM_NOMINAL);
-    return milliwatts(energyRate, factor, model.calculateVccramScale(params, data));
+    return milliwatts(energyRate, energyVoltageFactor(data, volts, nominalKey), scale);
+}
+
+template <typename Model>
+float vccramInstancePower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return arrayInstancePower(model, params, data, model.getVccram(params, data),
+                              DataOf<Model>::VoltageScalingKey::VCCRAM_NOMINAL,
+                              model.calculateVccramScale(params, data));
 }
 
 // A rail's power in W: the awake blocks times one block's figure in mW.

@@ -1,6 +1,5 @@
-// Formulas of the block-RAM sheet that the UltraRAM sheet does not share: the 18 Kb halves, the
-// word-line boost on VCCAUX, the cascade mode and the rules of the inputs (models/talvex/RamFormulas.h
-// holds the rest).
+// Formulas of the block-RAM sheet that the shared memory formulas leave out: the word-line boost on
+// VCCAUX, the totals and the rules of the inputs (models/talvex/RamFormulas.h holds the rest).
 #include <prsm/models/talvex/PRSMTalvexBramModel.h>
 
 #include "RamFormulas.h"
@@ -8,34 +7,10 @@
 using Model = PRSMTalvexBramModel;
 using Data = Model::Data;
 
-namespace {
-
-constexpr char kCascadeMode[] = "CASCADE";
-
-bool isHalfBlock(std::string_view type) {
-    return type == "BRAM18";
-}
-
-// 36 Kb sites for a number of blocks: two 18 Kb halves share a site, so halves round up.
-int sites(std::string_view type, int blocks) {
-    return isHalfBlock(type) ? blocks / 2 + blocks % 2 : blocks;
-}
-
-}  // namespace
-
 // ---- Inputs -------------------------------------------------------------------------------------
 
-int Model::defaultCascadeDepth(Params& params, Data const& data) const {
-    return refRamMode(params, data) == kCascadeMode ? 2 : 1;
-}
-
-// A cascade chains at least two blocks; no other mode chains any.
 bool Model::isValidCascadeDepth(Params& params, Data const& data) const {
-    int const depth = getCascadeDepth(params, data);
-    if (refRamMode(params, data) != kCascadeMode) return depth == 1;
-    int const longest =
-        PRSMHelperUtils::IFERROR(data.getMaxCascadeDepthOrError(refBramType(params, data)), 0);
-    return depth >= 2 && depth <= longest;
+    return prsm::ram::isValidCascadeModeDepth(*this, params, data);
 }
 
 bool Model::isValidPortAWidth(Params& params, Data const& data) const {
@@ -70,14 +45,4 @@ float Model::computeInstancePower(Params& params, Data const& data) const {
 float Model::computeTotalPower(Params& params, Data const& data) const {
     return calculateVccintPower(params, data) + calculateVccramPower(params, data) +
            calculateVccauxPower(params, data);
-}
-
-// ---- Blocks the design uses ---------------------------------------------------------------------
-
-int Model::computeBram36ActiveCount(Params& params, Data const& data) const {
-    return sites(refBramType(params, data), calculateActiveInstanceCount(params, data));
-}
-
-int Model::computeBram36SleepCount(Params& params, Data const& data) const {
-    return sites(refBramType(params, data), calculateSleepInstanceCount(params, data));
 }
