@@ -1,29 +1,38 @@
 #pragma once
-// The older architecture's clock managers share the newer one's frequency chain and per-function
-// currents (models/talvex/ClockManagerFormulas.h). What is theirs: the ranges an input must keep, read
-// from the sheet's LIMITS table, and the rail powers of INSTANCE_COUNT managers, VCCINT's current
-// following its voltage from the characterisation voltage and VCCAUX's (regulated) staying as it is.
+// The older architecture's clock managers take the newer one's frequency chain
+// (models/talvex/ClockManagerFormulas.h: PFD, VCO, output clocks). What is theirs: the ranges an input
+// must keep, read from the sheet's LIMITS table; per-function currents whose coefficients fall back to 0
+// (factors to 1) when a file lacks them; and the rail powers of INSTANCE_COUNT managers, VCCINT's
+// current following its voltage from the characterisation voltage and VCCAUX's (regulated) staying.
 #include <prsm/models/talvex/ClockManagerFormulas.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
-#include <cmath>
+#include <limits>
+#include <string_view>
 
 namespace prsm::clocking {
 
-// A limit of the LIMITS table; 0 when the file lacks it.
+// A limit of the LIMITS table, for its GET_MIN_/GET_MAX_ cell; 0 when the file lacks it.
 template <typename Model, typename Key>
 float limit(Model const&, typename Model::Params&, typename Model::Data const& data, Key key) {
     return PRSMHelperUtils::IFERROR(data.getLimitsOrError(key), 0.0f);
 }
 
+// A bound the file lacks checks nothing on its side.
+template <typename Data, typename Key>
+float bound(Data const& data, Key key, float missing) {
+    return PRSMHelperUtils::IFERROR(data.getLimitsOrError(key), missing);
+}
+
 template <typename Data, typename Key>
 bool within(Data const& data, float value, Key low, Key high) {
-    return value >= PRSMHelperUtils::IFERROR(data.getLimitsOrError(low), 0.0f) &&
-           value <= PRSMHelperUtils::IFERROR(data.getLimitsOrError(high), 0.0f);
+    float const infinity = std::numeric_limits<float>::infinity();
+    return value >= bound(data, low, -infinity) && value <= bound(data, high, infinity);
 }
 
 template <typename Model>
-bool inputFrequencyValid(Model const& model, typename Model::Params& params, typename Model::Data const& data) {
+bool inputFrequencyValid(Model const& model, typename Model::Params& params,
+                         typename Model::Data const& data) {
     using Key = typename Model::Data::LimitsKey;
     return within(data, model.getInputFrequency(params, data), Key::FIN_MIN, Key::FIN_MAX);
 }
@@ -53,30 +62,43 @@ bool clkoutDivideValid(Model const& model, typename Model::Params& params, typen
     int const divide = model.getClkoutDivide(params, data, output);
     if (divide == 0) return true;
     return within(data, static_cast<float>(divide), Key::DIVIDE_MIN, Key::DIVIDE_MAX) &&
-           model.calculateClockout(params, data, output) <= limit(model, params, data, Key::FOUT_MAX);
+           model.calculateClockout(params, data, output) <=
+               bound(data, Key::FOUT_MAX, std::numeric_limits<float>::infinity());
 }
 
-// 0 up to the managers of this kind the part has (its row of DEVICE_RESOURCES, else the DEFAULT row).
+// The managers of this kind the part has: its row of DEVICE_RESOURCES, else the DEFAULT row, else
+// `missing`.
+template <typename Data, typename Key>
+int partResource(std::string_view device, Data const& data, Key defaultKey, char const* key, int missing) {
+    return PRSMHelperUtils::IFERROR(
+        data.getDeviceResourcesOrError(device, key),
+        PRSMHelperUtils::IFERROR(data.getDeviceResourcesOrError(defaultKey), missing));
+}
+
+// For the GET_MAX_INSTANCE_COUNT cell: 0 when the file gives no count.
 template <typename Model, typename Key>
 float deviceResource(Model const& model, typename Model::Params& params, typename Model::Data const& data,
                      Key defaultKey, char const* key) {
-    return static_cast<float>(PRSMHelperUtils::IFERROR(
-        data.getDeviceResourcesOrError(model.refDevice(params, data), key),
-        PRSMHelperUtils::IFERROR(data.getDeviceResourcesOrError(defaultKey), 0)));
+    return static_cast<float>(partResource(model.refDevice(params, data), data, defaultKey, key, 0));
 }
 
-template <typename Model>
-bool instanceCountValid(Model const& model, typename Model::Params& params, typename Model::Data const& data) {
+// 0 up to the part's count; a file that gives no count checks only that the count is not negative.
+template <typename Model, typename Key>
+bool instanceCountValid(Model const& model, typename Model::Params& params, typename Model::Data const& data,
+                        Key defaultKey, char const* key) {
     int const count = model.getInstanceCount(params, data);
-    return count >= 0 && static_cast<float>(count) <= model.calculateGetMaxInstanceCount(params, data);
+    int const available =
+        partResource(model.refDevice(params, data), data, defaultKey, key, std::numeric_limits<int>::max());
+    return count >= 0 && count <= available;
 }
 
 // The device's scale of one rail: its row, else the DEFAULT row, else 1.
 template <typename Model, typename Key>
 float railScale(Model const& model, typename Model::Params& params, typename Model::Data const& data,
                 Key defaultKey, char const* rail) {
-    return PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError(model.refDevice(params, data), rail),
-                                    PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError(defaultKey), 1.0f));
+    return PRSMHelperUtils::IFERROR(
+        data.getBlockPowerScaleOrError(model.refDevice(params, data), rail),
+        PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError(defaultKey), 1.0f));
 }
 
 // A current coefficient of COMMON_DATA (0 when the file lacks it) and a calibration factor (1).
@@ -100,7 +122,8 @@ float auxBaseCurrent(Model const&, typename Model::Params&, typename Model::Data
 
 template <typename Model>
 float auxVcoCurrent(Model const& model, typename Model::Params& params, typename Model::Data const& data) {
-    return coefficient(data, Model::Data::CommonDataKey::IVCCAUX_VCO_pMHz) * model.calculateFvco(params, data);
+    return coefficient(data, Model::Data::CommonDataKey::IVCCAUX_VCO_pMHz) *
+           model.calculateFvco(params, data);
 }
 
 template <typename Model>
@@ -116,7 +139,8 @@ float intBaseCurrent(Model const&, typename Model::Params&, typename Model::Data
 }
 
 template <typename Model>
-float intPfdClockCurrent(Model const& model, typename Model::Params& params, typename Model::Data const& data) {
+float intPfdClockCurrent(Model const& model, typename Model::Params& params,
+                         typename Model::Data const& data) {
     using Key = typename Model::Data::CommonDataKey;
     return coefficient(data, Key::IVCCINT_PFD_pMHz) * model.calculatePfdClock(params, data) +
            coefficient(data, Key::IVCCINT_INPUT_COUNTERS_pMHz) * model.getInputFrequency(params, data);
@@ -140,7 +164,8 @@ float intClkoutCurrent(Model const& model, typename Model::Params& params, typen
 }
 
 template <typename Model>
-float intClockfboutCurrent(Model const& model, typename Model::Params& params, typename Model::Data const& data) {
+float intClockfboutCurrent(Model const& model, typename Model::Params& params,
+                           typename Model::Data const& data) {
     return pathCurrent(model, params, data, model.calculateClockfbout(params, data));
 }
 
@@ -148,15 +173,17 @@ float intClockfboutCurrent(Model const& model, typename Model::Params& params, t
 template <typename Model, typename Outputs>
 float intCurrent(Model const& model, typename Model::Params& params, typename Model::Data const& data,
                  float parts, Outputs const& outputs) {
-    for (typename Model::Output const output : outputs) parts += model.calculateVccintClkoutCurrent(params, data, output);
+    for (typename Model::Output const output : outputs)
+        parts += model.calculateVccintClkoutCurrent(params, data, output);
     return factor(data, Model::Data::CommonDataKey::FACTOR_VCCINT) * parts;
 }
 
 // W of all the managers on VCCAUX: the regulated current does not follow the rail.
 template <typename Model>
 float auxPower(Model const& model, typename Model::Params& params, typename Model::Data const& data) {
-    return static_cast<float>(model.getInstanceCount(params, data)) * model.calculateVccauxIntCurrent(params, data) *
-           model.getVccaux(params, data) * model.calculateVccauxScale(params, data);
+    return static_cast<float>(model.getInstanceCount(params, data)) *
+           model.calculateVccauxIntCurrent(params, data) * model.getVccaux(params, data) *
+           model.calculateVccauxScale(params, data);
 }
 
 // W of all the managers on VCCINT: a switched current goes with the voltage, so the power with its
@@ -166,8 +193,9 @@ float intPower(Model const& model, typename Model::Params& params, typename Mode
     float const characterised = coefficient(data, Model::Data::CommonDataKey::VCCINT_CHAR);
     if (characterised == 0.0f) return 0.0f;
     float const vccint = model.getVccint(params, data);
-    return static_cast<float>(model.getInstanceCount(params, data)) * model.calculateVccintIntCurrent(params, data) *
-           vccint * (vccint / characterised) * model.calculateVccintScale(params, data);
+    return static_cast<float>(model.getInstanceCount(params, data)) *
+           model.calculateVccintIntCurrent(params, data) * vccint * (vccint / characterised) *
+           model.calculateVccintScale(params, data);
 }
 
 }  // namespace prsm::clocking

@@ -126,8 +126,10 @@ float Model::computeLeafCap(Params& params, Data const& data) const {
 }
 
 float Model::computeSliceCap(Params& params, Data const& data) const {
-    return count(getNumClockedSlices(params, data)) * sliceClockCap(data, Data::SliceClockCapKey::CLOCKED_SLICE) +
-           count(getNonCleSiteFanout(params, data)) * sliceClockCap(data, Data::SliceClockCapKey::NON_CLE_SITE);
+    return count(getNumClockedSlices(params, data)) *
+               sliceClockCap(data, Data::SliceClockCapKey::CLOCKED_SLICE) +
+           count(getNonCleSiteFanout(params, data)) *
+               sliceClockCap(data, Data::SliceClockCapKey::NON_CLE_SITE);
 }
 
 // Every load's clock pin cycles every period: a slice's clock enable holds the data, not the clock.
@@ -152,18 +154,21 @@ float Model::computeRunningFreq(Params& params, Data const& data) const {
 // ---- Components: C x f x V^VPOW x 0.001 x device scale ------------------------------------------------
 
 float Model::computeVccintFactor(Params& params, Data const& data) const {
-    return std::pow(getVccint(params, data), IFERROR(data.getConstantsOrError(Data::ConstantsKey::VPOW), 2.0f));
+    return std::pow(getVccint(params, data),
+                    IFERROR(data.getConstantsOrError(Data::ConstantsKey::VPOW), 2.0f));
 }
 
 float Model::computeVccintScale(Params& params, Data const& data) const {
-    return IFERROR(data.getBlockPowerScaleOrError(refDevice(params, data), "CLOCK_VCCINT"),
-                   IFERROR(data.getBlockPowerScaleOrError(Data::BlockPowerScaleKey::DEFAULT_CLOCK_VCCINT), 1.0f));
+    return IFERROR(
+        data.getBlockPowerScaleOrError(refDevice(params, data), "CLOCK_VCCINT"),
+        IFERROR(data.getBlockPowerScaleOrError(Data::BlockPowerScaleKey::DEFAULT_CLOCK_VCCINT), 1.0f));
 }
 
 namespace {
 
 float milliwatts(Model const& model, Model::Params& params, Data const& data, float cap, float mhz) {
-    return cap * mhz * model.derivedVccintFactor(params, data) * 0.001f * model.calculateVccintScale(params, data);
+    return cap * mhz * model.derivedVccintFactor(params, data) * 0.001f *
+           model.calculateVccintScale(params, data);
 }
 
 float networkComponent(Model const& model, Model::Params& params, Data const& data, float cap) {
@@ -202,8 +207,9 @@ float Model::computeVccintClockPower(Params& params, Data const& data) const {
 
 // Formed in 64 bits and stored saturated, so that any inputs give a defined figure.
 int Model::computeClockLoadCount(Params& params, Data const& data) const {
-    double const loads = static_cast<double>(getFfsUsingClk(params, data)) + getLutramsUsingClk(params, data) +
-                         getSrlsUsingClk(params, data) + getBramsUsingClk(params, data) +
-                         getUramsUsingClk(params, data) + getDspsUsingClk(params, data);
+    double const loads = static_cast<double>(getFfsUsingClk(params, data)) +
+                         getLutramsUsingClk(params, data) + getSrlsUsingClk(params, data) +
+                         getBramsUsingClk(params, data) + getUramsUsingClk(params, data) +
+                         getDspsUsingClk(params, data);
     return PRSMHelperUtils::toIntSaturated(static_cast<double>(getInstanceCount(params, data)) * loads);
 }

@@ -57,8 +57,10 @@ float Model::computeClockout(Params& params, Data const& data, Output member) co
 // A fractional counter in use adds a phase interpolator's control logic at the VCO rate.
 float Model::computeVccintFractionalCurrent(Params& params, Data const& data) const {
     int used = getMFraction(params, data) != 0.0f ? 1 : 0;
-    if (calculateClockout(params, data, Output::N0) > 0.0f && getClkout0Fraction(params, data) != 0.0f) ++used;
-    return static_cast<float>(used) * clocking::coefficient(data, Data::CommonDataKey::IVCCINT_FRACTIONAL_pMHz) *
+    if (calculateClockout(params, data, Output::N0) > 0.0f && getClkout0Fraction(params, data) != 0.0f)
+        ++used;
+    return static_cast<float>(used) *
+           clocking::coefficient(data, Data::CommonDataKey::IVCCINT_FRACTIONAL_pMHz) *
            calculateFvco(params, data);
 }
 
@@ -70,10 +72,10 @@ float Model::computeVccintSpreadSpectrumCurrent(Params& params, Data const& data
 }
 
 float Model::computeVccintIntCurrent(Params& params, Data const& data) const {
-    float const parts = calculateVccintBaseCurrent(params, data) + calculateVccintPfdClockCurrent(params, data) +
-                        calculateVccintClockfboutCurrent(params, data) +
-                        calculateVccintFractionalCurrent(params, data) +
-                        calculateVccintSpreadSpectrumCurrent(params, data);
+    float const parts =
+        calculateVccintBaseCurrent(params, data) + calculateVccintPfdClockCurrent(params, data) +
+        calculateVccintClockfboutCurrent(params, data) + calculateVccintFractionalCurrent(params, data) +
+        calculateVccintSpreadSpectrumCurrent(params, data);
     return clocking::intCurrent(*this, params, data, parts, kOutputs);
 }
 
@@ -84,7 +86,8 @@ float Model::computeTotalPwr(Params& params, Data const& data) const {
 // ---- Validity -----------------------------------------------------------------------------------------
 
 bool Model::isValidInstanceCount(Params& params, Data const& data) const {
-    return clocking::instanceCountValid(*this, params, data);
+    return clocking::instanceCountValid(*this, params, data, Data::DeviceResourcesKey::DEFAULT_MMCMS,
+                                        "MMCMS");
 }
 bool Model::isValidInputFrequency(Params& params, Data const& data) const {
     return clocking::inputFrequencyValid(*this, params, data);

@@ -16,7 +16,8 @@ constexpr Model::Output kOutputs[] = {Model::Output::N0, Model::Output::N1};
 }  // namespace
 
 float Model::computeVccintIntCurrent(Params& params, Data const& data) const {
-    float const parts = calculateVccintBaseCurrent(params, data) + calculateVccintPfdClockCurrent(params, data) +
+    float const parts = calculateVccintBaseCurrent(params, data) +
+                        calculateVccintPfdClockCurrent(params, data) +
                         calculateVccintClockfboutCurrent(params, data);
     return clocking::intCurrent(*this, params, data, parts, kOutputs);
 }
@@ -26,7 +27,7 @@ float Model::computeTotalPwr(Params& params, Data const& data) const {
 }
 
 bool Model::isValidInstanceCount(Params& params, Data const& data) const {
-    return clocking::instanceCountValid(*this, params, data);
+    return clocking::instanceCountValid(*this, params, data, Data::DeviceResourcesKey::DEFAULT_PLLS, "PLLS");
 }
 bool Model::isValidInputFrequency(Params& params, Data const& data) const {
     return clocking::inputFrequencyValid(*this, params, data);

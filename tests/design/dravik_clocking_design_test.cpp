@@ -18,7 +18,8 @@ std::string design(int managers) {
         "rails": {"VCCINT": 0.85, "VCCAUX": 1.8},
         "board": {"model": "DravikS26"},
         "blocks": [
-          {"name": "clock managers", "model": "DravikMmcm", "count": )" + std::to_string(managers) + R"(},
+          {"name": "clock managers", "model": "DravikMmcm", "count": )" +
+           std::to_string(managers) + R"(},
           {"name": "interface PLL", "model": "DravikPll"},
           {"name": "pixel clocks", "model": "DravikLogicClock", "count": 2,
            "inputs": {"FFS_USING_CLK": 1600, "ROUTING_COUNT": 1, "REGION_COUNT": 1, "LEAF_COUNT": 4}}

@@ -66,10 +66,10 @@ TEST_F(DravikLogicClock, GivenCountsGiveTheirOwnPower) {
 }
 
 TEST_F(DravikLogicClock, InvalidInputsAreReportedAndStillCalculated) {
-    p[Params::DEVICE] = "ZDM5100";         // 12 regions, 537 leaves
+    p[Params::DEVICE] = "ZDM5100";  // 12 regions, 537 leaves
     p[Params::REGION_COUNT] = 13;
     p[Params::LEAF_COUNT] = 600;
-    p[Params::GATING_PROB] = 25.0f;       // a percent meant
+    p[Params::GATING_PROB] = 25.0f;  // a percent meant
     p[Params::FFS_USING_CLK] = -16;
     p[Params::BUF_TYPE] = "MYSTERY_BUFFER";
     model.calculate(p);

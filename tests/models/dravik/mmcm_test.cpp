@@ -70,10 +70,10 @@ TEST_F(DravikMmcm, FractionalCountersAndSpreadSpectrumOnASmallerPart) {
 // The limits: input 10..800, PFD 10..450, VCO 800..1600, outputs up to 800 MHz, D 1..106, M 2..128,
 // divides 2..128 (0: unused), fractions in eighths; ZDM5100 has 4 managers.
 TEST_F(DravikMmcm, ImpossibleSettingsAreInvalidAndStillCalculated) {
-    p[Params::M_COUNTER] = 20;  // VCO 2030 MHz with the fraction: above the band
+    p[Params::M_COUNTER] = 20;      // VCO 2030 MHz with the fraction: above the band
     p[Params::CLKOUT2_DIVIDE] = 2;  // 1015 MHz: faster than an output may run
     p[Params::CLKOUT1_DIVIDE] = 1;  // below the divide range: no clock
-    p[Params::M_FRACTION] = 0.3f;  // not a whole number of eighths
+    p[Params::M_FRACTION] = 0.3f;   // not a whole number of eighths
     p[Params::CLKOUT0_FRACTION] = 1.0f;
     p[Params::INSTANCE_COUNT] = 5;
     p[Params::DEVICE] = "ZDM5100";

@@ -6,6 +6,7 @@
 #include <prsm/models/dravik/PRSMDravikPllModel.h>
 
 #include "ModelFixture.h"
+#include "TestData.h"
 
 #include <gtest/gtest.h>
 
@@ -30,10 +31,10 @@ TEST_F(DravikPll, DefaultsAreOnePllDrivingAnInterfaceClock) {
 }
 
 TEST_F(DravikPll, ItsOwnNarrowerRangesDecideValidity) {
-    p[Params::M_COUNTER] = 16;     // 1600 MHz: within the manager's band, above the PLL's 1500
+    p[Params::M_COUNTER] = 16;  // 1600 MHz: within the manager's band, above the PLL's 1500
     p[Params::INPUT_FREQUENCY] = 100.0f;
-    p[Params::CLKOUT1_DIVIDE] = 2; // 800 MHz: the fastest an output may run
-    p[Params::INSTANCE_COUNT] = 9; // ZDM5100 has 8
+    p[Params::CLKOUT1_DIVIDE] = 2;  // 800 MHz: the fastest an output may run
+    p[Params::INSTANCE_COUNT] = 9;  // ZDM5100 has 8
     p[Params::DEVICE] = "ZDM5100";
     model.calculate(p);
     EXPECT_EQ(model.intDispatchTable(p, data, "IS_VALID_M_COUNTER"), 0);
@@ -50,6 +51,23 @@ TEST_F(DravikPll, ItsOwnNarrowerRangesDecideValidity) {
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_D_COUNTER"), 0);
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_M_COUNTER"), 0);
     expectRel(q[Params::FVCO], 475.0);
+}
+
+// A sparse file laid out as documented (tests/data/missing-keys): a missing coefficient counts 0, a
+// missing factor or scale 1, and a limit or part count the file lacks checks nothing.
+//   100 PLLs: VCCAUX 100 x (0.002 + 0.001) x 1.8 = 0.54 W; VCCINT 100 x 0.001 x 0.85 = 0.085 W.
+TEST(DravikPllSparseFile, MissingFiguresFallBackAndCheckNothing) {
+    prsm::test::ScopedDataDir scope(prsm::test::testDataDir() + "/missing-keys");
+    PRSMDravikPllData const data;
+    PRSMDravikPllModel const& model = PRSMDravikPllModel::getGlobal();
+    Params p;
+    p[Params::M_COUNTER] = 40;  // a 4 GHz VCO and a 1 GHz output: no band or limit to leave
+    p[Params::INSTANCE_COUNT] = 100;
+    expectRel(model.calculateVccauxPwr(p, data), 0.54);
+    expectRel(model.calculateVccintPwr(p, data), 0.085);
+    for (char const* cell : {"IS_VALID_M_COUNTER", "IS_VALID_CLKOUT0_DIVIDE", "IS_VALID_INSTANCE_COUNT"})
+        EXPECT_EQ(model.intDispatchTable(p, data, cell), 1) << cell;
+    EXPECT_EQ(model.floatDispatchTable(p, data, "GET_MAX_INSTANCE_COUNT"), 0.0f);
 }
 
 }  // namespace
