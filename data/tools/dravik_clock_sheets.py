@@ -34,8 +34,8 @@ VCCINT_NOMINAL = 0.85  # V: the voltage the VCCINT currents are given at
 VPOW = 2.0             # dynamic power goes with V^2
 
 # The internal parts and their sizes: logic (LUTs), 36 Kb block RAMs, UltraRAMs and DSPs as the device
-# catalogue gives them, the clock-region grid (columns x rows) and the I/O columns that hold a clock
-# management tile in every row (one mixed-mode manager and two PLLs per tile).
+# catalogue gives them, the clock-region grid (columns x rows) and the I/O columns that hold a clocking
+# tile in every row (one mixed-mode manager and two PLLs per tile).
 PARTS = {
     "ZDM5100": {"luts": 117120, "brams": 144, "urams": 64, "dsps": 1248, "grid": (3, 4), "io_columns": 1},
     "ZDM7100": {"luts": 230400, "brams": 312, "urams": 96, "dsps": 1728, "grid": (4, 6), "io_columns": 1},
@@ -80,7 +80,7 @@ def vco_amps_per_mhz(stages: int) -> float:
     return stages * 2 * STAGE_PF * VCO_SUPPLY * 1e-6
 
 
-def manager(bias_ma: dict, stages: int, digital_pf: dict, limits: dict, count_key: str,
+def manager(bias_ma: dict, stages: int, digital_pf: dict, limits: dict, count_key: str, per_tile: int,
             lists: dict) -> dict:
     """The tables of one clock-manager kind."""
     common = {f"IVCCAUX_{k}": round(v / 1000.0, 6) for k, v in bias_ma.items()}
@@ -93,8 +93,7 @@ def manager(bias_ma: dict, stages: int, digital_pf: dict, limits: dict, count_ke
         "DEVICE_LIST": list(PARTS),
         "COMMON_DATA": common,
         "LIMITS": limits,
-        "DEVICE_RESOURCES": device_rows(lambda p: {count_key: tiles(p) * (1 if count_key == "MMCMS"
-                                                                           else PLLS_PER_TILE)}),
+        "DEVICE_RESOURCES": device_rows(lambda p: {count_key: tiles(p) * per_tile}),
         "BLOCK_POWER_SCALE": unit_scales(["VCCINT", "VCCAUX"]),
     }
 
@@ -109,7 +108,7 @@ MMCM = manager(
     limits={"FIN_MIN": 10.0, "FIN_MAX": 800.0, "FPFD_MIN": 10.0, "FPFD_MAX": 450.0, "FVCO_MIN": 800.0,
             "FVCO_MAX": 1600.0, "FOUT_MAX": 800.0, "D_MIN": 1, "D_MAX": 106, "M_MIN": 2, "M_MAX": 128,
             "DIVIDE_MIN": 2, "DIVIDE_MAX": 128, "FRACTION_STEP": 0.125},
-    count_key="MMCMS", lists={"ON_OFF": ["ON", "OFF"]})
+    count_key="MMCMS", per_tile=1, lists={"ON_OFF": ["ON", "OFF"]})
 
 # The PLL: a smaller regulator, a three-stage ring, two outputs, no fractional counters or modulator.
 PLL = manager(
@@ -120,7 +119,7 @@ PLL = manager(
     limits={"FIN_MIN": 70.0, "FIN_MAX": 800.0, "FPFD_MIN": 70.0, "FPFD_MAX": 667.5, "FVCO_MIN": 750.0,
             "FVCO_MAX": 1500.0, "FOUT_MAX": 800.0, "D_MIN": 1, "D_MAX": 15, "M_MIN": 1, "M_MAX": 19,
             "DIVIDE_MIN": 2, "DIVIDE_MAX": 128},
-    count_key="PLLS", lists={})
+    count_key="PLLS", per_tile=PLLS_PER_TILE, lists={})
 
 # ---- Logic clock ------------------------------------------------------------------------------------------
 # A clock region is 2,400 um wide and 1,200 um tall, 60 slices high; a leaf driver reaches one column of
@@ -152,7 +151,7 @@ def network(part: dict) -> dict:
     slices = part["luts"] // 8
     sites = slices + part["brams"] + part["urams"] + part["dsps"]
     return {"REGIONS": columns * rows, "LEAVES": math.ceil(sites / LEAF_SLICES), "SITES": sites,
-            # from a buffer at the clock tiles' column to the centre of the grid, in region widths
+            # from a buffer at the clocking tiles' column to the centre of the grid, in region widths
             "ROUTING": max(1, columns // 2)}
 
 
