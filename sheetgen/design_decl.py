@@ -47,6 +47,10 @@ COUNTS = {
     "gtm_quads": "GTM_QUADS",
     # hard memory controllers used
     "ddr_controllers": "DDR_CONTROLLERS",
+    # clocking: the older architecture's mixed-mode clock managers and PLLs, and global clock buffers
+    "mmcms": "MMCMS",
+    "plls": "PLLS",
+    "clock_buffers": "CLOCK_BUFFERS",
     # the newer processor system's units powered
     "psxl_cpu": "",
     "psxl_l3_cache": "",
