@@ -6,7 +6,8 @@ from __future__ import annotations
 import re
 from dataclasses import dataclass, field
 
-from sheet import Sheet, SheetError, expand
+from braces import expand
+from sheet_error import SheetError
 
 REGIONS = ("logic", "io", "gt", "ps_pmc", "noc", "aie", "hbm")
 DEVICE_FIELDS = ("part", "internal_part", "package", "speed_grade", "temperature_grade", "voltage_grade",
@@ -162,7 +163,7 @@ def _pairs(section: dict, key: str, value_is_rail: bool = True) -> list[tuple[st
     return pairs
 
 
-def load(doc: dict, sheet: Sheet) -> DesignDecl:
+def load(doc: dict, sheet) -> DesignDecl:
     rails = doc.get("rails", {})
     design = doc.get("design", {})
     if unknown := set(rails) - {"voltage", "power", "current"}:

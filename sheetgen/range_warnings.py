@@ -4,7 +4,8 @@ the device's range). Each bound is a number, or the name of a number cell of the
 
 from __future__ import annotations
 
-from sheet import SheetError, check_message_fields, resolve_number_cells
+from number_checks import check_message_fields, resolve_number_cells
+from sheet_error import SheetError
 
 FIELDS = ("cell", "*", "value", "unit", "low", "high")
 

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import itertools
 import re
 import tomllib
 from dataclasses import dataclass, field
@@ -10,6 +9,11 @@ from pathlib import Path
 
 import cell_patterns
 import descriptions
+import design_decl
+import range_warnings
+from braces import _current_lists, expand
+from number_checks import _is_flag, check_message_fields, resolve_number_cells
+from sheet_error import SheetError
 
 TYPES = ("int", "float", "string")
 CATEGORIES = ("inputs", "outputs", "intermediates")
@@ -20,42 +24,10 @@ TABLE_TYPES = {"float": "float", "int": "int", "bool": "bool", "string": "std::s
                "list": "std::vector<std::string>"}
 
 
-class SheetError(Exception):
-    pass
-
-
 def camel(name: str) -> str:
     """CLOCK_FREQ -> ClockFreq, A1_SIG_RATE -> A1SigRate; a family pattern drops its placeholder."""
     parts = [p for p in name.replace("{}", "").split("_") if p]
     return "".join(p[0].upper() + p[1:].lower() for p in parts)
-
-
-# The member lists of the sheet being read: every expansion during its load knows them.
-_current_lists: dict[str, list[str]] = {}
-
-
-def expand(pattern: str, lists: dict[str, list[str]] | None = None) -> list[str]:
-    """Expands braces like a shell: A{1..3}_X -> A1_X A2_X A3_X; COUT{B,D}_F -> COUTB_F COUTD_F.
-    A brace holding the name of a member list of the sheet's [lists] section stands for its members:
-    {RAILS}_STATIC_CURRENT -> VCCINT_STATIC_CURRENT, VCCAUX_STATIC_CURRENT, ... The empty braces "{}"
-    of a family pattern stay as they are."""
-    if lists is None:
-        lists = _current_lists
-    pieces = re.split(r"(\{[^{}]+\})", pattern)
-    choices = []
-    for piece in pieces:
-        if len(piece) > 2 and piece.startswith("{") and piece.endswith("}"):
-            body = piece[1:-1]
-            if m := re.fullmatch(r"(-?\d+)\.\.(-?\d+)", body):
-                lo, hi = int(m[1]), int(m[2])
-                choices.append([str(i) for i in range(lo, hi + 1)])
-            elif lists and body in lists:
-                choices.append(lists[body])
-            else:
-                choices.append(body.split(","))
-        else:
-            choices.append([piece])
-    return ["".join(c) for c in itertools.product(*choices)]
 
 
 def _lists(doc: dict) -> dict[str, list[str]]:
@@ -267,10 +239,6 @@ def _cells(doc: dict, lists: dict[str, list[str]]) -> tuple[dict, dict]:
     return cells, by_name
 
 
-def _is_flag(name: str) -> bool:
-    return name.startswith("IS_VALID_")
-
-
 def _units(doc: dict, by_name: dict[str, Cell]) -> None:
     """Gives every cell its unit (cell_patterns.place); a cell that nothing names keeps "". Patterns
     pass over the validity flags (IS_VALID_*), which have no unit."""
@@ -294,28 +262,6 @@ WARNING_KINDS = ("below_zero", "above_zero", "no_value")
 _WARNING_FIELDS = ("cell", "*", "value", "unit")
 
 
-def resolve_number_cells(where: str, entries: dict, by_name: dict) -> dict[str, cell_patterns.Placed]:
-    """Places `entries` (cell name pattern -> what is declared for it) on the number cells of the sheet
-    (cell_patterns.place): patterns pass over string cells and the validity flags, and a string cell named
-    exactly is an error."""
-    def is_number(name: str) -> bool:
-        return by_name[name].type != "string"
-
-    try:
-        return cell_patterns.place(entries.items(), by_name, lambda _, name: is_number(name) and not _is_flag(name),
-                                   expand, refuses=lambda name: "" if is_number(name) else "is a string cell",
-                                   reachable="number cell", values="entries")
-    except cell_patterns.PatternError as error:
-        raise SheetError(f"{where}: {error}") from None
-
-
-def check_message_fields(where: str, message: str, fields: tuple[str, ...]) -> None:
-    for used in re.findall(r"\{([^{}]*)\}", message):
-        if used not in fields:
-            raise SheetError(f"{where}: unknown field {{{used}}} in the message "
-                             f"(use {', '.join('{' + f + '}' for f in fields)})")
-
-
 def _warnings(doc: dict, by_name: dict[str, Cell]) -> None:
     """The [warnings] section: below_zero / above_zero / no_value = { cell name pattern = message }. A
     host gives the message when a number cell's calculated value is below 0, above 0, or the reserved
@@ -337,7 +283,6 @@ def _warnings(doc: dict, by_name: dict[str, Cell]) -> None:
             check_message_fields(f"warnings.{kind}.{pattern}", message, _WARNING_FIELDS)
         for name, placed in resolve_number_cells(f"warnings.{kind}", entries, by_name).items():
             by_name[name].warnings[kind] = placed.value.replace("{cell}", name).replace("{*}", placed.starred)
-    import range_warnings  # the `outside` check: bounds that are numbers or cells
     range_warnings.read(section.get("outside", {}), by_name)
 
 
@@ -493,7 +438,6 @@ def load(path: Path, source_root: Path) -> Sheet:
     sheet = Sheet(path.stem, subdir, meta.get("description", ""), meta.get("data_file"), has_model,
                   cells, by_name, inputs, constants, families, tables, load_order, calculate, formulas,
                   meta.get("formula_header"), methods, derived=derived)
-    import design_decl  # the whole-design declarations check against the cells above
     sheet.design = design_decl.load(doc, sheet)
     return sheet
 
