@@ -6,17 +6,11 @@ import itertools
 import re
 
 
-# The member lists of the sheet being read: every expansion during its load knows them.
-_current_lists: dict[str, list[str]] = {}
-
-
 def expand(pattern: str, lists: dict[str, list[str]] | None = None) -> list[str]:
     """Expands braces like a shell: A{1..3}_X -> A1_X A2_X A3_X; COUT{B,D}_F -> COUTB_F COUTD_F.
     A brace holding the name of a member list of the sheet's [lists] section stands for its members:
     {RAILS}_STATIC_CURRENT -> VCCINT_STATIC_CURRENT, VCCAUX_STATIC_CURRENT, ... The empty braces "{}"
     of a family pattern stay as they are."""
-    if lists is None:
-        lists = _current_lists
     pieces = re.split(r"(\{[^{}]+\})", pattern)
     choices = []
     for piece in pieces:

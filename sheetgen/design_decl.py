@@ -148,15 +148,15 @@ def load_count_feeds(design: dict, cell) -> list[tuple[str, list[str], str, bool
     return feeds
 
 
-def _pairs(section: dict, key: str, value_is_rail: bool = True) -> list[tuple[str, str]]:
+def _pairs(section: dict, key: str, lists: dict[str, list[str]], value_is_rail: bool = True) -> list[tuple[str, str]]:
     value = section.get(key, {})
     if isinstance(value, list):  # cell names that are also the rails' names
-        return [(name, name) for pattern in value for name in expand(pattern)]
+        return [(name, name) for pattern in value for name in expand(pattern, lists)]
     if not isinstance(value, dict):
         raise SheetError(f"rails.{key}: a list of cells or a table of cell = \"RAIL\"")
     pairs = []
     for pattern, target in value.items():
-        for name in expand(pattern):
+        for name in expand(pattern, lists):
             if value_is_rail and not RAIL.fullmatch(str(target)):
                 raise SheetError(f"rails.{key}.{name}: {target!r} is not an upper-case rail name")
             pairs.append((name, str(target)))
@@ -192,16 +192,16 @@ def load(doc: dict, sheet) -> DesignDecl:
             raise SheetError(f"{where}: {name} is not a {'/'.join(types)} {kind}")
         return c
 
-    decl.voltage = _pairs(rails, "voltage")
+    decl.voltage = _pairs(rails, "voltage", sheet.lists)
     for name, _ in decl.voltage:
         cell(name, "rails.voltage", ("float",), True)
     for kind in ("power", "current"):
-        pairs = _pairs(rails, kind)
+        pairs = _pairs(rails, kind, sheet.lists)
         for name, _ in pairs:
             cell(name, f"rails.{kind}", ("float",), False)
         setattr(decl, kind, pairs)
     decl.requires = _requires(design.get("requires", {}))
-    decl.device = _pairs(design, "device", value_is_rail=False)
+    decl.device = _pairs(design, "device", sheet.lists, value_is_rail=False)
     for name, fld in decl.device:
         cell(name, "design.device", ("string",), True)
         if fld not in DEVICE_FIELDS:
@@ -249,7 +249,7 @@ def load(doc: dict, sheet) -> DesignDecl:
     if "board_currents" in design:
         if "temperature" in design:
             raise SheetError("design: a sheet is either the static-power sheet or a module board, not both")
-        decl.board_currents = _pairs(design, "board_currents")
+        decl.board_currents = _pairs(design, "board_currents", sheet.lists)
         if not decl.board_currents:
             raise SheetError("design.board_currents: an empty table")
         for name, _ in decl.board_currents:

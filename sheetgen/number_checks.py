@@ -9,20 +9,21 @@ from braces import expand
 from sheet_error import SheetError
 
 
-def _is_flag(name: str) -> bool:
+def is_flag(name: str) -> bool:
     return name.startswith("IS_VALID_")
 
 
-def resolve_number_cells(where: str, entries: dict, by_name: dict) -> dict[str, cell_patterns.Placed]:
+def resolve_number_cells(where: str, entries: dict, by_name: dict,
+                         lists: dict[str, list[str]]) -> dict[str, cell_patterns.Placed]:
     """Places `entries` (cell name pattern -> what is declared for it) on the number cells of the sheet
     (cell_patterns.place): patterns pass over string cells and the validity flags, and a string cell named
-    exactly is an error."""
+    exactly is an error. Names may use the sheet's member `lists`."""
     def is_number(name: str) -> bool:
         return by_name[name].type != "string"
 
     try:
-        return cell_patterns.place(entries.items(), by_name, lambda _, name: is_number(name) and not _is_flag(name),
-                                   expand, refuses=lambda name: "" if is_number(name) else "is a string cell",
+        return cell_patterns.place(entries.items(), by_name, lambda _, name: is_number(name) and not is_flag(name),
+                                   lambda pattern: expand(pattern, lists), refuses=lambda name: "" if is_number(name) else "is a string cell",
                                    reachable="number cell", values="entries")
     except cell_patterns.PatternError as error:
         raise SheetError(f"{where}: {error}") from None

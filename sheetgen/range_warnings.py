@@ -27,7 +27,7 @@ def _bound_text(where: str, bound, name: str, starred: str, by_name: dict) -> st
     return cell
 
 
-def read(entries: dict, by_name: dict) -> None:
+def read(entries: dict, by_name: dict, lists: dict[str, list[str]]) -> None:
     """Gives each cell its (low, high, message) from `entries`: cell name pattern =
     { range = [low, high], message = "..." }. Patterns resolve as the other checks' do."""
     if not isinstance(entries, dict):
@@ -45,7 +45,7 @@ def read(entries: dict, by_name: dict) -> None:
         numbers = [b for b in bounds if isinstance(b, (int, float)) and not isinstance(b, bool)]
         if len(numbers) == 2 and numbers[0] >= numbers[1]:
             raise SheetError(f"{where}: range [{bounds[0]}, {bounds[1]}]: the low bound must be below the high one")
-    for name, placed in resolve_number_cells("warnings.outside", entries, by_name).items():
+    for name, placed in resolve_number_cells("warnings.outside", entries, by_name, lists).items():
         where = f"warnings.outside: cell {name}"
         low, high = (_bound_text(where, b, name, placed.starred, by_name) for b in placed.value["range"])
         message = placed.value["message"].replace("{cell}", name).replace("{*}", placed.starred)

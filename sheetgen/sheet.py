@@ -11,8 +11,8 @@ import cell_patterns
 import descriptions
 import design_decl
 import range_warnings
-from braces import _current_lists, expand
-from number_checks import _is_flag, check_message_fields, resolve_number_cells
+from braces import expand
+from number_checks import is_flag, check_message_fields, resolve_number_cells
 from sheet_error import SheetError
 
 TYPES = ("int", "float", "string")
@@ -193,6 +193,7 @@ class Sheet:
     methods: list[str] = field(default_factory=list)  # "type name": hand-written public members
     design: object = None  # design_decl.DesignDecl: rails, region and static-sheet declarations
     derived: list[str] = field(default_factory=list)  # shared values computed once per evaluation
+    lists: dict[str, list[str]] = field(default_factory=dict)  # the [lists] section: name -> members
 
     @property
     def prefix(self) -> str:
@@ -239,7 +240,7 @@ def _cells(doc: dict, lists: dict[str, list[str]]) -> tuple[dict, dict]:
     return cells, by_name
 
 
-def _units(doc: dict, by_name: dict[str, Cell]) -> None:
+def _units(doc: dict, by_name: dict[str, Cell], lists: dict[str, list[str]]) -> None:
     """Gives every cell its unit (cell_patterns.place); a cell that nothing names keeps "". Patterns
     pass over the validity flags (IS_VALID_*), which have no unit."""
     section = doc.get("units", {})
@@ -251,7 +252,8 @@ def _units(doc: dict, by_name: dict[str, Cell]) -> None:
             raise SheetError(f"units.{unit}: expected a list of cell name patterns (strings)")
         entries += [(pattern, unit) for pattern in patterns]
     try:
-        placed = cell_patterns.place(entries, by_name, lambda _, name: not _is_flag(name), expand)
+        placed = cell_patterns.place(entries, by_name, lambda _, name: not is_flag(name),
+                                     lambda pattern: expand(pattern, lists))
     except cell_patterns.PatternError as error:
         raise SheetError(f"units: {error}") from None
     for name, unit in placed.items():
@@ -262,7 +264,7 @@ WARNING_KINDS = ("below_zero", "above_zero", "no_value")
 _WARNING_FIELDS = ("cell", "*", "value", "unit")
 
 
-def _warnings(doc: dict, by_name: dict[str, Cell]) -> None:
+def _warnings(doc: dict, by_name: dict[str, Cell], lists: dict[str, list[str]]) -> None:
     """The [warnings] section: below_zero / above_zero / no_value = { cell name pattern = message }. A
     host gives the message when a number cell's calculated value is below 0, above 0, or the reserved
     "no value" (a result that did not fit its cell). The message may hold {cell} (the cell's name) and
@@ -281,12 +283,12 @@ def _warnings(doc: dict, by_name: dict[str, Cell]) -> None:
             raise SheetError(f"warnings.{kind}: expected a table of cell name pattern = message")
         for pattern, message in entries.items():
             check_message_fields(f"warnings.{kind}.{pattern}", message, _WARNING_FIELDS)
-        for name, placed in resolve_number_cells(f"warnings.{kind}", entries, by_name).items():
+        for name, placed in resolve_number_cells(f"warnings.{kind}", entries, by_name, lists).items():
             by_name[name].warnings[kind] = placed.value.replace("{cell}", name).replace("{*}", placed.starred)
-    range_warnings.read(section.get("outside", {}), by_name)
+    range_warnings.read(section.get("outside", {}), by_name, lists)
 
 
-def _tables(doc: dict) -> tuple[list[Table], list[tuple[str, Table]]]:
+def _tables(doc: dict, lists: dict[str, list[str]]) -> tuple[list[Table], list[tuple[str, Table]]]:
     maps: dict[str, Table] = {}
     order = []
     for entry in doc.get("tables", []):
@@ -304,7 +306,7 @@ def _tables(doc: dict) -> tuple[list[Table], list[tuple[str, Table]]]:
         elif table.type != type_:
             raise SheetError(f"table {setting}: map {map_name} already holds {table.type}")
         table.settings.append(setting)
-        table.fixed += [k for p in entry.get("fixed", []) for k in expand(p) if k not in table.fixed]
+        table.fixed += [k for p in entry.get("fixed", []) for k in expand(p, lists) if k not in table.fixed]
         order.append((setting, table))
     for table in maps.values():
         _check_fixed(table)
@@ -335,16 +337,14 @@ def load(path: Path, source_root: Path) -> Sheet:
         doc = tomllib.load(f)
     meta = doc.get("sheet", {})
     lists = _lists(doc)
-    _current_lists.clear()
-    _current_lists.update(lists)
     cells, by_name = _cells(doc, lists)
-    _units(doc, by_name)
-    _warnings(doc, by_name)
+    _units(doc, by_name, lists)
+    _warnings(doc, by_name, lists)
     try:
-        descriptions.place(doc, by_name, expand)
+        descriptions.place(doc, by_name, lambda pattern: expand(pattern, lists))
     except cell_patterns.PatternError as error:
         raise SheetError(str(error)) from None
-    tables, load_order = _tables(doc)
+    tables, load_order = _tables(doc, lists)
 
     families = []
     for fam in doc.get("families", []):
@@ -437,7 +437,7 @@ def load(path: Path, source_root: Path) -> Sheet:
     subdir = path.parent.resolve().relative_to(source_root.resolve()).as_posix()
     sheet = Sheet(path.stem, subdir, meta.get("description", ""), meta.get("data_file"), has_model,
                   cells, by_name, inputs, constants, families, tables, load_order, calculate, formulas,
-                  meta.get("formula_header"), methods, derived=derived)
+                  meta.get("formula_header"), methods, derived=derived, lists=lists)
     sheet.design = design_decl.load(doc, sheet)
     return sheet
 
