@@ -12,7 +12,7 @@ import descriptions
 import design_decl
 import range_warnings
 from braces import expand
-from number_checks import is_flag, check_message_fields, resolve_number_cells
+from number_checks import check_message_fields, is_flag, resolve_number_cells
 from sheet_error import SheetError
 
 TYPES = ("int", "float", "string")
