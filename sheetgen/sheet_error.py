@@ -17,10 +17,10 @@ class SheetError(Exception):
         self.at = tuple(at)
         self.where = ""
 
-    def located(self, path: Path, text: str) -> SheetError:
+    def located(self, path: Path, text: str) -> None:
+        """Places the error in the table at `path`, whose text is `text`."""
         line = line_of(key_lines(text), self.at)
         self.where = f"{path}:{line}" if line is not None else str(path)
-        return self
 
     def __str__(self) -> str:
         return f"{self.where}: {self.args[0]}" if self.where else self.args[0]
