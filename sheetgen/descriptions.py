@@ -15,6 +15,7 @@ import re
 from typing import Callable
 
 from cell_patterns import PatternError, place as place_by_pattern
+from sheet_error import SheetError
 
 MAX_LENGTH = 160
 _FIELDS = ("*", "cell")
@@ -36,29 +37,31 @@ def needs_description(cell) -> bool:
 
 
 def place(doc: dict, by_name: dict, expand: Callable[[str], list[str]]) -> None:
-    """Sets `description` on every cell the section reaches; raises PatternError for what it refuses."""
+    """Sets `description` on every cell the section reaches; raises SheetError for what it refuses."""
     section = doc.get("descriptions", {})
     if not isinstance(section, dict):
-        raise PatternError("descriptions: expected a table of cell name pattern = one line")
+        raise SheetError("descriptions: expected a table of cell name pattern = one line", ("descriptions",))
     for pattern, text in section.items():
+        at = ("descriptions", pattern)
         if not isinstance(text, str):
-            raise PatternError(f"descriptions.{pattern}: expected a string")
+            raise SheetError(f"descriptions.{pattern}: expected a string", at)
         if any(c in text for c in "\n\r"):
-            raise PatternError(f"descriptions.{pattern}: a description is one line")
+            raise SheetError(f"descriptions.{pattern}: a description is one line", at)
         for used in re.findall(r"\{([^{}]*)\}", text):
             if used not in _FIELDS:
-                raise PatternError(f"descriptions.{pattern}: unknown field {{{used}}} (use {{*}}, {{cell}})")
+                raise SheetError(f"descriptions.{pattern}: unknown field {{{used}}} (use {{*}}, {{cell}})", at)
     try:
         placed = place_by_pattern(section.items(), by_name, _admits, expand)
     except PatternError as error:
-        raise PatternError(f"descriptions: {error}") from None
+        raise SheetError(f"descriptions: {error}", ("descriptions", error.entry[0])) from None
     for name, entry in placed.items():
         text = entry.value.replace("{cell}", name).replace("{*}", entry.starred)
         if len(text) > MAX_LENGTH:
-            raise PatternError(f"descriptions: the description of {name} has {len(text)} characters "
-                               f"(at most {MAX_LENGTH})")
+            raise SheetError(f"descriptions: the description of {name} has {len(text)} characters "
+                             f"(at most {MAX_LENGTH})", ("descriptions", entry.pattern))
         by_name[name].description = text
-    missing = [cell.name for cell in by_name.values() if needs_description(cell) and not cell.description]
+    missing = [cell for cell in by_name.values() if needs_description(cell) and not cell.description]
     if missing:
-        shown = ", ".join(missing[:6]) + (f" and {len(missing) - 6} more" if len(missing) > 6 else "")
-        raise PatternError(f"descriptions: no description for the user input or output {shown}")
+        shown = ", ".join(c.name for c in missing[:6]) + (f" and {len(missing) - 6} more" if len(missing) > 6 else "")
+        raise SheetError(f"descriptions: no description for the user input or output {shown}",
+                         ("cells", missing[0].type, missing[0].category))

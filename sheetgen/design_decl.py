@@ -6,7 +6,8 @@ from __future__ import annotations
 import re
 from dataclasses import dataclass, field
 
-from sheet import Sheet, SheetError, expand
+from braces import expand
+from sheet_error import SheetError
 
 REGIONS = ("logic", "io", "gt", "ps_pmc", "noc", "aie", "hbm")
 DEVICE_FIELDS = ("part", "internal_part", "package", "speed_grade", "temperature_grade", "voltage_grade",
@@ -85,25 +86,30 @@ class DesignDecl:
     count_feeds: list[tuple[str, list[str], str, bool]] = field(default_factory=list)
 
 
-def check_selector(text: str) -> None:
+def check_selector(text: str, at: tuple = ("design", "feeds")) -> None:
     """A selector is terms separated by blanks, all of which must hold: rail:A[,B], region:r[,s],
-    tag:t[,u], each optionally negated with a leading "!"."""
+    tag:t[,u], each optionally negated with a leading "!". `at` is its key path, for errors."""
     terms = text.split()
     if not terms:
-        raise SheetError("design.feeds: an empty selector")
+        raise SheetError("design.feeds: an empty selector", at)
     for term in terms:
         m = re.fullmatch(r"!?(rail|region|tag):([A-Za-z0-9_]+(?:,[A-Za-z0-9_]+)*)", term)
         if m is None:
-            raise SheetError(f"design.feeds: {term!r} is not rail:, region: or tag: followed by names")
+            raise SheetError(f"design.feeds: {term!r} is not rail:, region: or tag: followed by names", at)
         if m[1] == "region":
             for region in m[2].split(","):
                 if region not in REGIONS:
-                    raise SheetError(f"design.feeds: unknown region {region!r}; one of {', '.join(REGIONS)}")
+                    raise SheetError(f"design.feeds: unknown region {region!r}; one of {', '.join(REGIONS)}", at)
+
+
+def _at(where: str) -> tuple:
+    """The key path of an error's dotted `where` ("design.counts.luts")."""
+    return tuple(where.split("."))
 
 
 def _known_count(name: str, where: str) -> str:
     if name not in COUNTS:
-        raise SheetError(f"{where}: unknown count {name!r}; one of {', '.join(COUNTS)}")
+        raise SheetError(f"{where}: unknown count {name!r}; one of {', '.join(COUNTS)}", _at(where))
     return COUNTS[name]
 
 
@@ -117,18 +123,20 @@ def load_counts(design: dict, cell) -> list[tuple[str, str, str, str, list[str]]
         when_cell, when_values = "", []
         if isinstance(entry, dict):
             if unknown := set(entry) - {"cell", "when"}:
-                raise SheetError(f"{where}: unknown keys {sorted(unknown)}")
+                raise SheetError(f"{where}: unknown keys {sorted(unknown)}", _at(where))
             when = entry.get("when", {})
             if not isinstance(when, dict) or len(when) > 1:
-                raise SheetError(f"{where}.when: one string input = a pattern or a list of patterns")
+                raise SheetError(f"{where}.when: one string input = a pattern or a list of patterns",
+                                 _at(where) + ("when",))
             for when_cell, patterns in when.items():
                 cell(when_cell, f"{where}.when", ("string",), True)
                 when_values = [patterns] if isinstance(patterns, str) else list(patterns)
                 if not when_values or any(not isinstance(p, str) or "*" in p[:-1] for p in when_values):
-                    raise SheetError(f"{where}.when.{when_cell}: patterns are texts, a '*' only at the end")
+                    raise SheetError(f"{where}.when.{when_cell}: patterns are texts, a '*' only at the end",
+                                     _at(where) + ("when", when_cell))
             entry = entry.get("cell", "")
         if not isinstance(entry, str) or not entry:
-            raise SheetError(f"{where}: the cell giving one instance's share, or {{ cell, when }}")
+            raise SheetError(f"{where}: the cell giving one instance's share, or {{ cell, when }}", _at(where))
         found = cell(entry, where, ("int", "float"), None)
         counts.append((name, found.name, resource, when_cell, when_values))
     return counts
@@ -142,85 +150,92 @@ def load_count_feeds(design: dict, cell) -> list[tuple[str, list[str], str, bool
         where = f"design.count_feeds.{name}"
         found = cell(name, where, ("int", "float"), True)
         if not isinstance(text, str):
-            raise SheetError(f"{where}: counts joined with \" + \", optionally followed by \" %\"")
+            raise SheetError(f"{where}: counts joined with \" + \", optionally followed by \" %\"", _at(where))
         share = text.rstrip().endswith("%")
         names = [part.strip() for part in text.rstrip().rstrip("%").split("+")]
         resources = {_known_count(n, where) for n in names}
         resource = ""
         if share:
             if len(resources) != 1 or "" in resources:
-                raise SheetError(f"{where}: a share in percent sums counts of one device resource")
+                raise SheetError(f"{where}: a share in percent sums counts of one device resource", _at(where))
             if found.type != "float":
-                raise SheetError(f"{where}: a share in percent goes into a float input")
+                raise SheetError(f"{where}: a share in percent goes into a float input", _at(where))
             resource = resources.pop()
         feeds.append((name, names, resource, share))
     return feeds
 
 
-def _pairs(section: dict, key: str, value_is_rail: bool = True) -> list[tuple[str, str]]:
+def _pairs(section: dict, at: tuple, lists: dict[str, list[str]], value_is_rail: bool = True) -> list[tuple[str, str]]:
+    """Cell = rail (or device field) pairs of the section at key path `at`."""
+    key = at[-1]
     value = section.get(key, {})
     if isinstance(value, list):  # cell names that are also the rails' names
-        return [(name, name) for pattern in value for name in expand(pattern)]
+        return [(name, name) for pattern in value for name in expand(pattern, lists)]
     if not isinstance(value, dict):
-        raise SheetError(f"rails.{key}: a list of cells or a table of cell = \"RAIL\"")
+        raise SheetError(f"rails.{key}: a list of cells or a table of cell = \"RAIL\"", at)
     pairs = []
     for pattern, target in value.items():
-        for name in expand(pattern):
+        for name in expand(pattern, lists):
             if value_is_rail and not RAIL.fullmatch(str(target)):
-                raise SheetError(f"rails.{key}.{name}: {target!r} is not an upper-case rail name")
+                raise SheetError(f"rails.{key}.{name}: {target!r} is not an upper-case rail name", at + (pattern,))
             pairs.append((name, str(target)))
     return pairs
 
 
-def load(doc: dict, sheet: Sheet) -> DesignDecl:
+def load(doc: dict, sheet) -> DesignDecl:
     rails = doc.get("rails", {})
     design = doc.get("design", {})
     if unknown := set(rails) - {"voltage", "power", "current"}:
-        raise SheetError(f"rails: unknown keys {sorted(unknown)}")
+        raise SheetError(f"rails: unknown keys {sorted(unknown)}", ("rails", min(unknown)))
     known = {"region", "device", "temperature", "static_current", "max_current", "static_total", "static_regions",
              "feeds", "board_architecture", "board_currents", "board_total", "board_regulators", "requires", "counts",
              "count_feeds", "tag"}
     if unknown := set(design) - known:
-        raise SheetError(f"design: unknown keys {sorted(unknown)}")
+        raise SheetError(f"design: unknown keys {sorted(unknown)}", ("design", min(unknown)))
     decl = DesignDecl()
     decl.region = design.get("region", "")
     if decl.region and decl.region not in REGIONS:
-        raise SheetError(f"design.region: unknown region {decl.region!r}; one of {', '.join(REGIONS)}")
+        raise SheetError(f"design.region: unknown region {decl.region!r}; one of {', '.join(REGIONS)}",
+                         ("design", "region"))
     decl.tag = design.get("tag", "")
     if not isinstance(decl.tag, str) or (decl.tag and not re.fullmatch(r"[a-z][a-z0-9_]*", decl.tag)):
-        raise SheetError(f"design.tag: {decl.tag!r} is not a lower-case word such as \"ip\"")
+        raise SheetError(f"design.tag: {decl.tag!r} is not a lower-case word such as \"ip\"", ("design", "tag"))
     if decl.tag and not decl.region:
-        raise SheetError("design.tag: a tag sets power apart within a region: declare the region too")
+        raise SheetError("design.tag: a tag sets power apart within a region: declare the region too",
+                         ("design", "tag"))
 
     def cell(name: str, where: str, types: tuple[str, ...], want_input: bool):
+        at = _at(where) + (name,)  # the cell's own key, else the key that names it
         c = sheet.by_name.get(name)
         if c is None:
-            raise SheetError(f"{where}: no cell {name}")
+            raise SheetError(f"{where}: no cell {name}", at)
         if c.type not in types or (want_input is not None and c.is_input != want_input):
             kind = "cell" if want_input is None else "input" if want_input else "computed cell"
-            raise SheetError(f"{where}: {name} is not a {'/'.join(types)} {kind}")
+            raise SheetError(f"{where}: {name} is not a {'/'.join(types)} {kind}", at)
         return c
 
-    decl.voltage = _pairs(rails, "voltage")
+    decl.voltage = _pairs(rails, ("rails", "voltage"), sheet.lists)
     for name, _ in decl.voltage:
         cell(name, "rails.voltage", ("float",), True)
     for kind in ("power", "current"):
-        pairs = _pairs(rails, kind)
+        pairs = _pairs(rails, ("rails", kind), sheet.lists)
         for name, _ in pairs:
             cell(name, f"rails.{kind}", ("float",), False)
         setattr(decl, kind, pairs)
     decl.requires = _requires(design.get("requires", {}))
-    decl.device = _pairs(design, "device", value_is_rail=False)
+    decl.device = _pairs(design, ("design", "device"), sheet.lists, value_is_rail=False)
     for name, fld in decl.device:
         cell(name, "design.device", ("string",), True)
         if fld not in DEVICE_FIELDS:
-            raise SheetError(f"design.device.{name}: unknown field {fld!r}; one of {', '.join(DEVICE_FIELDS)}")
+            raise SheetError(f"design.device.{name}: unknown field {fld!r}; one of {', '.join(DEVICE_FIELDS)}",
+                             ("design", "device", name))
 
     decl.counts = load_counts(design, cell)
     static_keys = {"temperature", "static_current", "max_current", "static_total", "static_regions", "feeds",
                    "count_feeds"} & set(design)
     if static_keys and "temperature" not in design:
-        raise SheetError("design: a static sheet names its junction-temperature input in design.temperature")
+        raise SheetError("design: a static sheet names its junction-temperature input in design.temperature",
+                         ("design",))
     if "temperature" in design:
         decl.temperature = design["temperature"]
         cell(decl.temperature, "design.temperature", ("float",), True)
@@ -229,7 +244,7 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
             float computed cell."""
             pattern = design.get(key, "")
             if pattern and pattern.count("{}") != 1:
-                raise SheetError(f"design.{key}: a cell pattern with one {{}} for the rail")
+                raise SheetError(f"design.{key}: a cell pattern with one {{}} for the rail", ("design", key))
             for _, rail in decl.voltage if pattern else ():
                 name = pattern.replace("{}", rail)
                 if name in sheet.by_name:
@@ -243,40 +258,47 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
             cell(decl.static_total, "design.static_total", ("float",), False)
         for region, name in design.get("static_regions", {}).items():
             if region not in REGIONS:
-                raise SheetError(f"design.static_regions: unknown region {region!r}")
+                raise SheetError(f"design.static_regions: unknown region {region!r}",
+                                 ("design", "static_regions", region))
             cell(name, f"design.static_regions.{region}", ("float",), False)
             decl.static_regions.append((region, name))
         for name, selector in design.get("feeds", {}).items():
             cell(name, "design.feeds", ("float",), True)
-            check_selector(selector)
+            check_selector(selector, ("design", "feeds", name))
             decl.feeds.append((name, selector))
         decl.count_feeds = load_count_feeds(design, cell)
 
     board_keys = {"board_architecture", "board_currents", "board_total", "board_regulators"} & set(design)
     if board_keys and "board_currents" not in design:
-        raise SheetError("design: a module board names the inputs of the device's currents in design.board_currents")
+        raise SheetError("design: a module board names the inputs of the device's currents in design.board_currents",
+                         ("design",))
     if "board_currents" in design:
         if "temperature" in design:
-            raise SheetError("design: a sheet is either the static-power sheet or a module board, not both")
-        decl.board_currents = _pairs(design, "board_currents")
+            raise SheetError("design: a sheet is either the static-power sheet or a module board, not both",
+                             ("design", "board_currents"))
+        decl.board_currents = _pairs(design, ("design", "board_currents"), sheet.lists)
         if not decl.board_currents:
-            raise SheetError("design.board_currents: an empty table")
+            raise SheetError("design.board_currents: an empty table", ("design", "board_currents"))
         for name, _ in decl.board_currents:
             cell(name, "design.board_currents", ("float",), True)
         decl.board_architecture = str(design.get("board_architecture", ""))
         if decl.board_architecture and not RAIL.fullmatch(decl.board_architecture):
-            raise SheetError(f"design.board_architecture: {decl.board_architecture!r} is not an upper-case name")
+            raise SheetError(f"design.board_architecture: {decl.board_architecture!r} is not an upper-case name",
+                             ("design", "board_architecture"))
         decl.board_total = design.get("board_total", "")
         if decl.board_total:
             cell(decl.board_total, "design.board_total", ("float",), False)
         regulators = design.get("board_regulators", {})
         if not isinstance(regulators, dict):
-            raise SheetError("design.board_regulators: a table of regulator = { load, efficiency, loss, over_limit }")
+            raise SheetError("design.board_regulators: a table of regulator = { load, efficiency, loss, over_limit }",
+                             ("design", "board_regulators"))
         for reg, figures in regulators.items():
             if not isinstance(figures, dict) or not figures:
-                raise SheetError(f"design.board_regulators.{reg}: a table of load, efficiency, loss, over_limit")
+                raise SheetError(f"design.board_regulators.{reg}: a table of load, efficiency, loss, over_limit",
+                                 ("design", "board_regulators", reg))
             if unknown := set(figures) - {"load", "efficiency", "loss", "over_limit"}:
-                raise SheetError(f"design.board_regulators.{reg}: unknown keys {sorted(unknown)}")
+                raise SheetError(f"design.board_regulators.{reg}: unknown keys {sorted(unknown)}",
+                                 ("design", "board_regulators", reg, min(unknown)))
             for key, name in figures.items():
                 cell(name, f"design.board_regulators.{reg}.{key}", ("float",), False)
             decl.board_regulators.append((reg, figures.get("load", ""), figures.get("efficiency", ""),
@@ -288,14 +310,17 @@ def _requires(value) -> list[tuple[str, list[str]]]:
     """design.requires = { FEATURE = "VALUE" or ["VALUE", ...] }: the device catalogue's features a part
     must have for the sheet to apply to it (FEATURE.<part>.<FEATURE> is one of the values)."""
     if not isinstance(value, dict):
-        raise SheetError('design.requires: a table of catalogue feature = "value" or ["value", ...]')
+        raise SheetError('design.requires: a table of catalogue feature = "value" or ["value", ...]',
+                         ("design", "requires"))
     features = []
     for feature, values in value.items():
         values = [values] if isinstance(values, str) else values
         if not RAIL.fullmatch(feature):
-            raise SheetError(f"design.requires: {feature!r} is not an upper-case feature name")
+            raise SheetError(f"design.requires: {feature!r} is not an upper-case feature name",
+                             ("design", "requires", feature))
         if not isinstance(values, list) or not values or not all(isinstance(v, str) and v for v in values):
-            raise SheetError(f"design.requires.{feature}: a value or a non-empty list of values")
+            raise SheetError(f"design.requires.{feature}: a value or a non-empty list of values",
+                             ("design", "requires", feature))
         features.append((feature, values))
     return features
 

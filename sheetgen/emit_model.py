@@ -3,7 +3,7 @@ registration that makes the sheet reachable by name. Formulas stay hand-written.
 
 import design_decl
 from emit_params import HEADER_NOTE
-from sheet import CPP_TYPE, NOT_SET, TYPES, Cell, Family, Sheet, SheetError, camel, cpp_literal
+from sheet import CPP_TYPE, NOT_SET, TYPES, Cell, Family, Sheet, camel, cpp_literal
 
 SIG = "(Params& params, Data const& data) const"
 CELL_TYPE = {"int": "prsm::CellType::Int", "float": "prsm::CellType::Float", "string": "prsm::CellType::String"}
@@ -26,13 +26,8 @@ class Plan:
                 target = cell.name[len(prefix):]
                 if cell.name.startswith(prefix) and target in self.validated and self.validated[target].range:
                     self.bounds[cell.name] = (self.validated[target], fn)
-            if cell.name.startswith("IS_VALID_"):
-                target = cell.name[len("IS_VALID_"):]
-                if target not in self.validated:
-                    raise SheetError(f"{cell.name}: declare a rule for input {target}")
-                if cell.type != "int":
-                    raise SheetError(f"{cell.name} must be an int cell")
-                self.validity[cell.name] = self.validated[target]
+            if cell.name.startswith("IS_VALID_"):  # an int flag of a validated input: the table is checked
+                self.validity[cell.name] = self.validated[cell.name[len("IS_VALID_"):]]
 
     def kind(self, cell: Cell) -> str:
         if cell.is_input:
@@ -191,8 +186,6 @@ def _input(cls: str, sheet: Sheet, cell: Cell) -> str:
             shared = sheet.formulas.get(cell.name)
             expr = shared.call() if shared else f"default{cell.camel}(params, data)"
         return _memo(cls, cell, expr)
-    if inp.default is None:
-        raise SheetError(f"input {cell.name} has no default")
     return _memo(cls, cell, cpp_literal(inp.default, cell.type), uses_data=False)
 
 

@@ -34,7 +34,10 @@ def main() -> int:
     args = parser.parse_args()
     try:
         sheet = load(args.table, args.source_root)
-    except (SheetError, KeyError, tomllib.TOMLDecodeError) as error:
+    except SheetError as error:  # names the table's file and line
+        print(error, file=sys.stderr)
+        return 1
+    except tomllib.TOMLDecodeError as error:
         print(f"{args.table}: {error}", file=sys.stderr)
         return 1
     args.out.mkdir(parents=True, exist_ok=True)
@@ -44,12 +47,8 @@ def main() -> int:
     }
     if sheet.has_model:
         files |= {"Model.h": emit_model.header, "Model.cpp": emit_model.source}
-    try:
-        for suffix, emit in files.items():
-            write_if_changed(args.out / f"{sheet.prefix}{suffix}", emit(sheet))
-    except SheetError as error:
-        print(f"{args.table}: {error}", file=sys.stderr)
-        return 1
+    for suffix, emit in files.items():  # a checked table always emits
+        write_if_changed(args.out / f"{sheet.prefix}{suffix}", emit(sheet))
     return 0
 
 

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import itertools
 import re
 import tomllib
 from dataclasses import dataclass, field
@@ -10,6 +9,11 @@ from pathlib import Path
 
 import cell_patterns
 import descriptions
+import design_decl
+import range_warnings
+from braces import expand
+from number_checks import check_message_fields, is_flag, resolve_number_cells
+from sheet_error import SheetError
 
 TYPES = ("int", "float", "string")
 CATEGORIES = ("inputs", "outputs", "intermediates")
@@ -20,42 +24,10 @@ TABLE_TYPES = {"float": "float", "int": "int", "bool": "bool", "string": "std::s
                "list": "std::vector<std::string>"}
 
 
-class SheetError(Exception):
-    pass
-
-
 def camel(name: str) -> str:
     """CLOCK_FREQ -> ClockFreq, A1_SIG_RATE -> A1SigRate; a family pattern drops its placeholder."""
     parts = [p for p in name.replace("{}", "").split("_") if p]
     return "".join(p[0].upper() + p[1:].lower() for p in parts)
-
-
-# The member lists of the sheet being read: every expansion during its load knows them.
-_current_lists: dict[str, list[str]] = {}
-
-
-def expand(pattern: str, lists: dict[str, list[str]] | None = None) -> list[str]:
-    """Expands braces like a shell: A{1..3}_X -> A1_X A2_X A3_X; COUT{B,D}_F -> COUTB_F COUTD_F.
-    A brace holding the name of a member list of the sheet's [lists] section stands for its members:
-    {RAILS}_STATIC_CURRENT -> VCCINT_STATIC_CURRENT, VCCAUX_STATIC_CURRENT, ... The empty braces "{}"
-    of a family pattern stay as they are."""
-    if lists is None:
-        lists = _current_lists
-    pieces = re.split(r"(\{[^{}]+\})", pattern)
-    choices = []
-    for piece in pieces:
-        if len(piece) > 2 and piece.startswith("{") and piece.endswith("}"):
-            body = piece[1:-1]
-            if m := re.fullmatch(r"(-?\d+)\.\.(-?\d+)", body):
-                lo, hi = int(m[1]), int(m[2])
-                choices.append([str(i) for i in range(lo, hi + 1)])
-            elif lists and body in lists:
-                choices.append(lists[body])
-            else:
-                choices.append(body.split(","))
-        else:
-            choices.append([piece])
-    return ["".join(c) for c in itertools.product(*choices)]
 
 
 def _lists(doc: dict) -> dict[str, list[str]]:
@@ -63,20 +35,23 @@ def _lists(doc: dict) -> dict[str, list[str]]:
     lists: dict[str, list[str]] = {}
     for name, patterns in doc.get("lists", {}).items():
         if not re.fullmatch(r"[A-Z][A-Z0-9_]*", name):
-            raise SheetError(f"lists: {name!r} is not an UPPER_SNAKE_CASE name")
+            raise SheetError(f"lists: {name!r} is not an UPPER_SNAKE_CASE name", ("lists", name))
         if isinstance(patterns, dict):  # { from = "{RAILS}", without = ["VCCME"] }: a list less some members
             if set(patterns) - {"from", "without"}:
-                raise SheetError(f"lists.{name}: a derived list has only `from` and `without`")
+                raise SheetError(f"lists.{name}: a derived list has only `from` and `without`", ("lists", name))
+            if "from" not in patterns:
+                raise SheetError(f"lists.{name}: a derived list names the list it is `from`", ("lists", name))
             source = expand(patterns["from"], lists)
             dropped = {m for p in patterns.get("without", []) for m in expand(p, lists)}
             if dropped - set(source):
-                raise SheetError(f"lists.{name}: {sorted(dropped - set(source))} are not members of {patterns['from']}")
+                raise SheetError(f"lists.{name}: {sorted(dropped - set(source))} are not members of {patterns['from']}",
+                                 ("lists", name, "without"))
             patterns = [m for m in source if m not in dropped]
         if isinstance(patterns, str):
             patterns = [patterns]
         members = [m for p in patterns for m in expand(str(p), lists)]
         if len(set(members)) != len(members):
-            raise SheetError(f"lists.{name}: a member is listed twice")
+            raise SheetError(f"lists.{name}: a member is listed twice", ("lists", name))
         lists[name] = members
     return lists
 
@@ -159,10 +134,10 @@ class Delegate:
         return f"{self.function}(*this, params, data{''.join(', ' + e for e in extra)})"
 
 
-def _delegate(text: str) -> Delegate:
+def _delegate(text: str, at: tuple) -> Delegate:
     m = re.fullmatch(r"\s*([A-Za-z_][\w:]*)\s*(?:\((.*)\))?\s*", text)
     if m is None:
-        raise SheetError(f"formulas: {text!r} is not a function name with optional (arguments)")
+        raise SheetError(f"formulas: {text!r} is not a function name with optional (arguments)", at)
     return Delegate(m[1], (m[2] or "").strip())
 
 
@@ -221,6 +196,7 @@ class Sheet:
     methods: list[str] = field(default_factory=list)  # "type name": hand-written public members
     design: object = None  # design_decl.DesignDecl: rails, region and static-sheet declarations
     derived: list[str] = field(default_factory=list)  # shared values computed once per evaluation
+    lists: dict[str, list[str]] = field(default_factory=dict)  # the [lists] section: name -> members
 
     @property
     def prefix(self) -> str:
@@ -242,22 +218,23 @@ def _cells(doc: dict, lists: dict[str, list[str]]) -> tuple[dict, dict]:
         section = doc.get("cells", {}).get(t, {})
         unknown = set(section) - set(CATEGORIES)
         if unknown:
-            raise SheetError(f"cells.{t}: unknown categories {sorted(unknown)}")
+            raise SheetError(f"cells.{t}: unknown categories {sorted(unknown)}", ("cells", t, min(unknown)))
         cells[t] = []
         # Enumerators: FirstUI<T>, inputs, LastUI<T>, FirstMO<T>, ..., LastIC<T>, Last<T>.
         index = 0
         for cat in CATEGORIES:
             index += 1  # the First marker
             members = []
-            names = [n for pattern in section.get(cat, []) for n in expand(pattern, lists)]
+            # each name with the index of the pattern that declares it, for errors
+            names = [(n, i) for i, pattern in enumerate(section.get(cat, [])) for n in expand(pattern, lists)]
             if cat == "inputs":  # user inputs are enumerated in alphabetical order
                 names.sort()
-            for name in names:
+            for name, declared in names:
                 # Upper case, except for unit suffixes such as the capacitor values of 0p1uF.
                 if not re.fullmatch(r"[A-Z][A-Za-z0-9_]*", name):
-                    raise SheetError(f"cell name {name!r} is not UPPER_SNAKE_CASE")
+                    raise SheetError(f"cell name {name!r} is not UPPER_SNAKE_CASE", ("cells", t, cat, declared))
                 if name in by_name:
-                    raise SheetError(f"cell {name} declared twice")
+                    raise SheetError(f"cell {name} declared twice", ("cells", t, cat, declared))
                 cell = Cell(name, t, cat, index)
                 by_name[name] = cell
                 members.append(cell)
@@ -267,25 +244,22 @@ def _cells(doc: dict, lists: dict[str, list[str]]) -> tuple[dict, dict]:
     return cells, by_name
 
 
-def _is_flag(name: str) -> bool:
-    return name.startswith("IS_VALID_")
-
-
-def _units(doc: dict, by_name: dict[str, Cell]) -> None:
+def _units(doc: dict, by_name: dict[str, Cell], lists: dict[str, list[str]]) -> None:
     """Gives every cell its unit (cell_patterns.place); a cell that nothing names keeps "". Patterns
     pass over the validity flags (IS_VALID_*), which have no unit."""
     section = doc.get("units", {})
     if not isinstance(section, dict):
-        raise SheetError("units: expected a table of unit = [cell name patterns]")
+        raise SheetError("units: expected a table of unit = [cell name patterns]", ("units",))
     entries = []
     for unit, patterns in section.items():
         if not isinstance(patterns, list) or not all(isinstance(p, str) for p in patterns):
-            raise SheetError(f"units.{unit}: expected a list of cell name patterns (strings)")
+            raise SheetError(f"units.{unit}: expected a list of cell name patterns (strings)", ("units", unit))
         entries += [(pattern, unit) for pattern in patterns]
     try:
-        placed = cell_patterns.place(entries, by_name, lambda _, name: not _is_flag(name), expand)
+        placed = cell_patterns.place(entries, by_name, lambda _, name: not is_flag(name),
+                                     lambda pattern: expand(pattern, lists))
     except cell_patterns.PatternError as error:
-        raise SheetError(f"units: {error}") from None
+        raise SheetError(f"units: {error}", ("units", error.entry[1])) from None
     for name, unit in placed.items():
         by_name[name].unit = unit.value
 
@@ -294,29 +268,7 @@ WARNING_KINDS = ("below_zero", "above_zero", "no_value")
 _WARNING_FIELDS = ("cell", "*", "value", "unit")
 
 
-def resolve_number_cells(where: str, entries: dict, by_name: dict) -> dict[str, cell_patterns.Placed]:
-    """Places `entries` (cell name pattern -> what is declared for it) on the number cells of the sheet
-    (cell_patterns.place): patterns pass over string cells and the validity flags, and a string cell named
-    exactly is an error."""
-    def is_number(name: str) -> bool:
-        return by_name[name].type != "string"
-
-    try:
-        return cell_patterns.place(entries.items(), by_name, lambda _, name: is_number(name) and not _is_flag(name),
-                                   expand, refuses=lambda name: "" if is_number(name) else "is a string cell",
-                                   reachable="number cell", values="entries")
-    except cell_patterns.PatternError as error:
-        raise SheetError(f"{where}: {error}") from None
-
-
-def check_message_fields(where: str, message: str, fields: tuple[str, ...]) -> None:
-    for used in re.findall(r"\{([^{}]*)\}", message):
-        if used not in fields:
-            raise SheetError(f"{where}: unknown field {{{used}}} in the message "
-                             f"(use {', '.join('{' + f + '}' for f in fields)})")
-
-
-def _warnings(doc: dict, by_name: dict[str, Cell]) -> None:
+def _warnings(doc: dict, by_name: dict[str, Cell], lists: dict[str, list[str]]) -> None:
     """The [warnings] section: below_zero / above_zero / no_value = { cell name pattern = message }. A
     host gives the message when a number cell's calculated value is below 0, above 0, or the reserved
     "no value" (a result that did not fit its cell). The message may hold {cell} (the cell's name) and
@@ -324,31 +276,34 @@ def _warnings(doc: dict, by_name: dict[str, Cell]) -> None:
     {value} and {unit}, which the host fills in. The `outside` check is read by range_warnings."""
     section = doc.get("warnings", {})
     if not isinstance(section, dict):
-        raise SheetError("warnings: expected a table of checks")
+        raise SheetError("warnings: expected a table of checks", ("warnings",))
     known = WARNING_KINDS + ("outside",)
     unknown = set(section) - set(known)
     if unknown:
-        raise SheetError(f"warnings: unknown checks {sorted(unknown)} ({', '.join(known)})")
+        raise SheetError(f"warnings: unknown checks {sorted(unknown)} ({', '.join(known)})",
+                         ("warnings", min(unknown)))
     for kind in WARNING_KINDS:
         entries = section.get(kind, {})
         if not isinstance(entries, dict) or not all(isinstance(m, str) for m in entries.values()):
-            raise SheetError(f"warnings.{kind}: expected a table of cell name pattern = message")
+            raise SheetError(f"warnings.{kind}: expected a table of cell name pattern = message", ("warnings", kind))
         for pattern, message in entries.items():
-            check_message_fields(f"warnings.{kind}.{pattern}", message, _WARNING_FIELDS)
-        for name, placed in resolve_number_cells(f"warnings.{kind}", entries, by_name).items():
+            check_message_fields(("warnings", kind, pattern), message, _WARNING_FIELDS)
+        for name, placed in resolve_number_cells(("warnings", kind), entries, by_name, lists).items():
             by_name[name].warnings[kind] = placed.value.replace("{cell}", name).replace("{*}", placed.starred)
-    import range_warnings  # the `outside` check: bounds that are numbers or cells
-    range_warnings.read(section.get("outside", {}), by_name)
+    range_warnings.read(section.get("outside", {}), by_name, lists)
 
 
-def _tables(doc: dict) -> tuple[list[Table], list[tuple[str, Table]]]:
+def _tables(doc: dict, lists: dict[str, list[str]]) -> tuple[list[Table], list[tuple[str, Table]]]:
     maps: dict[str, Table] = {}
     order = []
-    for entry in doc.get("tables", []):
+    fixed_at: dict[str, tuple] = {}  # map -> the entry that gave it constant keys, for errors
+    for index, entry in enumerate(doc.get("tables", [])):
+        if "setting" not in entry:
+            raise SheetError("tables: each table names its setting", ("tables", index))
         setting = entry["setting"]
         type_ = entry.get("type", "float")
         if type_ not in TABLE_TYPES:
-            raise SheetError(f"table {setting}: unknown type {type_}")
+            raise SheetError(f"table {setting}: unknown type {type_}", ("tables", index, "type"))
         map_name = entry.get("map", camel(setting))
         table = maps.get(map_name)
         if table is None:
@@ -357,12 +312,14 @@ def _tables(doc: dict) -> tuple[list[Table], list[tuple[str, Table]]]:
                           entry.get("getter", "get" + map_name), keys)
             maps[map_name] = table
         elif table.type != type_:
-            raise SheetError(f"table {setting}: map {map_name} already holds {table.type}")
+            raise SheetError(f"table {setting}: map {map_name} already holds {table.type}", ("tables", index, "type"))
         table.settings.append(setting)
-        table.fixed += [k for p in entry.get("fixed", []) for k in expand(p) if k not in table.fixed]
+        table.fixed += [k for p in entry.get("fixed", []) for k in expand(p, lists) if k not in table.fixed]
+        if "fixed" in entry:
+            fixed_at.setdefault(map_name, ("tables", index, "fixed"))
         order.append((setting, table))
     for table in maps.values():
-        _check_fixed(table)
+        _check_fixed(table, fixed_at.get(table.map, ("tables",)))
     return list(maps.values()), order
 
 
@@ -372,37 +329,44 @@ def fixed_enumerator(key: str) -> str:
     return "N" + name if name[:1].isdigit() else name
 
 
-def _check_fixed(table: Table) -> None:
+def _check_fixed(table: Table, at: tuple) -> None:
     if table.fixed and table.type == "list":
-        raise SheetError(f"table {table.map}: constant keys are for scalar tables")
+        raise SheetError(f"table {table.map}: constant keys are for scalar tables", at)
     names = {}
     for key in table.fixed:
         if key.count(".") != len(table.keys) - 1 or "" in key.split("."):
-            raise SheetError(f"table {table.map}: constant key {key!r} must have {len(table.keys)} parts")
+            raise SheetError(f"table {table.map}: constant key {key!r} must have {len(table.keys)} parts", at)
         name = fixed_enumerator(key)
         if name in names:
-            raise SheetError(f"table {table.map}: constant keys {names[name]!r} and {key!r} share a name")
+            raise SheetError(f"table {table.map}: constant keys {names[name]!r} and {key!r} share a name", at)
         names[name] = key
 
 
 def load(path: Path, source_root: Path) -> Sheet:
-    with open(path, "rb") as f:
-        doc = tomllib.load(f)
+    """Reads a table and checks it; a refusal names the table's file and the line at fault."""
+    text = path.read_bytes().decode()
+    doc = tomllib.loads(text)
+    try:
+        return _checked(doc, path, source_root)
+    except SheetError as error:
+        error.located(path, text)
+        raise
+
+
+def _checked(doc: dict, path: Path, source_root: Path) -> Sheet:
     meta = doc.get("sheet", {})
     lists = _lists(doc)
-    _current_lists.clear()
-    _current_lists.update(lists)
     cells, by_name = _cells(doc, lists)
-    _units(doc, by_name)
-    _warnings(doc, by_name)
-    try:
-        descriptions.place(doc, by_name, expand)
-    except cell_patterns.PatternError as error:
-        raise SheetError(str(error)) from None
-    tables, load_order = _tables(doc)
+    _units(doc, by_name, lists)
+    _warnings(doc, by_name, lists)
+    descriptions.place(doc, by_name, lambda pattern: expand(pattern, lists))
+    tables, load_order = _tables(doc, lists)
 
     families = []
-    for fam in doc.get("families", []):
+    for index, fam in enumerate(doc.get("families", [])):
+        at = ("families", index)
+        if "name" not in fam or "members" not in fam:
+            raise SheetError("families: a family has a name and members", at)
         members = fam["members"]
         members = [members] if isinstance(members, str) else members
         family = Family(fam["name"], [m for p in members for m in expand(str(p), lists)],
@@ -411,7 +375,8 @@ def load(path: Path, source_root: Path) -> Sheet:
         family.patterns += optional
         for pattern in family.patterns:
             if "{}" not in pattern:
-                raise SheetError(f"family {family.name}: pattern {pattern} has no {{}}")
+                raise SheetError(f"family {family.name}: pattern {pattern} has no {{}}",
+                                 at + ("optional" if pattern in optional else "cells",))
             kinds = set()
             family.present[pattern] = []
             for member in family.members:
@@ -420,15 +385,16 @@ def load(path: Path, source_root: Path) -> Sheet:
                 if cell is None and pattern in optional:
                     continue
                 if cell is None:
-                    raise SheetError(f"family {family.name}: no cell {name}")
+                    raise SheetError(f"family {family.name}: no cell {name}", at + ("cells",))
                 if cell.family is not None:
-                    raise SheetError(f"cell {name} belongs to two families")
+                    raise SheetError(f"cell {name} belongs to two families", at + ("cells",))
                 cell.family, cell.pattern, cell.member = family, pattern, member
                 family.present[pattern].append(member)
                 # A pattern's cells may be outputs for some members and intermediates for others.
                 kinds.add((cell.type, cell.is_input))
             if len(kinds) != 1:
-                raise SheetError(f"family {family.name}: cells of {pattern} differ in type or category")
+                raise SheetError(f"family {family.name}: cells of {pattern} differ in type or category",
+                                 at + ("cells",))
         families.append(family)
 
     inputs = {}
@@ -440,39 +406,42 @@ def load(path: Path, source_root: Path) -> Sheet:
             if "{}" in pattern else expand(pattern, lists)
         for name in names:
             if name not in inputs:
-                raise SheetError(f"inputs.{pattern}: {name} is not an input cell")
-            _read_input(inputs[name], entry, tables)
+                raise SheetError(f"inputs.{pattern}: {name} is not an input cell", ("inputs", pattern))
+            _read_input(inputs[name], entry, tables, ("inputs", pattern))
             inputs[name].family_default = "{}" in pattern
+    _check_inputs(by_name, inputs)
 
     constants = {}
     for pattern, value in doc.get("constants", {}).items():
         for name in expand(pattern, lists):
             cell = by_name.get(name)
             if cell is None or cell.is_input:
-                raise SheetError(f"constants: {name} is not a computed cell")
+                raise SheetError(f"constants: {name} is not a computed cell", ("constants", pattern))
+            _literal(value, cell.type, f"constants.{name}", ("constants", pattern))
             constants[name] = value
 
     formulas = {}
     for pattern, text in doc.get("formulas", {}).items():
         if "{}" in pattern:
             if not any(pattern in f.patterns for f in families):
-                raise SheetError(f"formulas: {pattern} is not a family's pattern")
-            formulas[pattern] = _delegate(text)
+                raise SheetError(f"formulas: {pattern} is not a family's pattern", ("formulas", pattern))
+            formulas[pattern] = _delegate(text, ("formulas", pattern))
             continue
         for name in expand(pattern, lists):
             cell = by_name.get(name)
             if cell is None or (cell.is_input and inputs[name].computed_default is None):
-                raise SheetError(f"formulas: {name} is neither a computed cell nor an input with a computed default")
-            formulas[name] = _delegate(text)
+                raise SheetError(f"formulas: {name} is neither a computed cell nor an input with a computed default",
+                                 ("formulas", pattern))
+            formulas[name] = _delegate(text, ("formulas", pattern))
     if formulas and not meta.get("formula_header"):
-        raise SheetError("sheet.formula_header names the header of the shared formulas")
+        raise SheetError("sheet.formula_header names the header of the shared formulas", ("sheet", "formula_header"))
 
     calculate = [n for p in meta.get("calculate", []) for n in expand(p, lists)]
     for name in calculate:
         if name not in by_name or by_name[name].is_input:
-            raise SheetError(f"calculate: {name} is not a computed cell")
+            raise SheetError(f"calculate: {name} is not a computed cell", ("sheet", "calculate"))
     if len(set(calculate)) != len(calculate):
-        raise SheetError("calculate: a cell is named twice")
+        raise SheetError("calculate: a cell is named twice", ("sheet", "calculate"))
     if meta.get("calculate_all_outputs", False):  # the outputs the order leaves out, in enumeration order
         named = set(calculate)
         calculate += [c.name for t in TYPES for c in cells[t][1] if c.name not in named]
@@ -480,38 +449,46 @@ def load(path: Path, source_root: Path) -> Sheet:
     derived = list(doc.get("derived", {}))
     for name in derived:
         if not re.fullmatch(r"[A-Z][A-Z0-9_]*", name) or name in by_name:
-            raise SheetError(f"derived: {name} must be an UPPER_SNAKE_CASE name that no cell has")
+            raise SheetError(f"derived: {name} must be an UPPER_SNAKE_CASE name that no cell has", ("derived", name))
 
     has_model = meta.get("model", True)
     if tables and not meta.get("data_file"):
-        raise SheetError("sheet.data_file is required when the sheet has tables")
+        raise SheetError("sheet.data_file is required when the sheet has tables", ("sheet", "data_file"))
     methods = meta.get("methods", [])
     for method in methods:
         if not re.fullmatch(r"(int|float|std::string|bool) [a-z]\w*", method):
-            raise SheetError(f"sheet.methods: {method!r} is not 'type name'")
+            raise SheetError(f"sheet.methods: {method!r} is not 'type name'", ("sheet", "methods"))
     subdir = path.parent.resolve().relative_to(source_root.resolve()).as_posix()
     sheet = Sheet(path.stem, subdir, meta.get("description", ""), meta.get("data_file"), has_model,
                   cells, by_name, inputs, constants, families, tables, load_order, calculate, formulas,
-                  meta.get("formula_header"), methods, derived=derived)
-    import design_decl  # the whole-design declarations check against the cells above
+                  meta.get("formula_header"), methods, derived=derived, lists=lists)
     sheet.design = design_decl.load(doc, sheet)
     return sheet
 
 
-def _read_input(inp: Input, entry: dict, tables: list[Table]) -> None:
+def _read_input(inp: Input, entry: dict, tables: list[Table], at: tuple) -> None:
+    """One input's entry of [inputs]; `at` is its key path, for errors."""
     known = {"default", "computed_default", "above", "range", "list", "list_map", "rule", "check"}
+    where = f"input {inp.cell.name}"
     if unknown := set(entry) - known:
-        raise SheetError(f"input {inp.cell.name}: unknown keys {sorted(unknown)}")
+        raise SheetError(f"{where}: unknown keys {sorted(unknown)}", at + (min(unknown),))
     if "default" in entry:
         inp.default = entry["default"]
-        cpp_literal(inp.default, inp.cell.type)
+        _literal(inp.default, inp.cell.type, f"{where}: default", at + ("default",))
     inp.computed_default = entry.get("computed_default")
     inp.above = entry.get("above")
+    if inp.above is not None:
+        _literal(inp.above, inp.cell.type, f"{where}: above", at + ("above",))
     inp.range = entry.get("range")
+    if inp.range is not None:
+        if not isinstance(inp.range, list) or len(inp.range) != 2:
+            raise SheetError(f"{where}: range is [low, high]", at + ("range",))
+        for bound in inp.range:
+            _literal(bound, inp.cell.type, f"{where}: range", at + ("range",))
     inp.rule = entry.get("rule")
     inp.check = bool(entry.get("check", True))
     if not inp.check and ("list" not in entry or inp.rule or inp.range or inp.above is not None):
-        raise SheetError(f"input {inp.cell.name}: check = false is for a list without other rules")
+        raise SheetError(f"{where}: check = false is for a list without other rules", at + ("check",))
     if "list" in entry:
         inp.list_name = entry["list"]
         if inp.list_name != "computed":
@@ -519,5 +496,28 @@ def _read_input(inp: Input, entry: dict, tables: list[Table]) -> None:
             wanted = entry.get("list_map")
             candidates = [t for t in lists if wanted in (None, t.map)]
             if len(candidates) != 1:
-                raise SheetError(f"input {inp.cell.name}: name the list table with list_map")
+                raise SheetError(f"{where}: name the list table with list_map", at + ("list_map",))
             inp.list_table = candidates[0]
+
+
+def _literal(value, type_: str, where: str, at: tuple) -> None:
+    """Checks that a value of the table can be written as a C++ literal of its cell's type."""
+    try:
+        cpp_literal(value, type_)
+    except SheetError as error:
+        raise SheetError(f"{where}: {error}", at) from None
+
+
+def _check_inputs(by_name: dict[str, Cell], inputs: dict[str, Input]) -> None:
+    """Every input has a default, and each validity flag IS_VALID_<NAME> is an int cell that stores the
+    rule of input NAME."""
+    for cell in by_name.values():
+        at = ("cells", cell.type, cell.category)
+        if cell.is_input and inputs[cell.name].default is None and inputs[cell.name].computed_default is None:
+            raise SheetError(f"input {cell.name} has no default", at)
+        if not cell.is_input and cell.name.startswith("IS_VALID_"):
+            target = inputs.get(cell.name[len("IS_VALID_"):])
+            if target is None or not target.validated:
+                raise SheetError(f"{cell.name}: declare a rule for input {cell.name[len('IS_VALID_'):]}", at)
+            if cell.type != "int":
+                raise SheetError(f"{cell.name} must be an int cell", at)

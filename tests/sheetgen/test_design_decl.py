@@ -9,7 +9,7 @@ ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "sheetgen"))
 
 import design_decl  # noqa: E402
-from sheet import SheetError, load  # noqa: E402
+from sheet import load  # noqa: E402
 
 BASE = """
 [sheet]
@@ -78,43 +78,6 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
         self.assertTrue(design_decl.initializer(d).endswith(
             '{{"luts", "POWER", "LUTS", "DEVICE", {"LUT*", "SRL"}}, {"dsps", "AUX_CURRENT", "DSPS", "", {}}}, '
             '{{"FED", {"bram_active", "bram_sleep"}, "", false}, {"VCCINT", {"luts"}, "LUTS", true}}, ""}'))
-
-    def test_refuses_each_kind_of_mistake(self):
-        cases = {
-            '[rails]\npower = { NOPE = "VCCINT" }\n': "no cell NOPE",
-            '[rails]\npower = { VCCINT = "VCCINT" }\n': "is not a float computed cell",
-            '[rails]\nvoltage = { POWER = "VCCINT" }\n': "is not a float input",
-            '[rails]\npower = { POWER = "vccint" }\n': "not an upper-case rail name",
-            '[rails]\nwatts = { POWER = "VCCINT" }\n': "rails: unknown keys",
-            '[design]\nregion = "fabric"\n': "unknown region 'fabric'",
-            '[design]\ndevice = { DEVICE = "family" }\n': "unknown field 'family'",
-            '[design]\ndevice = { VCCINT = "part" }\n': "is not a string input",
-            '[design]\nfeeds = { FED = "region:noc" }\n': "names its junction-temperature input",
-            '[design]\ntemperature = "TJ"\nfeeds = { FED = "colour:red" }\n': "is not rail:, region: or tag:",
-            '[design]\ntemperature = "TJ"\nfeeds = { FED = "region:moon" }\n': "unknown region 'moon'",
-            '[design]\ntemperature = "TJ"\nstatic_current = "STATIC_CURRENT"\n': "one {} for the rail",
-            '[design]\nboard_total = "POWER"\n': "design.board_currents",
-            '[design]\nboard_currents = { POWER = "VCCINT" }\n': "is not a float input",
-            '[design]\nboard_currents = { FED = "VCCINT" }\nboard_regulators = { R = { load = "TJ" } }\n':
-                "is not a float computed cell",
-            '[design]\nboard_currents = { FED = "VCCINT" }\nboard_regulators = { R = { volts = "POWER" } }\n':
-                "unknown keys ['volts']",
-            '[design]\ntemperature = "TJ"\nboard_currents = { FED = "VCCINT" }\n': "not both",
-            '[design]\ntag = "IP"\nregion = "gt"\n': "is not a lower-case word",
-            '[design]\ntag = "ip"\n': "declare the region too",
-            '[design.counts]\nlookup_tables = "POWER"\n': "unknown count 'lookup_tables'",
-            '[design.counts]\nluts = "DEVICE"\n': "DEVICE is not a int/float cell",
-            '[design.counts]\nluts = { cell = "POWER", when = { TJ = "LUT*" } }\n': "TJ is not a string input",
-            '[design.counts]\nluts = { cell = "POWER", when = { DEVICE = "L*T" } }\n': "a '*' only at the end",
-            '[design]\ncount_feeds = { FED = "luts" }\n': "names its junction-temperature input",
-            '[design]\ntemperature = "TJ"\ncount_feeds = { FED = "luts + flip_flops %" }\n': "one device resource",
-            '[design]\ntemperature = "TJ"\ncount_feeds = { POWER = "luts" }\n': "is not a int/float input",
-        }
-        for extra, message in cases.items():
-            with self.subTest(extra=extra):
-                with self.assertRaises(SheetError) as caught:
-                    sheet_with(extra)
-                self.assertIn(message, str(caught.exception))
 
 
 if __name__ == "__main__":
