@@ -969,8 +969,8 @@ void Estimator::setInput(std::string const& block, std::string const& cell, std:
     CellInfo const* info = target->sheet->findCell(cell);
     if (info == nullptr || info->category != CellCategory::UserInput)
         throw DesignError("block \"" + block + "\": " + cell + " is not an input of " + target->given->model);
-    if (std::string const owner = designOwned(target->sheet->design(), cell); !owner.empty())
-        throw DesignError("block \"" + block + "\": cell " + cell + " is " + owner);
+    if (DesignOwned const owned = designOwned(target->sheet->design(), cell))
+        throw DesignError("block \"" + block + "\": cell " + cell + " is " + describe(owned));
     if (Input const* reference = target->given->reference(cell))
         throw DesignError("block \"" + block + "\": cell " + cell + " takes its value from block \"" +
                           reference->from + "\"");
