@@ -4,6 +4,7 @@
 #include <prsm/design/Grades.h>
 #include <prsm/design/Rails.h>
 #include <prsm/design/References.h>
+#include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
 #include <algorithm>
@@ -17,7 +18,6 @@ namespace prsm::design {
 namespace {
 
 constexpr std::size_t kNone = kNoIndex;
-constexpr double kFloatNotSet = 3.4028234663852886e38;
 
 std::size_t cellIndex(Sheet const& sheet, std::string const& name) {
     std::vector<CellInfo> const& cells = sheet.cells();
@@ -98,9 +98,10 @@ struct Estimator::State : EstimateState {
     bool selects(std::vector<Term> const& terms, Aggregate const& c) const {
         static std::string const none;
         for (Term const& term : terms) {
-            std::string const& value = term.key == Term::Rail     ? rails[c.rail]
-                                       : term.key == Term::Region ? (c.region == kNone ? none : regionNames()[c.region])
-                                                                  : tags[c.tag];
+            std::string const& value = term.key == Term::Rail ? rails[c.rail]
+                                       : term.key == Term::Region
+                                           ? (c.region == kNone ? none : regionNames()[c.region])
+                                           : tags[c.tag];
             bool const found = std::find(term.names.begin(), term.names.end(), value) != term.names.end();
             if (found == term.negate) return false;
         }
@@ -134,7 +135,8 @@ struct Estimator::State : EstimateState {
 
 Sheet const& Estimator::State::sheetOf(Block const& given, std::string const& pointer) const {
     Sheet const* sheet = SheetRegistry::instance().find(given.model);
-    if (sheet == nullptr) throw DesignError(design.source + ": " + pointer + ": unknown model " + given.model);
+    if (sheet == nullptr)
+        throw DesignError(design.source + ": " + pointer + ": unknown model " + given.model);
     return *sheet;
 }
 
@@ -179,7 +181,8 @@ void Estimator::State::setup() {
         voltage.resize(rail(name) + 1), voltage[rail(name)] = value;
     runners.reserve(design.blocks.size() + 2);
     blocks.reserve(design.blocks.size());
-    for (Block const& entry : design.blocks) addRunner(entry, sheetOf(entry, entry.pointer), entry.name, true);
+    for (Block const& entry : design.blocks)
+        addRunner(entry, sheetOf(entry, entry.pointer), entry.name, true);
     for (Load const& load : design.loads) {
         loadRail.push_back(rail(load.rail));
         loadRegion.push_back(regionIndex(load.region));
@@ -212,7 +215,8 @@ void Estimator::State::setupStatic() {
     if (!declared.staticTotal.empty()) statics.totalCell = cellIndex(sheet, declared.staticTotal);
     for (auto const& [region, cell] : declared.staticRegions)
         statics.regionCell.emplace_back(regionIndex(region), cellIndex(sheet, cell));
-    for (auto const& [cell, selector] : declared.feeds) statics.feeds.push_back({cellIndex(sheet, cell), cell, {}});
+    for (auto const& [cell, selector] : declared.feeds)
+        statics.feeds.push_back({cellIndex(sheet, cell), cell, {}});
     statics.countFeeder.emplace(sheet);
 }
 
@@ -238,7 +242,8 @@ void Estimator::State::setupBoard() {
     if (!declared.boardTotal.empty()) board.totalCell = cellIndex(*sheet, declared.boardTotal);
     auto index = [&](std::string const& name) { return name.empty() ? kNone : cellIndex(*sheet, name); };
     for (BoardRegulator const& r : declared.boardRegulators)
-        board.regulators.push_back({r.name, index(r.load), index(r.efficiency), index(r.loss), index(r.overLimit)});
+        board.regulators.push_back(
+            {r.name, index(r.load), index(r.efficiency), index(r.loss), index(r.overLimit)});
 }
 
 // Every block output, load and feed on the aggregates of rail, region and tag, the static sheet's
@@ -334,11 +339,13 @@ void Estimator::State::settleVoltages() {
                 offInStatic[r] = true;
         }
     for (std::size_t r = 0; r < rails.size(); ++r)
-        if (std::isnan(voltage[r])) adopt(r, catalogue::nominalVoltage(rails[r]), VoltageSource::CatalogueNominal);
+        if (std::isnan(voltage[r]))
+            adopt(r, catalogue::nominalVoltage(rails[r]), VoltageSource::CatalogueNominal);
     for (std::size_t b = 0; b < blocks.size(); ++b)
         for (auto const& [cell, railName] : runners[b].sheet().design().voltageInputs) {
             std::size_t const r = railIndex[railName];
-            if (std::isnan(voltage[r])) adopt(r, sheetDefault(runners[b], cell, r), VoltageSource::BlockDefault);
+            if (std::isnan(voltage[r]))
+                adopt(r, sheetDefault(runners[b], cell, r), VoltageSource::BlockDefault);
         }
     std::string const& corner = *design.device.find("voltage_corner");
     for (std::size_t r = 0; r < rails.size(); ++r) {

@@ -1,5 +1,6 @@
 #include <prsm/design/EstimateState.h>
 #include <prsm/design/Rails.h>
+#include <prsm/framework/PRSMReservedValues.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -9,8 +10,6 @@ namespace prsm::design {
 namespace {
 
 using State = EstimateState;
-
-constexpr double kFloatNotSet = 3.4028234663852886e38;
 
 // A block's line of the report.
 void describeBlock(State const& s, std::size_t b, BlockResult& result) {
@@ -76,16 +75,18 @@ void describeThermal(State const& s, Report& out) {
     if (thermal.runaway) {
         out.complete = false;
         char text[200];
-        std::snprintf(text, sizeof text,
-                      "thermal runaway: no steady junction temperature at ambient %.1f degC and theta_ja %.3g "
-                      "degC/W (%.1f degC after %d iteration%s)",
-                      thermal.ambient, thermal.thetaJa, thermal.junction, thermal.iterations,
-                      thermal.iterations == 1 ? "" : "s");
+        std::snprintf(
+            text, sizeof text,
+            "thermal runaway: no steady junction temperature at ambient %.1f degC and theta_ja %.3g "
+            "degC/W (%.1f degC after %d iteration%s)",
+            thermal.ambient, thermal.thetaJa, thermal.junction, thermal.iterations,
+            thermal.iterations == 1 ? "" : "s");
         out.failures.push_back(text);
     }
     if (!thermal.runaway && thermal.solved && s.maxJunction > 0 && thermal.junction > s.maxJunction) {
         char text[160];
-        std::snprintf(text, sizeof text, "junction temperature %.1f degC exceeds the device's maximum %.0f degC",
+        std::snprintf(text, sizeof text,
+                      "junction temperature %.1f degC exceeds the device's maximum %.0f degC",
                       thermal.junction, s.maxJunction);
         out.warnings.push_back({"", "/thermal", text});
     }
@@ -107,7 +108,8 @@ void describeStatic(State const& s, Report& out) {
     }
     out.warnings.insert(out.warnings.end(), sheet->warnings().begin(), sheet->warnings().end());
     out.staticCounts.clear();
-    if (s.figures.staticOk) s.statics.countFeeder->describe(sheet->instance(), out.staticCounts, out.warnings);
+    if (s.figures.staticOk)
+        s.statics.countFeeder->describe(sheet->instance(), out.staticCounts, out.warnings);
 }
 
 // Every rail that draws or that the design names, with a warning for each beyond the device's limit.

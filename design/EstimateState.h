@@ -78,7 +78,7 @@ struct EstimateState {
         bool staticOk = true;               // the static sheet calculated (or there is none)
         bool blocksOk = true;               // every block calculated
         ThermalResult thermal;
-        std::optional<BoardResult> board;   // when the board was calculated and read
+        std::optional<BoardResult> board;  // when the board was calculated and read
     };
 
     Design design;

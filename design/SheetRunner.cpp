@@ -1,6 +1,7 @@
 #include <prsm/design/DeclaredWarnings.h>
 #include <prsm/design/Grades.h>
 #include <prsm/design/SheetRunner.h>
+#include <prsm/framework/PRSMReservedValues.h>
 
 #include <algorithm>
 #include <cmath>
@@ -8,12 +9,6 @@
 #include <stdexcept>
 
 namespace prsm::design {
-
-namespace {
-
-constexpr double kFloatNotSet = 3.4028234663852886e38;
-
-}  // namespace
 
 SheetRunner::SheetRunner(Block const& given, Sheet const& sheet, Design const& design,
                          std::vector<Warning>& deviceWarnings)
@@ -64,7 +59,8 @@ bool SheetRunner::clearInputs() {
 bool SheetRunner::isGiven(std::string const& cell) const {
     return std::any_of(m_given->inputs.begin(), m_given->inputs.end(),
                        [&](Input const& input) { return input.cell == cell; }) ||
-           std::any_of(m_changes.begin(), m_changes.end(), [&](auto const& change) { return change.first == cell; });
+           std::any_of(m_changes.begin(), m_changes.end(),
+                       [&](auto const& change) { return change.first == cell; });
 }
 
 void SheetRunner::restore(std::vector<double> const& voltage) {
@@ -113,7 +109,8 @@ void SheetRunner::checkValidity(std::vector<double> const& power) {
             std::string const rule =
                 cell.hasValidValues ? describeChoices(m_instance->validValues(cell.name)) : cell.rule;
             if (!rule.empty()) message += " (" + rule + ")";
-            if (cell.hasValidValues && drawsNothing) message += "; the block gives 0 W and contributes nothing";
+            if (cell.hasValidValues && drawsNothing)
+                message += "; the block gives 0 W and contributes nothing";
             m_warnings.push_back({name, cell.name, message});
         }
         for (auto& [cell, message] : declaredWarnings(*m_sheet, *m_instance))

@@ -277,9 +277,10 @@ std::string DesignTarget::notAVariable(std::string const& variable) const {
             if (info != nullptr) {
                 design::DesignOwned const owned = design::designOwned(sheet->design(), cell);
                 // A rail's voltage is a variable of its own: name it as one.
-                std::string const what = owned.kind == design::DesignOwned::RailVoltage
-                                             ? "the voltage of rail " + owned.subject + ": sweep rail." + owned.subject
-                                             : design::describe(owned);
+                std::string const what =
+                    owned.kind == design::DesignOwned::RailVoltage
+                        ? "the voltage of rail " + owned.subject + ": sweep rail." + owned.subject
+                        : design::describe(owned);
                 return "block \"" + block + "\": cell " + cell + " is " + what;
             }
             std::vector<std::string> names;
