@@ -162,10 +162,13 @@ void describeRegions(State const& s, Report& out) {
 // The module board when it was calculated: its figures, a warning for each regulator beyond its rating
 // (unless the sheet declares its own message for the cell) and its own warnings; else why it failed.
 void describeBoard(State const& s, Report& out) {
-    out.board.reset();
-    if (s.boardRunner == kNoIndex || !out.complete) return;
+    if (s.boardRunner == kNoIndex || !out.complete) {
+        out.board.reset();
+        return;
+    }
     SheetRunner const& sheet = s.runners[s.boardRunner];
     if (!s.figures.board) {
+        out.board.reset();
         out.complete = false;
         out.failures.push_back("board (" + sheet.given().model + "): " + sheet.error());
         return;
@@ -182,7 +185,7 @@ void describeBoard(State const& s, Report& out) {
         }
     }
     out.warnings.insert(out.warnings.end(), sheet.warnings().begin(), sheet.warnings().end());
-    out.board = board;
+    out.board = board;  // into the last report's board, whose storage it reuses
 }
 
 }  // namespace
