@@ -1,4 +1,5 @@
 #include <prsm/design/Design.h>
+#include <prsm/design/EditDistance.h>
 #include <prsm/design/Grades.h>
 #include <prsm/design/Rails.h>
 #include <prsm/framework/PRSMException.h>
@@ -124,22 +125,9 @@ private:
 std::string closest(std::string const& wrong, std::vector<std::string> const& names) {
     std::string best;
     std::size_t bestDistance = std::max<std::size_t>(2, wrong.size() / 4) + 1;
-    for (std::string const& name : names) {
-        std::vector<std::size_t> row(name.size() + 1);
-        for (std::size_t j = 0; j <= name.size(); ++j) row[j] = j;
-        for (std::size_t i = 1; i <= wrong.size(); ++i) {
-            std::size_t diagonal = row[0];
-            row[0] = i;
-            for (std::size_t j = 1; j <= name.size(); ++j) {
-                std::size_t const above = row[j];
-                bool const same = std::toupper(static_cast<unsigned char>(wrong[i - 1])) ==
-                                  std::toupper(static_cast<unsigned char>(name[j - 1]));
-                row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (same ? 0 : 1)});
-                diagonal = above;
-            }
-        }
-        if (row[name.size()] < bestDistance) bestDistance = row[name.size()], best = name;
-    }
+    for (std::string const& name : names)
+        if (std::size_t const distance = editDistance(wrong, name); distance < bestDistance)
+            bestDistance = distance, best = name;
     return best.empty() ? std::string() : " (did you mean " + best + "?)";
 }
 
@@ -164,16 +152,34 @@ bool knownRegion(std::string const& region) {
 
 }  // namespace
 
-std::string designOwned(SheetDesign const& design, std::string const& cell) {
+DesignOwned designOwned(SheetDesign const& design, std::string const& cell) {
     for (auto const& [input, rail] : design.voltageInputs)
-        if (input == cell) return "the voltage of rail " + rail + ": set it once under /rails";
+        if (input == cell) return {DesignOwned::RailVoltage, rail};
     for (auto const& [input, field] : design.deviceInputs)
-        if (input == cell) return "taken from /device/" + field;
-    if (cell == design.temperatureInput) return "the junction temperature: set it under /thermal";
+        if (input == cell) return {DesignOwned::DeviceField, field};
+    if (cell == design.temperatureInput) return {DesignOwned::JunctionTemperature};
     for (auto const& [input, selector] : design.feeds)
-        if (input == cell) return "summed from the design's dynamic power (" + selector + ")";
+        if (input == cell) return {DesignOwned::FedPower, selector};
     for (auto const& [input, rail] : design.boardCurrents)
-        if (input == cell) return "the device's total current on rail " + rail + ", which the design sets";
+        if (input == cell) return {DesignOwned::BoardCurrent, rail};
+    return {};
+}
+
+std::string describe(DesignOwned const& owned) {
+    switch (owned.kind) {
+        case DesignOwned::None:
+            return {};
+        case DesignOwned::RailVoltage:
+            return "the voltage of rail " + owned.subject + ": set it once under /rails";
+        case DesignOwned::DeviceField:
+            return "taken from /device/" + owned.subject;
+        case DesignOwned::JunctionTemperature:
+            return "the junction temperature: set it under /thermal";
+        case DesignOwned::FedPower:
+            return "summed from the design's dynamic power (" + owned.subject + ")";
+        case DesignOwned::BoardCurrent:
+            return "the device's total current on rail " + owned.subject + ", which the design sets";
+    }
     return {};
 }
 
@@ -243,7 +249,7 @@ std::vector<Input> readPreset(Checker& check, Sheet const& sheet, std::string co
     std::vector<Input> inputs;
     for (auto const& [cell, text] : reading("preset " + preset + " of " + presets->name(),
                                             [&] { return prsm::presetInputs(sheet, *presets, preset); }))
-        if ((own == nullptr || !own->contains(cell)) && designOwned(sheet.design(), cell).empty())
+        if ((own == nullptr || !own->contains(cell)) && !designOwned(sheet.design(), cell))
             inputs.push_back({cell, text, pointer});
     return inputs;
 }
@@ -334,8 +340,8 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, Ro
             check.fail(at, who + ": cell " + cell + " is an " + toString(info->category) + ", not an input");
             continue;
         }
-        if (std::string const owner = designOwned(sheet->design(), cell); !owner.empty()) {
-            check.fail(at, who + ": cell " + cell + " is " + owner);
+        if (DesignOwned const owned = designOwned(sheet->design(), cell)) {
+            check.fail(at, who + ": cell " + cell + " is " + describe(owned));
             continue;
         }
         if (value.is_object()) {  // {"from": block, "cell": cell}: checked once every block is read

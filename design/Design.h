@@ -76,9 +76,21 @@ struct Design {
     std::vector<Load> loads;
 };
 
-// Why a block of a design may not set `cell` of a sheet with these declarations (a rail voltage, a
-// device field, the junction temperature or a fed input: the design sets those), or "" when it may.
-std::string designOwned(SheetDesign const& declared, std::string const& cell);
+// An input of a sheet that the design sets, not the block: what it is to the design.
+struct DesignOwned {
+    enum Kind { None, RailVoltage, DeviceField, JunctionTemperature, FedPower, BoardCurrent };
+    Kind kind = None;
+    std::string subject{};  // the rail, the device field or the feed's selector; empty otherwise
+    explicit operator bool() const { return kind != None; }
+};
+
+// Whether the design owns `cell` of a sheet with these declarations (a rail voltage, a device field,
+// the junction temperature, a fed input or a board's current input), and as what.
+DesignOwned designOwned(SheetDesign const& declared, std::string const& cell);
+
+// The reason in the design's words, to follow "cell X is ": "the voltage of rail VCCINT: set it once
+// under /rails"; "" for DesignOwned::None.
+std::string describe(DesignOwned const& owned);
 
 // Reads and checks a design file against the registered sheets. Throws DesignError listing every
 // problem found; nothing is estimated from a design that fails.

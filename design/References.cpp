@@ -103,10 +103,9 @@ std::vector<ReferenceProblem> checkReferences(Design const& design) {
             std::string const of = "cell " + input.fromCell + " of block \"" + source.name + "\"";
             if (from == nullptr) {
                 problems.push_back({input.pointer + "/cell", who + ": " + source.model + " has no " + of});
-            } else if (std::string const owner = designOwned(sourceSheet->design(), from->name);
-                       !owner.empty()) {
+            } else if (DesignOwned const owned = designOwned(sourceSheet->design(), from->name)) {
                 problems.push_back(
-                    {input.pointer, who + ": " + of + " is the design's, not the block's: " + owner});
+                    {input.pointer, who + ": " + of + " is the design's, not the block's: " + describe(owned)});
             } else if (to != nullptr && !fits(to->type, from->type)) {
                 problems.push_back({input.pointer, who + " takes " + typeWord(to->type) + ", but " + of +
                                                        " holds " + typeWord(from->type)});

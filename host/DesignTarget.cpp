@@ -181,7 +181,7 @@ void DesignTarget::describe() {
         if (sheet == nullptr) return;
         for (CellInfo const& cell : sheet->cells()) {
             if (cell.category != CellCategory::UserInput ||
-                !design::designOwned(sheet->design(), cell.name).empty() || given.reference(cell.name))
+                design::designOwned(sheet->design(), cell.name) || given.reference(cell.name))
                 continue;
             variable(block + "." + cell.name, cell.type, cellUnit(cell), {Setting::Input, {block}, cell.name},
                      cell.description);
@@ -282,11 +282,13 @@ std::string DesignTarget::notAVariable(std::string const& variable) const {
                 return "block \"" + block + "\": " + cell + " is an " + toString(info->category) +
                        " cell of " + model + "; only input cells can be set or swept";
             if (info != nullptr) {
-                std::string owner = design::designOwned(sheet->design(), cell);
-                if (owner.compare(0, 19, "the voltage of rail") == 0)
-                    owner = "the voltage of rail " + owner.substr(20, owner.find(':') - 20) +
-                            ": sweep rail." + owner.substr(20, owner.find(':') - 20);
-                return "block \"" + block + "\": cell " + cell + " is " + owner;
+                design::DesignOwned const owned = design::designOwned(sheet->design(), cell);
+                // A rail's voltage is a variable of its own: name it as one.
+                std::string const what =
+                    owned.kind == design::DesignOwned::RailVoltage
+                        ? "the voltage of rail " + owned.subject + ": sweep rail." + owned.subject
+                        : design::describe(owned);
+                return "block \"" + block + "\": cell " + cell + " is " + what;
             }
             std::vector<std::string> names;
             for (CellInfo const& c : sheet->cells())

@@ -3,13 +3,9 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace prsm::host {
-
-// Levenshtein distance, ignoring letter case.
-std::size_t editDistance(std::string_view a, std::string_view b);
 
 // The candidates closest to `wanted`, best first, at most `limit`. A case-insensitive match alone wins;
 // otherwise a candidate qualifies when it is within a quarter of the name's length in edits (at least

@@ -12,6 +12,8 @@
 namespace {
 
 using namespace prsm::design;
+using prsm::Sheet;
+using prsm::SheetRegistry;
 
 std::string designFile(std::string const& name) {
     return std::string(PRSM_TEST_DESIGNDIR) + "/" + name;
@@ -168,6 +170,56 @@ TEST(DesignEstimate, ClearInputsGivesWhatAFreshEstimateGives) {
     EXPECT_NEAR(board.update().board->totalPower, total + 2.0, 1e-5);
     board.clearInputs();
     EXPECT_EQ(board.update().board->totalPower, total);
+}
+
+// A count input the static sheet is given keeps the given value; clearInputs() gives it back to the
+// blocks' count, whichever runner the change was made on.
+TEST(DesignEstimate, ClearInputsHandsAGivenCountBackToTheBlocks) {
+    auto held = [](Report const& report, std::string const& cell) {
+        for (auto const& [name, value] : report.staticCounts)
+            if (name == cell) return value;
+        return -1.0;  // not reported
+    };
+    Estimator estimator(readDesignFile(designFile("small.json")));
+    double const fed = held(estimator.estimate(), "LUT_USED_PCT");
+    estimator.setInput("static", "LUT_USED_PCT", "40");
+    estimator.setInput("core", "CLOCK_FREQ", "200");
+    Report const& changed = estimator.update();
+    EXPECT_EQ(held(changed, "LUT_USED_PCT"), 40.0);
+    EXPECT_NEAR(changed.blocks[0].power, 2 * (2 * kCore + kCoreAux), 1e-7);  // twice the clock: 0.286 W
+    estimator.clearInputs();
+    Report const& cleared = estimator.update();
+    EXPECT_EQ(held(cleared, "LUT_USED_PCT"), fed);
+    EXPECT_NEAR(cleared.blocks[0].power, 2 * (kCore + kCoreAux), 1e-7);  // 0.158 W
+    estimator.clearInputs();  // nothing left to undo: the same figures again
+    EXPECT_EQ(estimator.update().totalPower, cleared.totalPower);
+}
+
+// The inputs a design sets, each with what it is to the design; a block's own input is none of them.
+TEST(DesignEstimate, DesignOwnedInputsSayWhatTheyAre) {
+    Sheet const& leakage = *SheetRegistry::instance().find("TestLeakage");
+    Sheet const& board = *SheetRegistry::instance().find("TestBoard");
+    struct Case {
+        Sheet const* sheet;
+        char const* cell;
+        DesignOwned::Kind kind;
+        char const* subject;
+    } const cases[] = {
+        {&leakage, "VCCAUX", DesignOwned::RailVoltage, "VCCAUX"},
+        {&leakage, "DEVICE_NAME", DesignOwned::DeviceField, "part"},
+        {&leakage, "JUNCTION_TEMPERATURE", DesignOwned::JunctionTemperature, ""},
+        {&leakage, "IO_IP_DYN_POWER", DesignOwned::FedPower, "region:io tag:ip"},
+        {&board, "AUX_CURRENT", DesignOwned::BoardCurrent, "VCCAUX"},
+        {&board, "OTHER_POWER", DesignOwned::None, ""},
+    };
+    for (Case const& c : cases) {
+        DesignOwned const owned = designOwned(c.sheet->design(), c.cell);
+        EXPECT_EQ(owned.kind, c.kind) << c.cell;
+        EXPECT_EQ(owned.subject, c.subject) << c.cell;
+    }
+    EXPECT_EQ(describe(designOwned(board.design(), "IO_CURRENT")),
+              "the device's total current on rail VCCO33, which the design sets");
+    EXPECT_EQ(describe(DesignOwned{}), "");
 }
 
 TEST(DesignEstimate, GivenJunctionTemperature) {

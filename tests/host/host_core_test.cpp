@@ -3,6 +3,7 @@
 // These need the host's core library; without it linked into the test binary they compile to nothing.
 #ifdef PRSM_HOST_CORE_LINKED
 
+#include <prsm/design/EditDistance.h>
 #include <prsm/host/Calculation.h>
 #include <prsm/host/CellListing.h>
 #include <prsm/host/Commands.h>
@@ -82,9 +83,9 @@ TEST(HostCommandLine, RejectsBadUsageWithExitTwo) {
 }
 
 TEST(HostSuggest, FindsCloseNamesBestFirst) {
-    EXPECT_EQ(editDistance("kitten", "sitting"), 3u);
-    EXPECT_EQ(editDistance("ABC", "abc"), 0u);
-    EXPECT_EQ(editDistance("", "abc"), 3u);
+    EXPECT_EQ(design::editDistance("kitten", "sitting"), 3u);  // k->s, e->i, +g
+    EXPECT_EQ(design::editDistance("ABC", "abc"), 0u);
+    EXPECT_EQ(design::editDistance("", "abc"), 3u);
 
     std::vector<std::string> const models{"TalvexCleLogic", "TalvexClock", "TalvexNoc", "DravikS26"};
     EXPECT_EQ(suggestNames("talvexclelogic", models), std::vector<std::string>{"TalvexCleLogic"});
