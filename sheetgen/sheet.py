@@ -221,6 +221,7 @@ class Sheet:
     methods: list[str] = field(default_factory=list)  # "type name": hand-written public members
     design: object = None  # design_decl.DesignDecl: rails, region and static-sheet declarations
     derived: list[str] = field(default_factory=list)  # shared values computed once per evaluation
+    rows: list = field(default_factory=list)  # member_rows.Rows: the attributes of a family's members
 
     @property
     def prefix(self) -> str:
@@ -495,6 +496,8 @@ def load(path: Path, source_root: Path) -> Sheet:
                   meta.get("formula_header"), methods, derived=derived)
     import design_decl  # the whole-design declarations check against the cells above
     sheet.design = design_decl.load(doc, sheet)
+    import member_rows  # rows name the families and cells above
+    sheet.rows = member_rows.load(doc, sheet)
     return sheet
 
 
