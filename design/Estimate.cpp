@@ -40,39 +40,6 @@ std::size_t regionIndex(std::string const& region) {
     return kNone;
 }
 
-// One term of a feed selector: rail:A,B / region:r / tag:t, possibly negated.
-struct Term {
-    enum Key { Rail, Region, Tag } key;
-    bool negate = false;
-    std::vector<std::string> names;
-};
-
-std::vector<Term> parseSelector(std::string const& text) {
-    std::vector<Term> terms;
-    std::size_t pos = 0;
-    while (pos < text.size()) {
-        std::size_t const start = text.find_first_not_of(' ', pos);
-        if (start == std::string::npos) break;
-        std::size_t end = text.find(' ', start);
-        if (end == std::string::npos) end = text.size();
-        std::string word = text.substr(start, end - start);
-        pos = end;
-        Term term{Term::Rail, false, {}};
-        if (word[0] == '!') term.negate = true, word.erase(0, 1);
-        std::size_t const colon = word.find(':');
-        std::string const key = word.substr(0, colon);
-        term.key = key == "region" ? Term::Region : key == "tag" ? Term::Tag : Term::Rail;
-        for (std::size_t p = colon + 1; p <= word.size();) {
-            std::size_t comma = word.find(',', p);
-            if (comma == std::string::npos) comma = word.size();
-            term.names.push_back(word.substr(p, comma - p));
-            p = comma + 1;
-        }
-        terms.push_back(std::move(term));
-    }
-    return terms;
-}
-
 // The internal name of a part from the device catalogue (DEVICE.<family>.<part>), or "" when the
 // catalogue does not list it or cannot be read.
 std::string internalPart(std::string const& part) {
@@ -199,7 +166,7 @@ struct Estimator::State {
     struct Feed {
         std::size_t cell;
         std::string name;
-        std::vector<Term> terms;
+        Selector const* selector;  // parsed by the generator
         std::vector<std::size_t> picked{};  // the aggregates in `cells` its selector picks, once set up
     };
 
@@ -261,10 +228,11 @@ struct Estimator::State {
     // Whether every term of a feed's selector holds for one aggregate of rail, region and tag.
     bool selects(Feed const& feed, Cell const& c) const {
         static std::string const none;
-        for (Term const& term : feed.terms) {
-            std::string const& value = term.key == Term::Rail     ? rails[c.rail]
-                                       : term.key == Term::Region ? (c.region == kNone ? none : regionNames()[c.region])
-                                                                  : tags[c.tag];
+        for (SelectorTerm const& term : *feed.selector) {
+            std::string const& value = term.key == SelectorTerm::Key::Rail ? rails[c.rail]
+                                       : term.key == SelectorTerm::Key::Region
+                                           ? (c.region == kNone ? none : regionNames()[c.region])
+                                           : tags[c.tag];
             bool const found = std::find(term.names.begin(), term.names.end(), value) != term.names.end();
             if (found == term.negate) return false;
         }
@@ -387,8 +355,10 @@ void Estimator::State::setup() {
         if (!declared.staticTotal.empty()) totalCell = cellIndex(*statics->sheet, declared.staticTotal);
         for (auto const& [region, cell] : declared.staticRegions)
             staticRegionCell.emplace_back(regionIndex(region), cellIndex(*statics->sheet, cell));
-        for (auto const& [cell, selector] : declared.feeds)
-            feeds.push_back({cellIndex(*statics->sheet, cell), cell, parseSelector(selector)});
+        for (std::size_t i = 0; i < declared.feeds.size(); ++i) {
+            std::string const& cell = declared.feeds[i].first;
+            feeds.push_back({cellIndex(*statics->sheet, cell), cell, &declared.feedSelectors[i]});
+        }
     }
 
     if (design.board) setupBoard();

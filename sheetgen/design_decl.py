@@ -75,20 +75,24 @@ class DesignDecl:
     count_feeds: list[tuple[str, list[str], str, bool]] = field(default_factory=list)
 
 
-def check_selector(text: str) -> None:
+def parse_selector(text: str) -> list[tuple[str, bool, list[str]]]:
     """A selector is terms separated by blanks, all of which must hold: rail:A[,B], region:r[,s],
-    tag:t[,u], each optionally negated with a leading "!"."""
+    tag:t[,u], each optionally negated with a leading "!". Gives (key, negated, names) per term."""
     terms = text.split()
     if not terms:
         raise SheetError("design.feeds: an empty selector")
+    parsed = []
     for term in terms:
-        m = re.fullmatch(r"!?(rail|region|tag):([A-Za-z0-9_]+(?:,[A-Za-z0-9_]+)*)", term)
+        m = re.fullmatch(r"(!?)(rail|region|tag):([A-Za-z0-9_]+(?:,[A-Za-z0-9_]+)*)", term)
         if m is None:
             raise SheetError(f"design.feeds: {term!r} is not rail:, region: or tag: followed by names")
-        if m[1] == "region":
-            for region in m[2].split(","):
+        names = m[3].split(",")
+        if m[2] == "region":
+            for region in names:
                 if region not in REGIONS:
                     raise SheetError(f"design.feeds: unknown region {region!r}; one of {', '.join(REGIONS)}")
+        parsed.append((m[2], bool(m[1]), names))
+    return parsed
 
 
 def _known_count(name: str, where: str) -> str:
@@ -238,7 +242,7 @@ def load(doc: dict, sheet: Sheet) -> DesignDecl:
             decl.static_regions.append((region, name))
         for name, selector in design.get("feeds", {}).items():
             cell(name, "design.feeds", ("float",), True)
-            check_selector(selector)
+            parse_selector(selector)  # refused here, with the table named, rather than when emitted
             decl.feeds.append((name, selector))
         decl.count_feeds = load_count_feeds(design, cell)
 
@@ -306,12 +310,23 @@ def _cpp_strings(items: list[str]) -> str:
     return "{" + ", ".join(f'"{x}"' for x in items) + "}"
 
 
+SELECTOR_KEY = {"rail": "Rail", "region": "Region", "tag": "Tag"}
+
+
+def _cpp_selectors(feeds: list[tuple[str, str]]) -> str:
+    """Each feed's selector as prsm::Selector terms: {key, negated, {names}}."""
+    return "{" + ", ".join(
+        "{" + ", ".join(f"{{prsm::SelectorTerm::Key::{SELECTOR_KEY[key]}, {'true' if negate else 'false'}, "
+                        f"{_cpp_strings(names)}}}" for key, negate, names in parse_selector(selector)) + "}"
+        for _, selector in feeds) + "}"
+
+
 def initializer(decl: DesignDecl) -> str:
     """The prsm::SheetDesign aggregate, member by member in declaration order."""
     return (f'prsm::SheetDesign{{"{decl.region}", {_cpp_pairs(decl.voltage)}, {_cpp_pairs(decl.power)}, '
             f'{_cpp_pairs(decl.current)}, {_cpp_pairs(decl.device)}, "{decl.temperature}", '
             f'"{decl.static_current}", "{decl.max_current}", "{decl.static_total}", {_cpp_pairs(decl.static_regions)}, '
-            f'{_cpp_pairs(decl.feeds)}, "{decl.board_architecture}", {_cpp_pairs(decl.board_currents)}, '
+            f'{_cpp_pairs(decl.feeds)}, {_cpp_selectors(decl.feeds)}, "{decl.board_architecture}", {_cpp_pairs(decl.board_currents)}, '
             f'"{decl.board_total}", {_cpp_tuples(decl.board_regulators)}, {_cpp_requires(decl.requires)}, '
             "{" + ", ".join(f'{{"{c}", "{cell}", "{r}", "{w}", {_cpp_strings(v)}}}'
                             for c, cell, r, w, v in decl.counts) + "}, "
