@@ -6,9 +6,10 @@ from __future__ import annotations
 import re
 from dataclasses import dataclass, field
 
+import regions
 from sheet import Sheet, SheetError, expand
 
-REGIONS = ("logic", "io", "gt", "ps_pmc", "noc", "aie", "hbm")
+REGIONS = tuple(name for name, _ in regions.load())  # design/regions.toml
 DEVICE_FIELDS = ("part", "internal_part", "package", "speed_grade", "temperature_grade", "voltage_grade",
                  "power_screen", "process", "voltage_corner")
 RAIL = re.compile(r"[A-Z][A-Z0-9_]*")
