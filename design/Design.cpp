@@ -1,4 +1,5 @@
 #include <prsm/design/Design.h>
+#include <prsm/design/EditDistance.h>
 #include <prsm/design/Grades.h>
 #include <prsm/design/Rails.h>
 #include <prsm/framework/PRSMException.h>
@@ -9,7 +10,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -123,22 +123,9 @@ private:
 std::string closest(std::string const& wrong, std::vector<std::string> const& names) {
     std::string best;
     std::size_t bestDistance = std::max<std::size_t>(2, wrong.size() / 4) + 1;
-    for (std::string const& name : names) {
-        std::vector<std::size_t> row(name.size() + 1);
-        for (std::size_t j = 0; j <= name.size(); ++j) row[j] = j;
-        for (std::size_t i = 1; i <= wrong.size(); ++i) {
-            std::size_t diagonal = row[0];
-            row[0] = i;
-            for (std::size_t j = 1; j <= name.size(); ++j) {
-                std::size_t const above = row[j];
-                bool const same = std::toupper(static_cast<unsigned char>(wrong[i - 1])) ==
-                                  std::toupper(static_cast<unsigned char>(name[j - 1]));
-                row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (same ? 0 : 1)});
-                diagonal = above;
-            }
-        }
-        if (row[name.size()] < bestDistance) bestDistance = row[name.size()], best = name;
-    }
+    for (std::string const& name : names)
+        if (std::size_t const distance = editDistance(wrong, name); distance < bestDistance)
+            bestDistance = distance, best = name;
     return best.empty() ? std::string() : " (did you mean " + best + "?)";
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <numeric>
 #include <utility>
 
 namespace prsm::host {
@@ -20,22 +19,6 @@ std::string lowered(std::string_view text) {
 }
 
 }  // namespace
-
-std::size_t editDistance(std::string_view a, std::string_view b) {
-    // One row of the dynamic-programming table at a time.
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            std::size_t const substitute = diagonal + (lower(a[i - 1]) == lower(b[j - 1]) ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({row[j] + 1, row[j - 1] + 1, substitute});
-        }
-    }
-    return row[b.size()];
-}
 
 std::vector<std::string> suggestNames(std::string const& wanted, std::vector<std::string> const& candidates,
                                       std::size_t limit) {

@@ -1,6 +1,8 @@
 #pragma once
 // Close-name suggestions for misspelt model and cell names.
 
+#include <prsm/design/EditDistance.h>
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -8,8 +10,8 @@
 
 namespace prsm::host {
 
-// Levenshtein distance, ignoring letter case.
-std::size_t editDistance(std::string_view a, std::string_view b);
+// Levenshtein distance, ignoring letter case: one for the library's and the host's suggestions.
+using design::editDistance;
 
 // The candidates closest to `wanted`, best first, at most `limit`. A case-insensitive match alone wins;
 // otherwise a candidate qualifies when it is within a quarter of the name's length in edits (at least
