@@ -13,9 +13,9 @@ REGIONS = tuple(name for name, _ in regions.load())  # design/regions.toml
 DEVICE_FIELDS = ("part", "internal_part", "package", "speed_grade", "temperature_grade", "voltage_grade",
                  "power_screen", "process", "voltage_corner")
 RAIL = re.compile(r"[A-Z][A-Z0-9_]*")
-# The used-block counts: what a block sheet may declare it makes up and a static sheet may receive,
-# each with the device resource it takes up (the catalogue's PARAM_VARS_INT.<part>.<RESOURCE>), or ""
-# for a count that no resource limits. One vocabulary for every sheet; add a count here first.
+# The used-block counts that take up a device resource (the catalogue's PARAM_VARS_INT.<part>.<RESOURCE>),
+# or "" where none limits them. Any other lower-case word is a count too, of no resource: a new leaking
+# block names its count in its own table and the static sheet's count_feeds, and nothing else.
 COUNTS = {
     "luts": "LUTS",
     "flip_flops": "FLIP_FLOPS",
@@ -97,9 +97,10 @@ def parse_selector(text: str) -> list[tuple[str, bool, list[str]]]:
 
 
 def _known_count(name: str, where: str) -> str:
-    if name not in COUNTS:
-        raise SheetError(f"{where}: unknown count {name!r}; one of {', '.join(COUNTS)}")
-    return COUNTS[name]
+    """The resource of a count: a vocabulary count's, else none."""
+    if not re.fullmatch(r"[a-z][a-z0-9_]*", name):
+        raise SheetError(f"{where}: count {name!r} is not a lower-case word such as \"bram_active\"")
+    return COUNTS.get(name, "")
 
 
 def load_counts(design: dict, cell) -> list[tuple[str, str, str, str, list[str]]]:

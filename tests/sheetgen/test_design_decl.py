@@ -102,7 +102,7 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
             '[design]\ntemperature = "TJ"\nboard_currents = { FED = "VCCINT" }\n': "not both",
             '[design]\ntag = "IP"\nregion = "gt"\n': "is not a lower-case word",
             '[design]\ntag = "ip"\n': "declare the region too",
-            '[design.counts]\nlookup_tables = "POWER"\n': "unknown count 'lookup_tables'",
+            '[design.counts]\nLookup_Tables = "POWER"\n': "is not a lower-case word",
             '[design.counts]\nluts = "DEVICE"\n': "DEVICE is not a int/float cell",
             '[design.counts]\nluts = { cell = "POWER", when = { TJ = "LUT*" } }\n': "TJ is not a string input",
             '[design.counts]\nluts = { cell = "POWER", when = { DEVICE = "L*T" } }\n': "a '*' only at the end",
