@@ -10,7 +10,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -26,7 +25,6 @@ using Json = nlohmann::ordered_json;
 char const* const kDeviceFields[] = {"part",        "internal_part",     "package",       "grade",
                                      "speed_grade", "temperature_grade", "voltage_grade", "power_screen",
                                      "process",     "voltage_corner"};
-char const* const kRegions[] = {"logic", "io", "gt", "ps_pmc", "noc", "aie", "hbm"};
 
 std::string escapePointer(std::string const& token) {
     std::string out;
@@ -144,10 +142,16 @@ std::vector<std::string> inputNames(Sheet const& sheet) {
     return names;
 }
 
+// "logic, io, ...": the regions for a message.
+std::string regionList() {
+    std::string list;
+    for (std::string const& name : regionNames()) list += (list.empty() ? "" : ", ") + name;
+    return list;
+}
+
 bool knownRegion(std::string const& region) {
-    for (char const* r : kRegions)
-        if (region == r) return true;
-    return false;
+    std::vector<std::string> const& names = regionNames();
+    return std::find(names.begin(), names.end(), region) != names.end();
 }
 
 }  // namespace
@@ -530,7 +534,7 @@ Design parseDesign(std::string const& text, std::string const& source) {
             else if (auto region = check.string(*g, pointer + "/region")) {
                 if (!knownRegion(*region))
                     check.fail(pointer + "/region", "load \"" + load.name + "\": unknown region " + *region +
-                                                        "; one of logic, io, gt, ps_pmc, noc, aie, hbm");
+                                                        "; one of " + regionList());
                 load.region = *region;
             }
             if (auto t = entry.find("tag"); t != entry.end())

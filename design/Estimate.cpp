@@ -33,39 +33,6 @@ std::size_t regionIndex(std::string const& region) {
     return kNone;
 }
 
-// One term of a feed selector: rail:A,B / region:r / tag:t, possibly negated.
-struct Term {
-    enum Key { Rail, Region, Tag } key;
-    bool negate = false;
-    std::vector<std::string> names;
-};
-
-std::vector<Term> parseSelector(std::string const& text) {
-    std::vector<Term> terms;
-    std::size_t pos = 0;
-    while (pos < text.size()) {
-        std::size_t const start = text.find_first_not_of(' ', pos);
-        if (start == std::string::npos) break;
-        std::size_t end = text.find(' ', start);
-        if (end == std::string::npos) end = text.size();
-        std::string word = text.substr(start, end - start);
-        pos = end;
-        Term term{Term::Rail, false, {}};
-        if (word[0] == '!') term.negate = true, word.erase(0, 1);
-        std::size_t const colon = word.find(':');
-        std::string const key = word.substr(0, colon);
-        term.key = key == "region" ? Term::Region : key == "tag" ? Term::Tag : Term::Rail;
-        for (std::size_t p = colon + 1; p <= word.size();) {
-            std::size_t comma = word.find(',', p);
-            if (comma == std::string::npos) comma = word.size();
-            term.names.push_back(word.substr(p, comma - p));
-            p = comma + 1;
-        }
-        terms.push_back(std::move(term));
-    }
-    return terms;
-}
-
 }  // namespace
 
 char const* toString(VoltageSource source) {
@@ -95,11 +62,11 @@ struct Estimator::State : EstimateState {
     }
 
     // Whether every term of a feed's selector holds for one aggregate of rail, region and tag.
-    bool selects(std::vector<Term> const& terms, Aggregate const& c) const {
+    bool selects(Selector const& terms, Aggregate const& c) const {
         static std::string const none;
-        for (Term const& term : terms) {
-            std::string const& value = term.key == Term::Rail ? rails[c.rail]
-                                       : term.key == Term::Region
+        for (SelectorTerm const& term : terms) {
+            std::string const& value = term.key == SelectorTerm::Key::Rail ? rails[c.rail]
+                                       : term.key == SelectorTerm::Key::Region
                                            ? (c.region == kNone ? none : regionNames()[c.region])
                                            : tags[c.tag];
             bool const found = std::find(term.names.begin(), term.names.end(), value) != term.names.end();
@@ -258,9 +225,8 @@ void Estimator::State::setupAggregates() {
     if (sheet == nullptr) return;
     SheetDesign const& declared = sheet->sheet().design();
     for (std::size_t f = 0; f < statics.feeds.size(); ++f) {  // the aggregates are all known now
-        std::vector<Term> const terms = parseSelector(declared.feeds[f].second);
-        for (std::size_t c = 0; c < aggregates.size(); ++c)
-            if (selects(terms, aggregates[c])) statics.feeds[f].picked.push_back(c);
+        for (std::size_t c = 0; c < aggregates.size(); ++c)  // the selector as the generator parsed it
+            if (selects(declared.feedSelectors[f], aggregates[c])) statics.feeds[f].picked.push_back(c);
     }
     auto perRail = [&](std::string const& pattern, std::vector<std::size_t>& cells) {
         cells.assign(rails.size(), kNone);

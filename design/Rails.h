@@ -6,10 +6,10 @@
 
 namespace prsm::design {
 
-// A rail of the newer architecture's supply list, or one that a registered sheet declares.
+// A rail that a registered sheet declares (a static sheet declares every supply of its architecture).
 bool isKnownRail(std::string const& rail);
 
-// The regions in report order: logic, io, gt, ps_pmc, noc, aie, hbm.
+// The regions in report order, as design/regions.toml declares them.
 std::vector<std::string> const& regionNames();
 // A region's title for the report ("programmable logic").
 std::string regionTitle(std::string const& region);

@@ -50,6 +50,17 @@ struct CountFeed {
     bool share = false;
 };
 
+// One term of a feed's selector: the aggregate's rail, region or tag is one of `names`, or with
+// `negate` none of them. Parsed from "rail:VCCINT,VCCAUX", "!region:aie" or "tag:ip" by the generator.
+struct SelectorTerm {
+    enum class Key { Rail, Region, Tag };
+    Key key;
+    bool negate;
+    std::vector<std::string> names;
+};
+// A selector: terms that must all hold.
+using Selector = std::vector<SelectorTerm>;
+
 struct SheetDesign {
     using Pairs = std::vector<std::pair<std::string, std::string>>;
 
@@ -69,6 +80,7 @@ struct SheetDesign {
     std::string staticTotal;
     Pairs staticRegions;  // region -> computed cell in W
     Pairs feeds;
+    std::vector<Selector> feedSelectors;  // each feed's selector, parsed, in the order of `feeds`
 
     // A module board: the catalogue architecture of the device it carries ("DRAVIK"), the inputs that take
     // the device's total current on a rail (input cell in A -> rail), its total power and its regulators.

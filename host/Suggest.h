@@ -1,6 +1,8 @@
 #pragma once
 // Close-name suggestions for misspelt model and cell names.
 
+#include <prsm/design/EditDistance.h>
+
 #include <cstddef>
 #include <string>
 #include <vector>

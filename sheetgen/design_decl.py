@@ -6,16 +6,17 @@ from __future__ import annotations
 import re
 from dataclasses import dataclass, field
 
+import regions
 from braces import expand
 from sheet_error import SheetError
 
-REGIONS = ("logic", "io", "gt", "ps_pmc", "noc", "aie", "hbm")
+REGIONS = tuple(name for name, _ in regions.load())  # design/regions.toml
 DEVICE_FIELDS = ("part", "internal_part", "package", "speed_grade", "temperature_grade", "voltage_grade",
                  "power_screen", "process", "voltage_corner")
 RAIL = re.compile(r"[A-Z][A-Z0-9_]*")
-# The used-block counts: what a block sheet may declare it makes up and a static sheet may receive,
-# each with the device resource it takes up (the catalogue's PARAM_VARS_INT.<part>.<RESOURCE>), or ""
-# for a count that no resource limits. One vocabulary for every sheet; add a count here first.
+# The used-block counts that take up a device resource (the catalogue's PARAM_VARS_INT.<part>.<RESOURCE>),
+# or "" where none limits them. Any other lower-case word is a count too, of no resource: a new leaking
+# block names its count in its own table and the static sheet's count_feeds, and nothing else.
 COUNTS = {
     "luts": "LUTS",
     "flip_flops": "FLIP_FLOPS",
@@ -86,20 +87,25 @@ class DesignDecl:
     count_feeds: list[tuple[str, list[str], str, bool]] = field(default_factory=list)
 
 
-def check_selector(text: str, at: tuple = ("design", "feeds")) -> None:
+def parse_selector(text: str, at: tuple = ("design", "feeds")) -> list[tuple[str, bool, list[str]]]:
     """A selector is terms separated by blanks, all of which must hold: rail:A[,B], region:r[,s],
-    tag:t[,u], each optionally negated with a leading "!". `at` is its key path, for errors."""
+    tag:t[,u], each optionally negated with a leading "!". Gives (key, negated, names) per term; `at` is
+    its key path, for errors."""
     terms = text.split()
     if not terms:
         raise SheetError("design.feeds: an empty selector", at)
+    parsed = []
     for term in terms:
-        m = re.fullmatch(r"!?(rail|region|tag):([A-Za-z0-9_]+(?:,[A-Za-z0-9_]+)*)", term)
+        m = re.fullmatch(r"(!?)(rail|region|tag):([A-Za-z0-9_]+(?:,[A-Za-z0-9_]+)*)", term)
         if m is None:
             raise SheetError(f"design.feeds: {term!r} is not rail:, region: or tag: followed by names", at)
-        if m[1] == "region":
-            for region in m[2].split(","):
+        names = m[3].split(",")
+        if m[2] == "region":
+            for region in names:
                 if region not in REGIONS:
                     raise SheetError(f"design.feeds: unknown region {region!r}; one of {', '.join(REGIONS)}", at)
+        parsed.append((m[2], bool(m[1]), names))
+    return parsed
 
 
 def _at(where: str) -> tuple:
@@ -108,9 +114,10 @@ def _at(where: str) -> tuple:
 
 
 def _known_count(name: str, where: str) -> str:
-    if name not in COUNTS:
-        raise SheetError(f"{where}: unknown count {name!r}; one of {', '.join(COUNTS)}", _at(where))
-    return COUNTS[name]
+    """The resource of a count: a vocabulary count's, else none."""
+    if not re.fullmatch(r"[a-z][a-z0-9_]*", name):
+        raise SheetError(f"{where}: count {name!r} is not a lower-case word such as \"bram_active\"", _at(where))
+    return COUNTS.get(name, "")
 
 
 def load_counts(design: dict, cell) -> list[tuple[str, str, str, str, list[str]]]:
@@ -264,7 +271,7 @@ def load(doc: dict, sheet) -> DesignDecl:
             decl.static_regions.append((region, name))
         for name, selector in design.get("feeds", {}).items():
             cell(name, "design.feeds", ("float",), True)
-            check_selector(selector, ("design", "feeds", name))
+            parse_selector(selector, ("design", "feeds", name))  # refused here, with the table's line
             decl.feeds.append((name, selector))
         decl.count_feeds = load_count_feeds(design, cell)
 
@@ -341,12 +348,23 @@ def _cpp_strings(items: list[str]) -> str:
     return "{" + ", ".join(f'"{x}"' for x in items) + "}"
 
 
+SELECTOR_KEY = {"rail": "Rail", "region": "Region", "tag": "Tag"}
+
+
+def _cpp_selectors(feeds: list[tuple[str, str]]) -> str:
+    """Each feed's selector as prsm::Selector terms: {key, negated, {names}}."""
+    return "{" + ", ".join(
+        "{" + ", ".join(f"{{prsm::SelectorTerm::Key::{SELECTOR_KEY[key]}, {'true' if negate else 'false'}, "
+                        f"{_cpp_strings(names)}}}" for key, negate, names in parse_selector(selector)) + "}"
+        for _, selector in feeds) + "}"
+
+
 def initializer(decl: DesignDecl) -> str:
     """The prsm::SheetDesign aggregate, member by member in declaration order."""
     return (f'prsm::SheetDesign{{"{decl.region}", {_cpp_pairs(decl.voltage)}, {_cpp_pairs(decl.power)}, '
             f'{_cpp_pairs(decl.current)}, {_cpp_pairs(decl.device)}, "{decl.temperature}", '
             f'"{decl.static_current}", "{decl.max_current}", "{decl.static_total}", {_cpp_pairs(decl.static_regions)}, '
-            f'{_cpp_pairs(decl.feeds)}, "{decl.board_architecture}", {_cpp_pairs(decl.board_currents)}, '
+            f'{_cpp_pairs(decl.feeds)}, {_cpp_selectors(decl.feeds)}, "{decl.board_architecture}", {_cpp_pairs(decl.board_currents)}, '
             f'"{decl.board_total}", {_cpp_tuples(decl.board_regulators)}, {_cpp_requires(decl.requires)}, '
             "{" + ", ".join(f'{{"{c}", "{cell}", "{r}", "{w}", {_cpp_strings(v)}}}'
                             for c, cell, r, w, v in decl.counts) + "}, "

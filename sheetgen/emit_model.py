@@ -2,6 +2,7 @@
 registration that makes the sheet reachable by name. Formulas stay hand-written."""
 
 import design_decl
+import member_rows
 from emit_params import HEADER_NOTE
 from sheet import CPP_TYPE, NOT_SET, TYPES, Cell, Family, Sheet, camel, cpp_literal
 
@@ -64,6 +65,7 @@ def header(sheet: Sheet) -> str:
         public.append(f"    static std::string_view memberName({fam.name} member);")
     if sheet.families:
         public.append("")
+    public += member_rows.declarations(sheet, cls)
     public.append("    // Input getters: the cell's value, or its default, which is stored into the cell.")
     for cell in sheet.all_cells():
         if cell.is_input:
@@ -487,6 +489,7 @@ std::string_view {cls}::memberName({fam.name} member) {{
     return {{}};
 }}
 """)
+    parts.append(member_rows.definitions(sheet, cls))
     parts += [text for text, inlined in _definitions(sheet, plan, cls) if not inlined]
     for inp in plan.validated.values():
         parts.append(_validity(cls, sheet, plan, inp))

@@ -10,8 +10,10 @@ from pathlib import Path
 import cell_patterns
 import descriptions
 import design_decl
+import member_rows
 import range_warnings
 from braces import expand
+from naming import camel
 from number_checks import check_message_fields, is_flag, resolve_number_cells
 from sheet_error import SheetError
 
@@ -22,12 +24,6 @@ CPP_TYPE = {"int": "int", "float": "float", "string": "std::string"}
 NOT_SET = {"int": "prsm::kIntNotSet", "float": "prsm::kFloatNotSet", "string": "prsm::kStringNotSet"}
 TABLE_TYPES = {"float": "float", "int": "int", "bool": "bool", "string": "std::string",
                "list": "std::vector<std::string>"}
-
-
-def camel(name: str) -> str:
-    """CLOCK_FREQ -> ClockFreq, A1_SIG_RATE -> A1SigRate; a family pattern drops its placeholder."""
-    parts = [p for p in name.replace("{}", "").split("_") if p]
-    return "".join(p[0].upper() + p[1:].lower() for p in parts)
 
 
 def _lists(doc: dict) -> dict[str, list[str]]:
@@ -197,6 +193,7 @@ class Sheet:
     design: object = None  # design_decl.DesignDecl: rails, region and static-sheet declarations
     derived: list[str] = field(default_factory=list)  # shared values computed once per evaluation
     lists: dict[str, list[str]] = field(default_factory=dict)  # the [lists] section: name -> members
+    rows: list = field(default_factory=list)  # member_rows.Rows: the attributes of a family's members
 
     @property
     def prefix(self) -> str:
@@ -463,6 +460,7 @@ def _checked(doc: dict, path: Path, source_root: Path) -> Sheet:
                   cells, by_name, inputs, constants, families, tables, load_order, calculate, formulas,
                   meta.get("formula_header"), methods, derived=derived, lists=lists)
     sheet.design = design_decl.load(doc, sheet)
+    sheet.rows = member_rows.load(doc, sheet)  # rows name the families and cells above
     return sheet
 
 

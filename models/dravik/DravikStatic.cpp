@@ -12,6 +12,7 @@
 #include <prsm/framework/PRSMConfigHelpers.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -30,63 +31,6 @@ using prsm::leakage::singleSupplyScaling;
 using prsm::leakage::skuName;
 using prsm::leakage::sumOfStaticPowers;
 using prsm::leakage::vtCoefficient;
-
-// The rail a block leaks on.
-Rail railOf(Block block) {
-    switch (block) {
-        case Block::BRAM_VCCINT:
-        case Block::URAM_VCCINT:
-            return Rail::VCCINT;
-        case Block::BRAM_VCCBRAM:
-        case Block::URAM_VCCBRAM:
-            return Rail::VCCBRAM;
-        case Block::XIPHY_VCCINTIO:
-            return Rail::VCCINTIO;
-        case Block::GTH_MGTAVCC:
-            return Rail::MGTAVCC;
-        case Block::GTH_MGTAVTT:
-            return Rail::MGTAVTT;
-        case Block::GTH_MGTVCCAUX:
-            return Rail::MGTVCCAUX;
-        case Block::GTY_MGTYAVCC:
-            return Rail::MGTYAVCC;
-        case Block::GTY_MGTYAVTT:
-            return Rail::MGTYAVTT;
-        case Block::GTY_MGTYVCCAUX:
-            return Rail::MGTYVCCAUX;
-        case Block::GTF_MGTFAVCC:
-            return Rail::MGTFAVCC;
-        case Block::GTF_MGTFAVTT:
-            return Rail::MGTFAVTT;
-        case Block::GTF_MGTFVCCAUX:
-            return Rail::MGTFVCCAUX;
-        case Block::GTM_MGTMAVCC:
-            return Rail::MGTMAVCC;
-        case Block::GTM_MGTMAVTT:
-            return Rail::MGTMAVTT;
-        case Block::GTM_MGTMVCCAUX:
-            return Rail::MGTMVCCAUX;
-        case Block::HBM_VCCHBM:
-            return Rail::VCCHBM;
-        case Block::HBM_VCCIOHBM:
-            return Rail::VCCIOHBM;
-        case Block::HBM_VCCAUXHBM:
-            return Rail::VCCAUXHBM;
-        case Block::VCU_VCCAUX:
-            return Rail::VCCAUX;
-        case Block::VCU_VCCPSPLL:
-            return Rail::VCCPSPLL;
-    }
-    return Rail::VCCINT;
-}
-
-constexpr Block kBlocks[] = {
-    Block::BRAM_VCCINT,    Block::BRAM_VCCBRAM,   Block::URAM_VCCINT,    Block::URAM_VCCBRAM,
-    Block::XIPHY_VCCINTIO, Block::GTH_MGTAVCC,    Block::GTH_MGTAVTT,    Block::GTH_MGTVCCAUX,
-    Block::GTY_MGTYAVCC,   Block::GTY_MGTYAVTT,   Block::GTY_MGTYVCCAUX, Block::GTF_MGTFAVCC,
-    Block::GTF_MGTFAVTT,   Block::GTF_MGTFVCCAUX, Block::GTM_MGTMAVCC,   Block::GTM_MGTMAVTT,
-    Block::GTM_MGTMVCCAUX, Block::HBM_VCCHBM,     Block::HBM_VCCIOHBM,   Block::HBM_VCCAUXHBM,
-    Block::VCU_VCCAUX,     Block::VCU_VCCPSPLL};
 
 // The share of a block's leakage left in a power-gated state; 1 (no gating) without a row.
 float gatedShare(Model const& model, Params& params, Data const& data, char const* state) {
@@ -134,66 +78,48 @@ float Model::computeCommonTotalPowerFactor(Params& params, Data const& data, Rai
 
 // ---- A block's leakage (<BLOCK>_<RAIL>_...) ----
 
-// The memory stacks sit at their own temperature; every other block at the junction temperature.
+// A block with a temperature of its own (the memory stacks) leaks at it; every other block at the
+// junction temperature.
 float Model::computeVtLeakage(Params& params, Data const& data, Block block) const {
-    bool const stack =
-        block == Block::HBM_VCCHBM || block == Block::HBM_VCCIOHBM || block == Block::HBM_VCCAUXHBM;
-    float const t =
-        stack ? getJunctionTemperatureHbmdram(params, data) : getJunctionTemperature(params, data);
+    BlockRow const& blockRow = row(block);
+    float const t = blockRow.temperature ? (this->*blockRow.temperature)(params, data)
+                                         : getJunctionTemperature(params, data);
     return prsm::leakage::leakageAt(*this, params, data, block, t);
 }
 
 float Model::computeVScaling(Params& params, Data const& data, Block block) const {
     float const c1 = calculateVC1(params, data, block);
     if (c1 == 0.0f) return 1.0f;
-    return singleSupplyScaling(c1, calculateVC2(params, data, block), getRail(params, data, railOf(block)));
+    return singleSupplyScaling(c1, calculateVC2(params, data, block), getRail(params, data, row(block).rail));
 }
 
 float Model::computeVoltBinning(Params& params, Data const& data, Block block) const {
     return prsm::leakage::voltBinning(*this, params, data, memberName(block), skuName(*this, params, data));
 }
 
-// The count or share of a block that leaks. Block RAMs: the used ones, a sleeping one leaking its
-// gated share. UltraRAM: the device's whole array (its coefficients are the array's), less what sleeps
-// or idles with its gated share. I/O PHYs and the video codec unit: always powered. Quads: the used
-// ones. Memory stacks: the device's stacks against the reference stack.
+// The count or share of a block that leaks, by its row's rule: the used ones; the used block RAMs, a
+// sleeping one leaking its gated share; the device's whole UltraRAM array (its coefficients are the
+// array's), less what sleeps or idles with its gated share; the device's memory stacks against the
+// reference stack; or one, for the blocks that are always powered.
 float Model::computeMultiplier(Params& params, Data const& data, Block block) const {
-    switch (block) {
-        case Block::BRAM_VCCINT:
-        case Block::BRAM_VCCBRAM:
-            return getUsedBram(params, data) *
+    BlockRow const& blockRow = row(block);
+    auto const used = [&] { return blockRow.count ? (this->*blockRow.count)(params, data) : 0.0f; };
+    switch (blockRow.multiplier) {
+        case BlockMultiplier::USED:
+            return used();
+        case BlockMultiplier::USED_GATED:
+            return used() *
                    (1.0f - getBramAvgSleepRate(params, data) *
                                (1.0f - gatedShare(*this, params, data, "BRAM_SLEEP")));
-        case Block::URAM_VCCINT:
-        case Block::URAM_VCCBRAM:
+        case BlockMultiplier::ARRAY_GATED:
             return 1.0f -
                    getUramAvgSleepRate(params, data) *
                        (1.0f - gatedShare(*this, params, data, "URAM_SLEEP")) -
                    getUramAvgInactiveCycles(params, data) *
                        (1.0f - gatedShare(*this, params, data, "URAM_INACTIVE"));
-        case Block::GTH_MGTAVCC:
-        case Block::GTH_MGTAVTT:
-        case Block::GTH_MGTVCCAUX:
-            return getUsedGthQuad(params, data);
-        case Block::GTY_MGTYAVCC:
-        case Block::GTY_MGTYAVTT:
-        case Block::GTY_MGTYVCCAUX:
-            return getUsedGtyQuad(params, data);
-        case Block::GTF_MGTFAVCC:
-        case Block::GTF_MGTFAVTT:
-        case Block::GTF_MGTFVCCAUX:
-            return getUsedGtfQuad(params, data);
-        case Block::GTM_MGTMAVCC:
-        case Block::GTM_MGTMAVTT:
-        case Block::GTM_MGTMVCCAUX:
-            return getUsedGtmDual(params, data);
-        case Block::HBM_VCCHBM:
-        case Block::HBM_VCCIOHBM:
-        case Block::HBM_VCCAUXHBM:
+        case BlockMultiplier::STACKS:
             return IFERROR(data.getHbmScaleFactorsOrError(deviceName(*this, params, data)), 0.0f);
-        case Block::XIPHY_VCCINTIO:
-        case Block::VCU_VCCAUX:
-        case Block::VCU_VCCPSPLL:
+        case BlockMultiplier::ALWAYS:
             return 1.0f;
     }
     return 0.0f;
@@ -213,8 +139,10 @@ float Model::computeStaticCurrent(Params& params, Data const& data, Block block)
 float Model::computeStaticCurrent(Params& params, Data const& data, Rail rail) const {
     if (getRail(params, data, rail) == 0.0f) return 0.0f;
     float total = calculateCommonStaticCurrent(params, data, rail);
-    for (Block const block : kBlocks)
-        if (railOf(block) == rail) total += calculateStaticCurrent(params, data, block);
+    for (std::size_t i = 0; i < kBlockMembers; ++i) {
+        Block const block = static_cast<Block>(i);
+        if (row(block).rail == rail) total += calculateStaticCurrent(params, data, block);
+    }
     return total;
 }
 

@@ -71,210 +71,14 @@ float twoSupplyScaling(float const (&c)[6], float vccaux, float vccint) {
                               (c[3] * vint * vint + c[4] * vint + c[5]));
 }
 
-// Where a block leaks: its rail, its component key in VT_COEFFICIENT and BINNING_FACTORS, and its core
-// name in DEVICE_DEPENDENT_SCALE. A block that leaks on one rail uses its core name as component key;
-// a block on several rails adds the rail, so that each rail has its own coefficients.
-struct BlockSite {
-    Rail rail;
-    std::string_view component;
-    std::string_view core;
-};
-
-BlockSite site(Block block) {
-    switch (block) {
-        case Block::BRAM_ACTIVE_VCCINT:
-            return {Rail::VCCINT, "BRAM_CORE_ACTIVE_VCCINT", "BRAM_CORE_ACTIVE"};
-        case Block::BRAM_ACTIVE_VCCRAM:
-            return {Rail::VCCRAM, "BRAM_CORE_ACTIVE_VCCRAM", "BRAM_CORE_ACTIVE"};
-        case Block::BRAM_SLEEP_VCCINT:
-            return {Rail::VCCINT, "BRAM_CORE_SLEEP_VCCINT", "BRAM_CORE_SLEEP"};
-        case Block::BRAM_SLEEP_VCCRAM:
-            return {Rail::VCCRAM, "BRAM_CORE_SLEEP_VCCRAM", "BRAM_CORE_SLEEP"};
-        case Block::URAM_ACTIVE_VCCINT:
-            return {Rail::VCCINT, "URAM_CORE_ACTIVE_VCCINT", "URAM_CORE_ACTIVE"};
-        case Block::URAM_ACTIVE_VCCRAM:
-            return {Rail::VCCRAM, "URAM_CORE_ACTIVE_VCCRAM", "URAM_CORE_ACTIVE"};
-        case Block::URAM_SLEEP_VCCINT:
-            return {Rail::VCCINT, "URAM_CORE_SLEEP_VCCINT", "URAM_CORE_SLEEP"};
-        case Block::URAM_SLEEP_VCCRAM:
-            return {Rail::VCCRAM, "URAM_CORE_SLEEP_VCCRAM", "URAM_CORE_SLEEP"};
-        case Block::CPU_ACTIVE_VCCPSFP:
-            return {Rail::VCCPSFP, "PSS_BASE_CORE_APU_CPU", "PSS_BASE_CORE_APU_CPU"};
-        case Block::L2_ACTIVE_VCCPSFP:
-            return {Rail::VCCPSFP, "PSS_BASE_CORE_APU_L2", "PSS_BASE_CORE_APU_L2"};
-        case Block::RPU_ACTIVE_VCCPSLP:
-            return {Rail::VCCPSLP, "PSS_BASE_CORE_RPU_TIEOFF_WRAPPER", "PSS_BASE_CORE_RPU_TIEOFF_WRAPPER"};
-        case Block::OCM_ACTIVE_VCCPSLP:
-            return {Rail::VCCPSLP, "PSS_BASE_CORE_OCM", "PSS_BASE_CORE_OCM"};
-        case Block::TCM_ACTIVE_VCCPSLP:
-            return {Rail::VCCPSLP, "PSS_BASE_CORE_RPU_TCM", "PSS_BASE_CORE_RPU_TCM"};
-        case Block::PSXL_CPU_ACTIVE_VCCFPD:
-            return {Rail::VCCFPD, "PSXL_BASE_CORE_CPU", "PSXL_BASE_CORE_CPU"};
-        case Block::PSXL_L3_ACTIVE_VCCFPD:
-            return {Rail::VCCFPD, "PSXL_BASE_CORE_L3", "PSXL_BASE_CORE_L3"};
-        case Block::PSXL_OCM_ACTIVE_VCCLPD:
-            return {Rail::VCCLPD, "PSXL_BASE_CORE_OCM", "PSXL_BASE_CORE_OCM"};
-        case Block::PSXL_RPU_ACTIVE_VCCLPD:
-            return {Rail::VCCLPD, "PSXL_BASE_CORE_RPU", "PSXL_BASE_CORE_RPU"};
-        case Block::PSXL_TCM_ACTIVE_VCCLPD:
-            return {Rail::VCCLPD, "PSXL_BASE_CORE_TCM", "PSXL_BASE_CORE_TCM"};
-        case Block::HBM_4H_VCCHBM:
-            return {Rail::VCCHBM, "HBM_4H_STACK_VCCHBM", "HBM_4H_STACK"};
-        case Block::HBM_4H_VCCIOHBM:
-            return {Rail::VCCIOHBM, "HBM_4H_STACK_VCCIOHBM", "HBM_4H_STACK"};
-        case Block::HBM_4H_VCCAUXHBM:
-            return {Rail::VCCAUXHBM, "HBM_4H_STACK_VCCAUXHBM", "HBM_4H_STACK"};
-        case Block::HBM_8H_VCCHBM:
-            return {Rail::VCCHBM, "HBM_8H_STACK_VCCHBM", "HBM_8H_STACK"};
-        case Block::HBM_8H_VCCIOHBM:
-            return {Rail::VCCIOHBM, "HBM_8H_STACK_VCCIOHBM", "HBM_8H_STACK"};
-        case Block::HBM_8H_VCCAUXHBM:
-            return {Rail::VCCAUXHBM, "HBM_8H_STACK_VCCAUXHBM", "HBM_8H_STACK"};
-        case Block::BFR_CORE_ACTIVE_VCCINT:
-            return {Rail::VCCINT, "BFR_CORE_ACTIVE", "BFR_CORE_ACTIVE"};
-        case Block::ADC_CORE_ACTIVE_ADCAVCC:
-            return {Rail::ADCAVCC, "ADC_CORE_ACTIVE_ADCAVCC", "ADC_CORE_ACTIVE"};
-        case Block::ADC_CORE_ACTIVE_ADCAVCCAUX:
-            return {Rail::ADCAVCCAUX, "ADC_CORE_ACTIVE_ADCAVCCAUX", "ADC_CORE_ACTIVE"};
-        case Block::ADC_CORE_ACTIVE_VCCHSAMS:
-            return {Rail::VCCHSAMS, "ADC_CORE_ACTIVE_VCCHSAMS", "ADC_CORE_ACTIVE"};
-        case Block::DAC_CORE_ACTIVE_DACAVCC:
-            return {Rail::DACAVCC, "DAC_CORE_ACTIVE_DACAVCC", "DAC_CORE_ACTIVE"};
-        case Block::DAC_CORE_ACTIVE_DACAVCCAUX:
-            return {Rail::DACAVCCAUX, "DAC_CORE_ACTIVE_DACAVCCAUX", "DAC_CORE_ACTIVE"};
-        case Block::DAC_CORE_ACTIVE_DACAVTT:
-            return {Rail::DACAVTT, "DAC_CORE_ACTIVE_DACAVTT", "DAC_CORE_ACTIVE"};
-        case Block::DAC_CORE_ACTIVE_VCCHSAMS:
-            return {Rail::VCCHSAMS, "DAC_CORE_ACTIVE_VCCHSAMS", "DAC_CORE_ACTIVE"};
-        case Block::GTY_QUAD_MGTYAVCC:
-            return {Rail::MGTYAVCC, "GTY_QUAD_MGTYAVCC", "GTY_QUAD"};
-        case Block::GTY_QUAD_MGTYAVTT:
-            return {Rail::MGTYAVTT, "GTY_QUAD_MGTYAVTT", "GTY_QUAD"};
-        case Block::GTY_QUAD_MGTYVCCAUX:
-            return {Rail::MGTYVCCAUX, "GTY_QUAD_MGTYVCCAUX", "GTY_QUAD"};
-        case Block::GTY_QUAD_TOP_CORE_VCCINT:
-            return {Rail::VCCINT, "GTY_QUAD_TOP_CORE", "GTY_QUAD_TOP_CORE"};
-        case Block::GTYP_QUAD_MGTYPAVCC:
-            return {Rail::MGTYPAVCC, "GTYP_QUAD_MGTYPAVCC", "GTYP_QUAD"};
-        case Block::GTYP_QUAD_MGTYPAVTT:
-            return {Rail::MGTYPAVTT, "GTYP_QUAD_MGTYPAVTT", "GTYP_QUAD"};
-        case Block::GTYP_QUAD_MGTYPVCCAUX:
-            return {Rail::MGTYPVCCAUX, "GTYP_QUAD_MGTYPVCCAUX", "GTYP_QUAD"};
-        case Block::GTYP_QUAD_TOP_CORE_VCCINT:
-            return {Rail::VCCINT, "GTYP_QUAD_TOP_CORE", "GTYP_QUAD_TOP_CORE"};
-        case Block::GTM_QUAD_MGTMAVCC:
-            return {Rail::MGTMAVCC, "GTM_QUAD_MGTMAVCC", "GTM_QUAD"};
-        case Block::GTM_QUAD_MGTMAVTT:
-            return {Rail::MGTMAVTT, "GTM_QUAD_MGTMAVTT", "GTM_QUAD"};
-        case Block::GTM_QUAD_MGTMVCCAUX:
-            return {Rail::MGTMVCCAUX, "GTM_QUAD_MGTMVCCAUX", "GTM_QUAD"};
-        case Block::GTM_QUAD_VCCINTGT:
-            return {Rail::VCCINTGT, "GTM_QUAD_VCCINTGT", "GTM_QUAD"};
-        case Block::GTM_QUAD_TOP_CORE_VCCINT:
-            return {Rail::VCCINT, "GTM_QUAD_TOP_CORE", "GTM_QUAD_TOP_CORE"};
-        case Block::HDIOBANK_ACTIVE_VCCO33:
-            return {Rail::VCCO33, "HDIOBANK_ACTIVE_VCCO33", "HDIOBANK_ACTIVE"};
-        case Block::HDIOBANK_ACTIVE_VCCO25:
-            return {Rail::VCCO25, "HDIOBANK_ACTIVE_VCCO25", "HDIOBANK_ACTIVE"};
-        case Block::HDIOBANK_ACTIVE_VCCO18:
-            return {Rail::VCCO18, "HDIOBANK_ACTIVE_VCCO18", "HDIOBANK_ACTIVE"};
-        case Block::XPIOBANK_ACTIVE_VCCO15:
-            return {Rail::VCCO15, "XPIOBANK_ACTIVE_VCCO15", "XPIOBANK_ACTIVE"};
-        case Block::XPIOBANK_ACTIVE_VCCO135:
-            return {Rail::VCCO135, "XPIOBANK_ACTIVE_VCCO135", "XPIOBANK_ACTIVE"};
-        case Block::XPIOBANK_ACTIVE_VCCO12:
-            return {Rail::VCCO12, "XPIOBANK_ACTIVE_VCCO12", "XPIOBANK_ACTIVE"};
-        case Block::XPIOBANK_ACTIVE_VCCO11:
-            return {Rail::VCCO11, "XPIOBANK_ACTIVE_VCCO11", "XPIOBANK_ACTIVE"};
-        case Block::XPIOBANK_ACTIVE_VCCO10:
-            return {Rail::VCCO10, "XPIOBANK_ACTIVE_VCCO10", "XPIOBANK_ACTIVE"};
-        case Block::X5IOBANK_ACTIVE_VCCO12:
-            return {Rail::VCCO12, "X5IOBANK_ACTIVE_VCCO12", "X5IOBANK_ACTIVE"};
-        case Block::X5IOBANK_ACTIVE_VCCO11:
-            return {Rail::VCCO11, "X5IOBANK_ACTIVE_VCCO11", "X5IOBANK_ACTIVE"};
-        case Block::X5IOBANK_ACTIVE_VCCO10:
-            return {Rail::VCCO10, "X5IOBANK_ACTIVE_VCCO10", "X5IOBANK_ACTIVE"};
-        case Block::OCM2_ACTIVE_VCCPSLP:
-            return {Rail::VCCPSLP, "OCM2_CORE_ACTIVE", "OCM2_CORE_ACTIVE"};
-        case Block::XRAM_CORE_ACTIVE_VCCPSLP:
-            return {Rail::VCCPSLP, "XRAM_CORE_ACTIVE", "XRAM_CORE_ACTIVE"};
-    }
-    return {Rail::VCCINT, {}, {}};
-}
-
-bool isBlockRam(Block block) {
-    switch (block) {
-        case Block::BRAM_ACTIVE_VCCINT:
-        case Block::BRAM_ACTIVE_VCCRAM:
-        case Block::BRAM_SLEEP_VCCINT:
-        case Block::BRAM_SLEEP_VCCRAM:
-            return true;
-        default:
-            return false;
-    }
-}
-
-bool isUltraRam(Block block) {
-    switch (block) {
-        case Block::URAM_ACTIVE_VCCINT:
-        case Block::URAM_ACTIVE_VCCRAM:
-        case Block::URAM_SLEEP_VCCINT:
-        case Block::URAM_SLEEP_VCCRAM:
-            return true;
-        default:
-            return false;
-    }
-}
-
-bool isMemoryStack(Block block) {
-    switch (block) {
-        case Block::HBM_4H_VCCHBM:
-        case Block::HBM_4H_VCCIOHBM:
-        case Block::HBM_4H_VCCAUXHBM:
-        case Block::HBM_8H_VCCHBM:
-        case Block::HBM_8H_VCCIOHBM:
-        case Block::HBM_8H_VCCAUXHBM:
-            return true;
-        default:
-            return false;
-    }
-}
-
 // A block's component key. The memory cores of a later revision (RAM_CORE_INFO) have coefficients of
 // their own, under the key followed by "_REV<n>".
 std::string_view component(Model const& model, Params& params, Data const& data, Block block) {
-    std::string_view const key = site(block).component;
-    int revision = 1;
-    if (isBlockRam(block)) revision = model.calculateCommonBramCoreRev(params, data);
-    if (isUltraRam(block)) revision = model.calculateCommonUramCoreRev(params, data);
-    if (revision <= 1 || revision > 9) return key;
+    Model::BlockRow const& row = Model::row(block);
+    int const revision = row.revision ? (model.*row.revision)(params, data) : 1;
+    if (revision <= 1 || revision > 9) return row.component;
     char const digit[2] = {static_cast<char>('0' + revision), '\0'};
-    return prsm::concatKey(key, "_REV", std::string_view(digit, 1));
-}
-
-// The bank of an X5IO rail variant.
-Block x5ioBank(X5ioRail rail) {
-    switch (rail) {
-        case X5ioRail::VCCO10:
-            return Block::X5IOBANK_ACTIVE_VCCO10;
-        case X5ioRail::VCCO11:
-            return Block::X5IOBANK_ACTIVE_VCCO11;
-        case X5ioRail::VCCO12:
-            return Block::X5IOBANK_ACTIVE_VCCO12;
-    }
-    return Block::X5IOBANK_ACTIVE_VCCO10;
-}
-
-Rail x5ioRail(X5ioRail rail) {
-    switch (rail) {
-        case X5ioRail::VCCO10:
-            return Rail::VCCO10;
-        case X5ioRail::VCCO11:
-            return Rail::VCCO11;
-        case X5ioRail::VCCO12:
-            return Rail::VCCO12;
-    }
-    return Rail::VCCO10;
+    return prsm::concatKey(row.component, "_REV", std::string_view(digit, 1));
 }
 
 }  // namespace
@@ -379,104 +183,12 @@ int Model::computeIsGtmBonded(Params& params, Data const& data) const {
     return calculateAvailableGtm(params, data) > 0 ? 1 : 0;
 }
 
-// The count that multiplies a block's leakage: the used instances of the block in that state.
+// The count that multiplies a block's leakage: the used instances of the block in that state, none
+// while its gate is shut.
 int Model::computeMultiplier(Params& params, Data const& data, Block block) const {
-    switch (block) {
-        case Block::BRAM_ACTIVE_VCCINT:
-        case Block::BRAM_ACTIVE_VCCRAM:
-            return getUsedBramsActive(params, data);
-        case Block::BRAM_SLEEP_VCCINT:
-        case Block::BRAM_SLEEP_VCCRAM:
-            return getUsedBramsSleep(params, data);
-        case Block::URAM_ACTIVE_VCCINT:
-        case Block::URAM_ACTIVE_VCCRAM:
-            return getUsedUramsActive(params, data);
-        case Block::URAM_SLEEP_VCCINT:
-        case Block::URAM_SLEEP_VCCRAM:
-            return getUsedUramsSleep(params, data);
-        case Block::CPU_ACTIVE_VCCPSFP:
-            return getUsedPsFpdA72(params, data);
-        case Block::L2_ACTIVE_VCCPSFP:
-            return getUsedPsFpdL2cache(params, data);
-        case Block::RPU_ACTIVE_VCCPSLP:
-            return getUsedPsLpdR5(params, data);
-        case Block::OCM_ACTIVE_VCCPSLP:
-            return getUsedPsLpdOcm(params, data);
-        case Block::TCM_ACTIVE_VCCPSLP:
-            return getUsedPsLpdTcm(params, data);
-        case Block::PSXL_CPU_ACTIVE_VCCFPD:
-            return getUsedPsxlCpu(params, data);
-        case Block::PSXL_L3_ACTIVE_VCCFPD:
-            return getUsedPsxlL3Cache(params, data);
-        case Block::PSXL_OCM_ACTIVE_VCCLPD:
-            return getUsedPsxlRpuOcm(params, data);
-        case Block::PSXL_RPU_ACTIVE_VCCLPD:
-            return getUsedPsxlRpu(params, data);
-        case Block::PSXL_TCM_ACTIVE_VCCLPD:
-            return getUsedPsxlRpuTcm(params, data);
-        case Block::HBM_4H_VCCHBM:
-        case Block::HBM_4H_VCCIOHBM:
-        case Block::HBM_4H_VCCAUXHBM:
-            return calculateHbm4hMultiplier(params, data);
-        case Block::HBM_8H_VCCHBM:
-        case Block::HBM_8H_VCCIOHBM:
-        case Block::HBM_8H_VCCAUXHBM:
-            return calculateHbm8hMultiplier(params, data);
-        case Block::BFR_CORE_ACTIVE_VCCINT:
-            return getUsedBfr(params, data);
-        case Block::ADC_CORE_ACTIVE_ADCAVCC:
-        case Block::ADC_CORE_ACTIVE_ADCAVCCAUX:
-        case Block::ADC_CORE_ACTIVE_VCCHSAMS:
-            return getUsedAdcCore(params, data);
-        case Block::DAC_CORE_ACTIVE_DACAVCC:
-        case Block::DAC_CORE_ACTIVE_DACAVCCAUX:
-        case Block::DAC_CORE_ACTIVE_DACAVTT:
-        case Block::DAC_CORE_ACTIVE_VCCHSAMS:
-            return getUsedDacCore(params, data);
-        case Block::GTY_QUAD_MGTYAVCC:
-        case Block::GTY_QUAD_MGTYAVTT:
-        case Block::GTY_QUAD_MGTYVCCAUX:
-        case Block::GTY_QUAD_TOP_CORE_VCCINT:
-            return getUsedGtyPowerQuads(params, data);
-        case Block::GTYP_QUAD_MGTYPAVCC:
-        case Block::GTYP_QUAD_MGTYPAVTT:
-        case Block::GTYP_QUAD_MGTYPVCCAUX:
-        case Block::GTYP_QUAD_TOP_CORE_VCCINT:
-            return getUsedGtypPowerQuads(params, data);
-        case Block::GTM_QUAD_MGTMAVCC:
-        case Block::GTM_QUAD_MGTMAVTT:
-        case Block::GTM_QUAD_MGTMVCCAUX:
-        case Block::GTM_QUAD_VCCINTGT:
-        case Block::GTM_QUAD_TOP_CORE_VCCINT:
-            return calculateIsGtmBonded(params, data) == 1 ? getUsedGtmPowerQuads(params, data) : 0;
-        case Block::HDIOBANK_ACTIVE_VCCO33:
-            return getUsedVcco33HdioBanks(params, data);
-        case Block::HDIOBANK_ACTIVE_VCCO25:
-            return getUsedVcco25HdioBanks(params, data);
-        case Block::HDIOBANK_ACTIVE_VCCO18:
-            return getUsedVcco18HdioBanks(params, data);
-        case Block::XPIOBANK_ACTIVE_VCCO15:
-            return getUsedVcco15XpioBanks(params, data);
-        case Block::XPIOBANK_ACTIVE_VCCO135:
-            return getUsedVcco135XpioBanks(params, data);
-        case Block::XPIOBANK_ACTIVE_VCCO12:
-            return getUsedVcco12XpioBanks(params, data);
-        case Block::XPIOBANK_ACTIVE_VCCO11:
-            return getUsedVcco11XpioBanks(params, data);
-        case Block::XPIOBANK_ACTIVE_VCCO10:
-            return getUsedVcco10XpioBanks(params, data);
-        case Block::X5IOBANK_ACTIVE_VCCO12:
-            return getUsedVcco12X5ioBanks(params, data);
-        case Block::X5IOBANK_ACTIVE_VCCO11:
-            return getUsedVcco11X5ioBanks(params, data);
-        case Block::X5IOBANK_ACTIVE_VCCO10:
-            return getUsedVcco10X5ioBanks(params, data);
-        case Block::OCM2_ACTIVE_VCCPSLP:
-            return getUsedOcm2sActive(params, data);
-        case Block::XRAM_CORE_ACTIVE_VCCPSLP:
-            return getUsedXram(params, data);
-    }
-    return 0;
+    BlockRow const& blockRow = row(block);
+    if (blockRow.gate && (this->*blockRow.gate)(params, data) != 1) return 0;
+    return blockRow.count ? (this->*blockRow.count)(params, data) : 0;
 }
 
 // ---- Thermal step ----
@@ -789,9 +501,11 @@ float Model::computeVtConst(Params& params, Data const& data, Block block) const
     return vtCoefficient(*this, params, data, component(*this, params, data, block), "CONST");
 }
 
-// The memory stacks sit at their own temperature, without a rise; every other block at the logic's.
+// A block with a temperature of its own (the memory stacks) leaks at it, without a rise; every other
+// block at the logic's.
 float Model::computeVtLeakage(Params& params, Data const& data, Block block) const {
-    double const t = isMemoryStack(block) ? static_cast<double>(getJunctionTemperatureHbmdram(params, data))
+    BlockRow const& blockRow = row(block);
+    double const t = blockRow.temperature ? static_cast<double>((this->*blockRow.temperature)(params, data))
                                           : static_cast<double>(getJunctionTemperature(params, data)) -
                                                 calculateTjDeltaPl(params, data);
     return prsm::leakage::leakageAt(*this, params, data, block, t);
@@ -813,7 +527,7 @@ float Model::computeVScaling(Params& params, Data const& data, Block block) cons
     float const c1 = calculateVC1(params, data, block);
     if (c1 == 0.0f) return 1.0f;
     return singleSupplyScaling(c1, calculateVC2(params, data, block),
-                               getRail(params, data, site(block).rail));
+                               getRail(params, data, row(block).rail));
 }
 
 float Model::computeVoltBinning(Params& params, Data const& data, Block block) const {
@@ -821,7 +535,7 @@ float Model::computeVoltBinning(Params& params, Data const& data, Block block) c
 }
 
 float Model::computeDeviceScale(Params& params, Data const& data, Block block) const {
-    BlockSite const where = site(block);
+    BlockRow const& where = row(block);
     return IFERROR(data.getDeviceDependentScaleOrError(deviceName(*this, params, data), where.core,
                                                        memberName(where.rail)),
                    1.0f);
@@ -845,7 +559,7 @@ float Model::computePass1StaticCurrent(Params& params, Data const& data, Block b
 }
 
 float Model::computePass1StaticPower(Params& params, Data const& data, Block block) const {
-    float const volts = getRail(params, data, site(block).rail);
+    float const volts = getRail(params, data, row(block).rail);
     if (volts == 0.0f) return 0.0f;
     return volts * calculatePass1StaticCurrent(params, data, block);
 }
@@ -992,26 +706,26 @@ float Model::computeVcciohbmDramStaticCurrent(Params& params, Data const& data) 
 // ---- The X5IO banks of VCCO10, VCCO11 and VCCO12 ----
 
 float Model::computeX5ioStaticCurrent(Params& params, Data const& data, X5ioRail rail) const {
-    if (getRail(params, data, x5ioRail(rail)) == 0.0f) return 0.0f;
-    return calculateStaticCurrent(params, data, x5ioBank(rail));
+    if (getRail(params, data, row(rail).rail) == 0.0f) return 0.0f;
+    return calculateStaticCurrent(params, data, row(rail).bank);
 }
 
 float Model::computeX5ioStaticPower(Params& params, Data const& data, X5ioRail rail) const {
-    return getRail(params, data, x5ioRail(rail)) * calculateX5ioStaticCurrent(params, data, rail);
+    return getRail(params, data, row(rail).rail) * calculateX5ioStaticCurrent(params, data, rail);
 }
 
 float Model::computeX5ioStaticCurrentTpfScaled(Params& params, Data const& data, X5ioRail rail) const {
     float const current = calculateX5ioStaticCurrent(params, data, rail);
     if (!isWorstProcess(*this, params, data)) return current;
-    return current * calculateCommonTotalPowerFactor(params, data, x5ioRail(rail));
+    return current * calculateCommonTotalPowerFactor(params, data, row(rail).rail);
 }
 
 // The banks' scaled 25-degree leakage under the worst process; the banks add no constant.
 float Model::computeX5ioPowerupCurrent(Params& params, Data const& data, X5ioRail rail) const {
-    Block const bank = x5ioBank(rail);
+    Block const bank = row(rail).bank;
     int const banks = calculateMultiplier(params, data, bank);
     if (banks <= 0 || !isWorstProcess(*this, params, data)) return 0.0f;
-    float const factor = calculateCommonTotalPowerFactor(params, data, x5ioRail(rail));
+    float const factor = calculateCommonTotalPowerFactor(params, data, row(rail).rail);
     return calculateVtLeakage25(params, data, bank) * calculateVScaling(params, data, bank) *
            calculateVoltBinning(params, data, bank) * static_cast<float>(banks) *
            calculateDeviceScale(params, data, bank) * factor;

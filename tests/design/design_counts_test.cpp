@@ -52,6 +52,21 @@ std::string warnings(Report const& report) {
     return text;
 }
 
+// A new leaking block is its own table and formulas: TestToyCore makes up toy_cores, a count no list
+// names, and the static sheet's USED_TOY_CORES receives it without the design naming it:
+// 3 instances x 4 cores = 12.
+TEST(DesignCounts, ANewBlocksCountReachesTheStaticSheetWithoutTheDesignNamingIt) {
+    Estimator estimator(parseDesign(R"({"schema_version": 1, "device": {"part": "ZQVC1902"},
+        "thermal": {"junction_temperature": 50}, "rails": {"VCCINT": 0.8, "VCCAUX": 1.5},
+        "static": {"model": "TestLeakage", "inputs": {}},
+        "blocks": [{"name": "toys", "model": "TestToyCore", "count": 3, "inputs": {"CORES": 4}}]})",
+                                    "toy.json"));
+    Report report = estimator.estimate();
+    ASSERT_TRUE(report.complete) << report.failures[0];
+    EXPECT_EQ(held(report, "USED_TOY_CORES"), 12.0);
+    EXPECT_EQ(held(report, "USED_BRAMS"), std::nullopt);  // no block makes up block RAMs
+}
+
 TEST(DesignCounts, BlocksAddUpTheCountsTheStaticSheetReceives) {
     Estimator estimator(parseDesign(design("ZQVC1902"), "counts.json"));
     Report report = estimator.estimate();
