@@ -84,6 +84,53 @@ std::string catalogueFeature(std::string const& part, std::string const& feature
     }
 }
 
+// The catalogue architecture of a part: DEVICE.<family>.<part>, or a family one of whose parts has it as
+// internal name (a module's base device), then DEVICE_FAMILY.<architecture>.<family>. "" when unknown.
+std::string architectureOf(std::string const& part) {
+    try {
+        PRSMCommonParamControlData const& catalogue = PRSMCommonParamControlData::getGlobal();
+        std::string name = catalogue.getDeviceAliasOrError(part);
+        if (name == kStringNotSet) name = part;
+        std::string family;
+        for (auto const& [key, value] : catalogue.m_Device) {
+            std::size_t const dot = key.find('.');
+            if (dot == std::string::npos) continue;
+            if (key.compare(dot + 1, std::string::npos, name) == 0) {
+                family = key.substr(0, dot);
+                break;
+            }
+            if (value == name) family = key.substr(0, dot);
+        }
+        if (family.empty()) return {};
+        for (auto const& entry : catalogue.m_DeviceFamily) {
+            std::size_t const dot = entry.first.find('.');
+            if (dot != std::string::npos && entry.first.compare(dot + 1, std::string::npos, family) == 0)
+                return entry.first.substr(0, dot);
+        }
+    } catch (...) {  // no catalogue
+    }
+    return {};
+}
+
+// Each sheet of the design (its blocks, its static sheet) that models another architecture than the part's.
+std::string architectureMismatches(Design const& design) {
+    std::string const* part = design.device.find("part");
+    std::string const architecture = part ? architectureOf(*part) : std::string();
+    if (architecture.empty()) return {};
+    std::string refused;
+    auto check = [&](Block const& block, std::string const& pointer) {
+        Sheet const* sheet = SheetRegistry::instance().find(block.model);
+        std::string const& models = sheet ? sheet->design().architecture : architecture;
+        if (models.empty() || models == architecture) return;
+        refused += (refused.empty() ? "" : "\n") + design.source + ": " + pointer + ": block \"" + block.name +
+                   "\": " + block.model + " is a " + models + " sheet; the design's part " + *part + " is a " +
+                   architecture + " device";
+    };
+    for (Block const& block : design.blocks) check(block, block.pointer + "/model");
+    if (design.staticSheet) check(*design.staticSheet, design.staticSheet->pointer + "/model");
+    return refused;
+}
+
 std::string featureMismatch(SheetDesign const& declared, std::string const& part) {
     for (PartFeature const& required : declared.requiredFeatures) {
         std::string const has = catalogueFeature(part, required.feature);

@@ -118,34 +118,6 @@ double maxJunctionTemperature() {
     }
 }
 
-// The catalogue architecture of a part: DEVICE.<family>.<part>, or a family one of whose parts has it as
-// internal name (a module's base device), then DEVICE_FAMILY.<architecture>.<family>. "" when unknown.
-std::string architectureOf(std::string const& part) {
-    try {
-        PRSMCommonParamControlData const& catalogue = PRSMCommonParamControlData::getGlobal();
-        std::string name = catalogue.getDeviceAliasOrError(part);
-        if (name == prsm::kStringNotSet) name = part;
-        std::string family;
-        for (auto const& [key, value] : catalogue.m_Device) {
-            std::size_t const dot = key.find('.');
-            if (dot == std::string::npos) continue;
-            if (key.compare(dot + 1, std::string::npos, name) == 0) {
-                family = key.substr(0, dot);
-                break;
-            }
-            if (value == name) family = key.substr(0, dot);
-        }
-        if (family.empty()) return {};
-        for (auto const& entry : catalogue.m_DeviceFamily) {
-            std::size_t const dot = entry.first.find('.');
-            if (dot != std::string::npos && entry.first.compare(dot + 1, std::string::npos, family) == 0)
-                return entry.first.substr(0, dot);
-        }
-    } catch (...) {  // no catalogue
-    }
-    return {};
-}
-
 std::string what(std::exception const& e) {
     return e.what();
 }
@@ -359,6 +331,7 @@ void Estimator::State::setup() {
         design.device.fields.emplace_back("voltage_corner", voltageCorners()[0]);
     for (auto const& [name, value] : design.rails)
         voltage.resize(rail(name) + 1), voltage[rail(name)] = value;
+    if (std::string const refused = architectureMismatches(design); !refused.empty()) throw DesignError(refused);
     blocks.reserve(design.blocks.size());
     for (Block const& entry : design.blocks) {
         BlockState block;
