@@ -122,9 +122,9 @@ std::string architectureMismatches(Design const& design) {
         Sheet const* sheet = SheetRegistry::instance().find(block.model);
         std::string const& models = sheet ? sheet->design().architecture : architecture;
         if (models.empty() || models == architecture) return;
-        refused += (refused.empty() ? "" : "\n") + design.source + ": " + pointer + ": block \"" + block.name +
-                   "\": " + block.model + " is a " + models + " sheet; the design's part " + *part + " is a " +
-                   architecture + " device";
+        refused += (refused.empty() ? "" : "\n") + design.source + ": " + pointer + ": block \"" +
+                   block.name + "\": " + block.model + " is a " + models + " sheet; the design's part " +
+                   *part + " is a " + architecture + " device";
     };
     for (Block const& block : design.blocks) check(block, block.pointer + "/model");
     if (design.staticSheet) check(*design.staticSheet, design.staticSheet->pointer + "/model");

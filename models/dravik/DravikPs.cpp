@@ -81,7 +81,8 @@ BlockKey pinActivityKey(Model::Peripheral member) {
 }
 
 // PERIPHERAL_PINS: each peripheral's INPUTS, OUTPUTS, BIDIS, BANK.
-static_assert(Data::kPeripheralPinsKeys[0] == "USB.INPUTS" && Data::kPeripheralPinsKeys[7] == "ETHERNET.BANK");
+static_assert(Data::kPeripheralPinsKeys[0] == "USB.INPUTS" &&
+              Data::kPeripheralPinsKeys[7] == "ETHERNET.BANK");
 enum class PinField { Inputs, Outputs, Bidis, Bank };
 
 PinKey pinKey(Model::Peripheral member, PinField field) {
@@ -220,16 +221,16 @@ float Model::computePllAuxPower(Params& params, Data const& data) const {
         power += blockData(data, BlockKey::FPD_PLL_AUX) * getFpdPllClkFreq(params, data);
     if (getLpdPllOnOff(params, data) == 1)
         power += blockData(data, BlockKey::LPD_PLL_AUX) * getLpdPllClkFreq(params, data);
-    return static_cast<float>(
-        power * squareLaw(getVccpspll(params, data),
-                          data.getSimConditionsOrError(Data::SimConditionsKey::PLL_VOLTAGE)));
+    return static_cast<float>(power *
+                              squareLaw(getVccpspll(params, data),
+                                        data.getSimConditionsOrError(Data::SimConditionsKey::PLL_VOLTAGE)));
 }
 
 // The auxiliary circuits draw a standing power whenever the system is up.
 float Model::computeAuxPower(Params& params, Data const& data) const {
-    return static_cast<float>(
-        blockData(data, BlockKey::PS_AUX_STANDBY) *
-        squareLaw(getVccpsaux(params, data), data.getSimConditionsOrError(Data::SimConditionsKey::AUX_VOLTAGE)));
+    return static_cast<float>(blockData(data, BlockKey::PS_AUX_STANDBY) *
+                              squareLaw(getVccpsaux(params, data),
+                                        data.getSimConditionsOrError(Data::SimConditionsKey::AUX_VOLTAGE)));
 }
 
 // ---- The peripherals' pins ----
@@ -363,8 +364,8 @@ float Model::computeDdrCorePower(Params& params, Data const& data) const {
     double const bits = getDataWidth(params, data);
     double const controller =
         ddrData(*this, params, data, "CTRL_IDLE") + ddrData(*this, params, data, "CTRL_ACTIVE") * share;
-    double const phy =
-        bits * (ddrData(*this, params, data, "PHY_IDLE") + ddrData(*this, params, data, "PHY_ACTIVE") * share);
+    double const phy = bits * (ddrData(*this, params, data, "PHY_IDLE") +
+                               ddrData(*this, params, data, "PHY_ACTIVE") * share);
     return static_cast<float>((controller + phy) * calculateDdrClockFreq(params, data) *
                               calculateVccpsintddrVoltageScaling(params, data) *
                               calculateDdrDeviceScale(params, data));
@@ -383,9 +384,9 @@ float Model::computeDdrIoPower(Params& params, Data const& data) const {
 }
 
 float Model::computeDdrPllPower(Params& params, Data const& data) const {
-    return static_cast<float>(
-        ddrData(*this, params, data, "PLL") * calculateDdrClockFreq(params, data) *
-        squareLaw(getVccpsddrpll(params, data), data.getSimConditionsOrError(Data::SimConditionsKey::AUX_VOLTAGE)));
+    return static_cast<float>(ddrData(*this, params, data, "PLL") * calculateDdrClockFreq(params, data) *
+                              squareLaw(getVccpsddrpll(params, data),
+                                        data.getSimConditionsOrError(Data::SimConditionsKey::AUX_VOLTAGE)));
 }
 
 // ---- Rail totals ----

@@ -63,11 +63,11 @@ TEST(DesignDravikPs, RailCurrentsAndMemoryTrafficReachTheBoard) {
 
 TEST(DesignDravikPs, ASheetOfTheOtherArchitectureIsRefused) {
     auto refusal = [](std::string const& part, std::string const& model) {
+        std::string const text =
+            R"({"schema_version": 1, "thermal": {"junction_temperature": 25}, "device": {"part": ")" + part +
+            R"("}, "blocks": [{"name": "cpu", "model": ")" + model + R"("}]})";
         try {
-            Estimator(parseDesign(R"({"schema_version": 1, "device": {"part": ")" + part +
-                                      R"("}, "thermal": {"junction_temperature": 25}, "blocks": [
-                                      {"name": "cpu", "model": ")" + model + R"("}]})",
-                                  "mixed.json"));
+            Estimator(parseDesign(text, "mixed.json"));
         } catch (DesignError const& e) {
             return std::string(e.what());
         }
@@ -76,8 +76,9 @@ TEST(DesignDravikPs, ASheetOfTheOtherArchitectureIsRefused) {
     EXPECT_MENTIONS(refusal("ZDM9200", "TalvexPss"),
                     "mixed.json: /blocks/0/model: block \"cpu\": TalvexPss is a TALVEX sheet; the design's "
                     "part ZDM9200 is a DRAVIK device");
-    EXPECT_MENTIONS(refusal("ZQVC1902", "DravikPs"),
-                    "block \"cpu\": DravikPs is a DRAVIK sheet; the design's part ZQVC1902 is a TALVEX device");
+    EXPECT_MENTIONS(
+        refusal("ZQVC1902", "DravikPs"),
+        "block \"cpu\": DravikPs is a DRAVIK sheet; the design's part ZQVC1902 is a TALVEX device");
     // A module is its base device's architecture; a part the catalogue does not know is not refused.
     EXPECT_MENTIONS(refusal("ZDS24", "TalvexCleLogic"), "TalvexCleLogic is a TALVEX sheet");
     EXPECT_EQ(refusal("ZDM5100", "DravikVcu"), "");
