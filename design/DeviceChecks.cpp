@@ -1,3 +1,4 @@
+#include <prsm/design/Catalogue.h>
 #include <prsm/design/DeviceChecks.h>
 #include <prsm/framework/PRSMCommonParamControlData.h>
 #include <prsm/framework/PRSMNumberText.h>
@@ -82,6 +83,25 @@ std::string catalogueFeature(std::string const& part, std::string const& feature
     } catch (...) {  // no catalogue: nothing to say
         return {};
     }
+}
+
+// Each sheet of the design (its blocks, its static sheet) that models another architecture than the part's.
+std::string architectureMismatches(Design const& design) {
+    std::string const* part = design.device.find("part");
+    std::string const architecture = part ? catalogue::architectureOf(*part) : std::string();
+    if (architecture.empty()) return {};
+    std::string refused;
+    auto check = [&](Block const& block, std::string const& pointer) {
+        Sheet const* sheet = SheetRegistry::instance().find(block.model);
+        std::string const& models = sheet ? sheet->design().architecture : architecture;
+        if (models.empty() || models == architecture) return;
+        refused += (refused.empty() ? "" : "\n") + design.source + ": " + pointer + ": block \"" +
+                   block.name + "\": " + block.model + " is a " + models + " sheet; the design's part " +
+                   *part + " is a " + architecture + " device";
+    };
+    for (Block const& block : design.blocks) check(block, block.pointer + "/model");
+    if (design.staticSheet) check(*design.staticSheet, design.staticSheet->pointer + "/model");
+    return refused;
 }
 
 std::string featureMismatch(SheetDesign const& declared, std::string const& part) {

@@ -20,6 +20,12 @@ using CellTexts = std::vector<std::pair<std::string, std::string>>;  // cell nam
 // does not know the part or the feature, or cannot be read.
 std::string catalogueFeature(std::string const& part, std::string const& feature);
 
+// Why the design is refused for mixing architectures, one line per block or static sheet whose sheet
+// models another architecture than the design's part ("d.json: /blocks/2/model: block "ps": TalvexPss is
+// a TALVEX sheet; the design's part ZDM5100 is a DRAVIK device"); "" when none does, or when the
+// catalogue does not know the part.
+std::string architectureMismatches(Design const& design);
+
 // Why the sheet does not apply to the part ("needs a part whose AIE is AIE; ZQVC2606 has AIE2"), or ""
 // when it does or the catalogue does not say.
 std::string featureMismatch(SheetDesign const& declared, std::string const& part);

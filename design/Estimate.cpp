@@ -146,6 +146,7 @@ void Estimator::State::setup() {
         design.device.fields.emplace_back("voltage_corner", voltageCorners()[0]);
     for (auto const& [name, value] : design.rails)
         voltage.resize(rail(name) + 1), voltage[rail(name)] = value;
+    if (std::string const refused = architectureMismatches(design); !refused.empty()) throw DesignError(refused);
     runners.reserve(design.blocks.size() + 2);
     blocks.reserve(design.blocks.size());
     for (Block const& entry : design.blocks)

@@ -101,6 +101,10 @@ struct SheetDesign {
     // the static sheet's feeds may select ("region:gt tag:ip"). Empty: none.
     std::string tag;
 
+    // The catalogue architecture of the parts the sheet models ("TALVEX", "DRAVIK"): declared, or the
+    // folder of its table. A design refuses a block of another architecture than its part's. Empty: any.
+    std::string architecture;
+
     bool isStatic() const { return !temperatureInput.empty(); }
     bool isBoard() const { return !boardCurrents.empty(); }
     bool empty() const {

@@ -85,6 +85,7 @@ class DesignDecl:
     counts: list[tuple[str, str, str, str, list[str]]] = field(default_factory=list)
     # (input, counts summed into it, resource of a share, whether it is a share in percent)
     count_feeds: list[tuple[str, list[str], str, bool]] = field(default_factory=list)
+    architecture: str = ""  # the catalogue architecture of the parts the sheet models ("TALVEX")
 
 
 def parse_selector(text: str, at: tuple = ("design", "feeds")) -> list[tuple[str, bool, list[str]]]:
@@ -196,7 +197,7 @@ def load(doc: dict, sheet) -> DesignDecl:
         raise SheetError(f"rails: unknown keys {sorted(unknown)}", ("rails", min(unknown)))
     known = {"region", "device", "temperature", "static_current", "max_current", "static_total", "static_regions",
              "feeds", "board_architecture", "board_currents", "board_total", "board_regulators", "requires", "counts",
-             "count_feeds", "tag"}
+             "count_feeds", "tag", "architecture"}
     if unknown := set(design) - known:
         raise SheetError(f"design: unknown keys {sorted(unknown)}", ("design", min(unknown)))
     decl = DesignDecl()
@@ -221,6 +222,7 @@ def load(doc: dict, sheet) -> DesignDecl:
             raise SheetError(f"{where}: {name} is not a {'/'.join(types)} {kind}", at)
         return c
 
+    decl.architecture = _architecture(design, sheet)
     decl.voltage = _pairs(rails, ("rails", "voltage"), sheet.lists)
     for name, _ in decl.voltage:
         cell(name, "rails.voltage", ("float",), True)
@@ -313,6 +315,19 @@ def load(doc: dict, sheet) -> DesignDecl:
     return decl
 
 
+def _architecture(design: dict, sheet: Sheet) -> str:
+    """design.architecture, else the folder of an architecture's models: models/dravik/ gives DRAVIK. A
+    sheet of neither (the common settings, the tests' small sheets) has none."""
+    architecture = design.get("architecture")
+    if architecture is None:
+        parts = sheet.subdir.split("/")
+        return parts[1].upper() if len(parts) == 2 and parts[0] == "models" else ""
+    if not isinstance(architecture, str) or not RAIL.fullmatch(architecture):
+        raise SheetError(f"design.architecture: {architecture!r} is not an upper-case name",
+                         ("design", "architecture"))
+    return architecture
+
+
 def _requires(value) -> list[tuple[str, list[str]]]:
     """design.requires = { FEATURE = "VALUE" or ["VALUE", ...] }: the device catalogue's features a part
     must have for the sheet to apply to it (FEATURE.<part>.<FEATURE> is one of the values)."""
@@ -369,4 +384,4 @@ def initializer(decl: DesignDecl) -> str:
             "{" + ", ".join(f'{{"{c}", "{cell}", "{r}", "{w}", {_cpp_strings(v)}}}'
                             for c, cell, r, w, v in decl.counts) + "}, "
             "{" + ", ".join(f'{{"{i}", {_cpp_strings(n)}, "{r}", {"true" if share else "false"}}}'
-                            for i, n, r, share in decl.count_feeds) + f'}}, "{decl.tag}"}}')
+                            for i, n, r, share in decl.count_feeds) + f'}}, "{decl.tag}", "{decl.architecture}"}}')

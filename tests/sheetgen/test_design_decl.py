@@ -10,6 +10,7 @@ sys.path.insert(0, str(ROOT / "sheetgen"))
 
 import design_decl  # noqa: E402
 from sheet import load  # noqa: E402
+from sheet_error import SheetError  # noqa: E402
 
 BASE = """
 [sheet]
@@ -38,6 +39,19 @@ def sheet_with(extra: str):
 
 
 class DesignDeclarations(unittest.TestCase):
+    def test_architecture_is_declared_or_the_models_folder(self):
+        self.assertEqual(sheet_with('[design]\narchitecture = "DRAVIK"\n').design.architecture, "DRAVIK")
+        self.assertEqual(sheet_with("").design.architecture, "")  # a folder of no architecture
+        self.assertTrue(design_decl.initializer(sheet_with('[design]\narchitecture = "ARCH"\n').design)
+                        .endswith(', "", "ARCH"}'))
+        with self.assertRaisesRegex(SheetError, "not an upper-case name"):
+            sheet_with('[design]\narchitecture = "dravik"\n')
+        with tempfile.TemporaryDirectory() as folder:
+            tables = Path(folder) / "models" / "dravik"
+            tables.mkdir(parents=True)
+            (tables / "Decl.toml").write_text(BASE.format(extra=""))
+            self.assertEqual(load(tables / "Decl.toml", Path(folder)).design.architecture, "DRAVIK")
+
     def test_accepted_declarations_reach_the_initialiser(self):
         sheet = sheet_with("""
 [rails]
@@ -62,7 +76,7 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
         self.assertEqual(board.board_currents, [("FED", "VCCINT")])
         self.assertEqual(board.board_regulators, [("R1", "AUX_CURRENT", "", "", "POWER")])
         self.assertTrue(design_decl.initializer(board).endswith(
-            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER"}}, {}, {}, {}, ""}'))
+            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER"}}, {}, {}, {}, "", ""}'))
         # The list form: each cell is its rail's name, braces expanded.
         listed = sheet_with('[rails]\nvoltage = ["VCC{INT,_SOC}"]\n').design
         self.assertEqual(listed.voltage, [("VCCINT", "VCCINT"), ("VCC_SOC", "VCC_SOC")])
@@ -77,7 +91,7 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
                                          ("VCCINT", ["luts"], "LUTS", True)])
         self.assertTrue(design_decl.initializer(d).endswith(
             '{{"luts", "POWER", "LUTS", "DEVICE", {"LUT*", "SRL"}}, {"dsps", "AUX_CURRENT", "DSPS", "", {}}}, '
-            '{{"FED", {"bram_active", "bram_sleep"}, "", false}, {"VCCINT", {"luts"}, "LUTS", true}}, ""}'))
+            '{{"FED", {"bram_active", "bram_sleep"}, "", false}, {"VCCINT", {"luts"}, "LUTS", true}}, "", ""}'))
 
 
 if __name__ == "__main__":

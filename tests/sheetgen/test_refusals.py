@@ -127,6 +127,7 @@ REFUSALS = [
     (f'[design]\ntag = "ip"  {MARK}', "design.tag: a tag sets power apart within a region: declare the region too"),
     (f'[design]\ndevice = {{ DEVICE = "family" }}  {MARK}', "design.device.DEVICE: unknown field 'family'"),
     (f'[design]\nrequires = "AIE"  {MARK}', "design.requires: a table of catalogue feature"),
+    (f'[design]\narchitecture = "dravik"  {MARK}', "design.architecture: 'dravik' is not an upper-case name"),
     (f'[design]\nrequires = {{ aie = "AIE" }}  {MARK}', "design.requires: 'aie' is not an upper-case feature name"),
     (f'[design]\nrequires = {{ AIE = [] }}  {MARK}', "design.requires.AIE: a value or a non-empty list of values"),
     (f'[design.counts]\nLookup_Tables = "POWER"  {MARK}',

@@ -1,0 +1,417 @@
+// Formulas of the older architecture's processing-system sheet.
+//
+// Every clocked block (application cores, GPU, interconnects, real-time cores, memories, peripheral
+// controllers) is one member of the Block family and follows prsm::ps::clockedPower as a core does, as
+// the newer architecture's larger processor system does: an idle clock term unless clock-gated, a load
+// term added to it, power gating, a count, and its domain's voltage and device scaling. The peripherals'
+// pins cost their receivers and drivers on VCCPSINTLP and on the supply of their bank. The DDR interface
+// has a controller and PHY logic term per memory clock, pins that switch and terminate with the
+// traffic, and its PLL. Leakage belongs to the static sheet.
+#include <prsm/models/dravik/PRSMDravikPsModel.h>
+
+#include <prsm/models/talvex/ProcessingSystemFormulas.h>
+#include <prsm/sheetfunc/PRSMHelperUtils.h>
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+using PRSMHelperUtils::IFERROR;
+using PRSMHelperUtils::ISERROR;
+using Model = PRSMDravikPsModel;
+using Data = Model::Data;
+using prsm::ps::BankVoltage;
+using prsm::ps::BlockKind;
+
+namespace {
+
+using IntInput = int (Model::*)(Model::Params&, Data const&) const;
+
+enum class Domain { FullPower, LowPower };
+
+// How one block that is not a peripheral is counted and gated. A null count is one; a null gate never
+// gates. The peripherals are counted by the Peripheral family, never gated, and draw on the low-power
+// domain.
+struct BlockWiring {
+    Domain domain;
+    IntInput count;
+    IntInput clockGated;
+    IntInput powerGated;
+};
+
+// In the order of the Block family's members, whose last seven are the Peripheral family's members.
+constexpr std::array<BlockWiring, 7> kBlocks{{
+    {Domain::FullPower, &Model::getCpuCores, &Model::getCpuClockGated, &Model::getCpuPowerGated},
+    {Domain::FullPower, &Model::getGpuCores, &Model::getGpuClockGated, &Model::getGpuPowerGated},
+    {Domain::FullPower, nullptr, &Model::getFpInterconnectClockGated, nullptr},
+    {Domain::LowPower, &Model::getRpuCores, &Model::getRpuClockGated, &Model::getRpuPowerGated},
+    {Domain::LowPower, &Model::getTcmMemoryCores, &Model::getTcmMemoryClockGated,
+     &Model::getTcmMemoryPowerGated},
+    {Domain::LowPower, &Model::getOcmMemoryCores, &Model::getOcmMemoryClockGated,
+     &Model::getOcmMemoryPowerGated},
+    {Domain::LowPower, nullptr, &Model::getLpInterconnectClockGated, nullptr},
+}};
+constexpr BlockWiring kPeripheralWiring{Domain::LowPower, nullptr, nullptr, nullptr};
+constexpr std::size_t kFirstPeripheral = kBlocks.size();
+constexpr std::size_t kPeripheralCount = 7;
+constexpr std::size_t kBlockCount = kFirstPeripheral + kPeripheralCount;
+
+Model::Block blockOf(Model::Peripheral peripheral) {
+    return static_cast<Model::Block>(kFirstPeripheral + static_cast<std::size_t>(peripheral));
+}
+
+// ---- Table keys, read by their place in the tables' `fixed` lists ----
+
+using BlockKey = Data::BlockDataKey;
+using PinKey = Data::PeripheralPinsKey;
+
+// BLOCK_DATA: every block's CLOCK, then every block's DYNAMIC, then the peripherals' PIN_ACTIVITY.
+static_assert(Data::kBlockDataKeys[0] == "CPU.CLOCK" && Data::kBlockDataKeys[kBlockCount] == "CPU.DYNAMIC" &&
+              Data::kBlockDataKeys[2 * kBlockCount] == "USB.PIN_ACTIVITY" &&
+              Data::kBlockDataKeys[2 * kBlockCount + kPeripheralCount - 1] == "SPI.PIN_ACTIVITY");
+enum class Term { Clock, Dynamic };
+
+BlockKey blockKey(Model::Block member, Term term) {
+    return static_cast<BlockKey>(static_cast<std::size_t>(term) * kBlockCount +
+                                 static_cast<std::size_t>(member));
+}
+
+BlockKey pinActivityKey(Model::Peripheral member) {
+    return static_cast<BlockKey>(2 * kBlockCount + static_cast<std::size_t>(member));
+}
+
+// PERIPHERAL_PINS: each peripheral's INPUTS, OUTPUTS, BIDIS, BANK.
+static_assert(Data::kPeripheralPinsKeys[0] == "USB.INPUTS" &&
+              Data::kPeripheralPinsKeys[7] == "ETHERNET.BANK");
+enum class PinField { Inputs, Outputs, Bidis, Bank };
+
+PinKey pinKey(Model::Peripheral member, PinField field) {
+    return static_cast<PinKey>(4 * static_cast<std::size_t>(member) + static_cast<std::size_t>(field));
+}
+
+// MIO_DATA: the core side's three keys, then five per bank voltage in BankVoltage's order.
+static_assert(Data::kMioDataKeys[3] == "MIO_IOB_VCCO_PMIO_1V8_RX_DYNAMIC" &&
+              Data::kMioDataKeys[8] == "MIO_IOB_VCCO_PMIO_2V5_RX_DYNAMIC" &&
+              Data::kMioDataKeys[13] == "MIO_IOB_VCCO_PMIO_3V3_RX_DYNAMIC" &&
+              Data::kMioDataKeys[17] == "MIO_BIAS_VCCO_PMIO_3V3_STATIC");
+
+// A coefficient the file lacks costs nothing; a factor it lacks changes nothing.
+float blockData(Data const& data, BlockKey key) {
+    return IFERROR(data.getBlockDataOrError(key), 0.0f);
+}
+
+double mioData(Data const& data, std::size_t index, double fallback = 0.0) {
+    float const value = data.getMioDataOrError(static_cast<Data::MioDataKey>(index));
+    return ISERROR(value) ? fallback : value;
+}
+
+prsm::ps::CoreSideCoefficients coreSide(Data const& data) {
+    return {mioData(data, 0), mioData(data, 1), mioData(data, 2)};
+}
+
+prsm::ps::BankSideCoefficients bankSide(Data const& data, BankVoltage bank) {
+    std::size_t const first = 3 + 5 * static_cast<std::size_t>(bank);
+    return {mioData(data, first), mioData(data, first + 1), mioData(data, first + 2, 1.0),
+            mioData(data, first + 3), mioData(data, first + 4)};
+}
+
+// (supply / characterised supply)^2.3; 1 when the file has no characterisation voltage.
+float coreVoltageScaling(Data const& data, float supply) {
+    float const characterised = data.getSimConditionsOrError(Data::SimConditionsKey::PSIM_VOLTAGE);
+    if (ISERROR(characterised)) return 1.0f;
+    return prsm::ps::voltageScaling(supply, characterised);
+}
+
+// (supply / characterised supply)^2 of an analog or pin supply; 1 when either is unknown.
+double squareLaw(double supply, float characterised) {
+    if (ISERROR(characterised) || !(characterised > 0.0f)) return 1.0;
+    double const ratio = supply / characterised;
+    return ratio * ratio;
+}
+
+float deviceScale(Model const& model, Model::Params& params, Data const& data, std::string_view key,
+                  Data::BlockPowerScaleKey fallback) {
+    return IFERROR(data.getBlockPowerScaleOrError(model.refDevice(params, data), key),
+                   IFERROR(data.getBlockPowerScaleOrError(fallback), 1.0f));
+}
+
+// A DDR_DATA figure of the memory type; 0 when the file lacks it.
+double ddrData(Model const& model, Model::Params& params, Data const& data, std::string_view key) {
+    return IFERROR(data.getDdrDataOrError(model.refMemoryType(params, data), key), 0.0f);
+}
+
+}  // namespace
+
+// ---- Voltage and device scaling of the domains ----
+
+float Model::computeVccpsintfpVoltageScaling(Params& params, Data const& data) const {
+    return coreVoltageScaling(data, getVccpsintfp(params, data));
+}
+
+float Model::computeVccpsintlpVoltageScaling(Params& params, Data const& data) const {
+    return coreVoltageScaling(data, getVccpsintlp(params, data));
+}
+
+float Model::computeVccpsintddrVoltageScaling(Params& params, Data const& data) const {
+    return coreVoltageScaling(data, getVccpsintddr(params, data));
+}
+
+float Model::computeFpdDeviceScale(Params& params, Data const& data) const {
+    return deviceScale(*this, params, data, "PS_FPD", Data::BlockPowerScaleKey::DEFAULT_PS_FPD);
+}
+
+float Model::computeLpdDeviceScale(Params& params, Data const& data) const {
+    return deviceScale(*this, params, data, "PS_LPD", Data::BlockPowerScaleKey::DEFAULT_PS_LPD);
+}
+
+float Model::computeDdrDeviceScale(Params& params, Data const& data) const {
+    return deviceScale(*this, params, data, "PS_DDR", Data::BlockPowerScaleKey::DEFAULT_PS_DDR);
+}
+
+namespace {
+
+double domainScale(Model const& model, Model::Params& params, Data const& data, Domain domain) {
+    if (domain == Domain::FullPower)
+        return static_cast<double>(model.calculateVccpsintfpVoltageScaling(params, data)) *
+               model.calculateFpdDeviceScale(params, data);
+    return static_cast<double>(model.calculateVccpsintlpVoltageScaling(params, data)) *
+           model.calculateLpdDeviceScale(params, data);
+}
+
+}  // namespace
+
+// ---- The clocked blocks ----
+
+float Model::computeDynamicPower(Params& params, Data const& data, Block member) const {
+    auto const index = static_cast<std::size_t>(member);
+    BlockWiring const& block = index < kFirstPeripheral ? kBlocks[index] : kPeripheralWiring;
+    auto const flag = [&](IntInput input) { return input != nullptr && (this->*input)(params, data) == 1; };
+    double count = 1.0;
+    if (index >= kFirstPeripheral)
+        count = getCount(params, data, static_cast<Peripheral>(index - kFirstPeripheral));
+    else if (block.count != nullptr)
+        count = (this->*block.count)(params, data);
+
+    double const power =
+        count * prsm::ps::clockedPower(BlockKind::Core, blockData(data, blockKey(member, Term::Clock)),
+                                       blockData(data, blockKey(member, Term::Dynamic)),
+                                       getClkFreq(params, data, member), getLoad(params, data, member),
+                                       flag(block.clockGated), flag(block.powerGated));
+    return static_cast<float>(power * domainScale(*this, params, data, block.domain));
+}
+
+// ---- PLLs: W per MHz of output clock on the domain's supply (scaled), while on ----
+
+float Model::computeFpdPllCorePower(Params& params, Data const& data) const {
+    if (getFpdPllOnOff(params, data) != 1) return 0.0f;
+    return static_cast<float>(blockData(data, BlockKey::FPD_PLL_CORE) * getFpdPllClkFreq(params, data) *
+                              domainScale(*this, params, data, Domain::FullPower));
+}
+
+float Model::computeLpdPllCorePower(Params& params, Data const& data) const {
+    if (getLpdPllOnOff(params, data) != 1) return 0.0f;
+    return static_cast<float>(blockData(data, BlockKey::LPD_PLL_CORE) * getLpdPllClkFreq(params, data) *
+                              domainScale(*this, params, data, Domain::LowPower));
+}
+
+// The analog parts of both PLLs on VCCPSPLL, with the square of its voltage.
+float Model::computePllAuxPower(Params& params, Data const& data) const {
+    double power = 0.0;
+    if (getFpdPllOnOff(params, data) == 1)
+        power += blockData(data, BlockKey::FPD_PLL_AUX) * getFpdPllClkFreq(params, data);
+    if (getLpdPllOnOff(params, data) == 1)
+        power += blockData(data, BlockKey::LPD_PLL_AUX) * getLpdPllClkFreq(params, data);
+    return static_cast<float>(power *
+                              squareLaw(getVccpspll(params, data),
+                                        data.getSimConditionsOrError(Data::SimConditionsKey::PLL_VOLTAGE)));
+}
+
+// The auxiliary circuits draw a standing power whenever the system is up.
+float Model::computeAuxPower(Params& params, Data const& data) const {
+    return static_cast<float>(blockData(data, BlockKey::PS_AUX_STANDBY) *
+                              squareLaw(getVccpsaux(params, data),
+                                        data.getSimConditionsOrError(Data::SimConditionsKey::AUX_VOLTAGE)));
+}
+
+// ---- The peripherals' pins ----
+
+namespace {
+
+int pinsOf(Data const& data, Model::Peripheral member, PinField field) {
+    return IFERROR(data.getPeripheralPinsOrError(pinKey(member, field)), 0);
+}
+
+// Every controller in use places its pins on its bank.
+prsm::ps::Pins pinsOf(Model const& model, Model::Params& params, Data const& data, Model::Peripheral member) {
+    int const count = model.getCount(params, data, member);
+    return {count * pinsOf(data, member, PinField::Inputs), count * pinsOf(data, member, PinField::Outputs),
+            count * pinsOf(data, member, PinField::Bidis)};
+}
+
+// Pins switch at the controller's clock times its PIN_ACTIVITY (1 when the file has none).
+double pinFrequency(Model const& model, Model::Params& params, Data const& data, Model::Peripheral member) {
+    return model.getClkFreq(params, data, blockOf(member)) *
+           IFERROR(data.getBlockDataOrError(pinActivityKey(member)), 1.0f);
+}
+
+constexpr std::array<float (Model::*)(Model::Params&, Data const&) const, 3> kBankSupplies{
+    &Model::getVccopsio0500, &Model::getVccopsio1501, &Model::getVccopsio2502};
+
+bool nearStandardBankVoltage(double volts) {
+    BankVoltage const bank = prsm::ps::nearestBankVoltage(volts);
+    if (bank == BankVoltage::None) return false;
+    double const nominal = prsm::ps::nominalVolts(bank);
+    return std::fabs(volts - nominal) <= 0.05 * nominal;
+}
+
+}  // namespace
+
+float Model::computeIoCorePower(Params& params, Data const& data, Peripheral member) const {
+    prsm::ps::Pins const pins = pinsOf(*this, params, data, member);
+    double const power =
+        prsm::ps::coreSidePower(pins, coreSide(data), pinFrequency(*this, params, data, member),
+                                getLoad(params, data, blockOf(member)));
+    return static_cast<float>(power * domainScale(*this, params, data, Domain::LowPower));
+}
+
+// At the bank voltage nearest the bank's supply: the switching terms scale with (V / nominal)^2, the
+// standing and bias currents' power with V / nominal. A peripheral whose bank the file does not name
+// (or names outside 0..2) places no pins.
+float Model::computeIoBankPower(Params& params, Data const& data, Peripheral member) const {
+    int const bankIndex = pinsOf(data, member, PinField::Bank);
+    if (bankIndex < 0 || bankIndex >= static_cast<int>(kBankSupplies.size())) return 0.0f;
+    double const volts = (this->*kBankSupplies[static_cast<std::size_t>(bankIndex)])(params, data);
+    BankVoltage const bank = prsm::ps::nearestBankVoltage(volts);
+    if (bank == BankVoltage::None) return 0.0f;
+    prsm::ps::Pins const pins = pinsOf(*this, params, data, member);
+    prsm::ps::BankSideCoefficients switching = bankSide(data, bank);
+    double const standing = (switching.staticPerPin + switching.biasPerPin) * pins.total();
+    switching.staticPerPin = 0.0;
+    double const dynamic = prsm::ps::bankSidePower(pins, switching, pinFrequency(*this, params, data, member),
+                                                   getLoad(params, data, blockOf(member)));
+    double const ratio = volts / prsm::ps::nominalVolts(bank);
+    return static_cast<float>(dynamic * ratio * ratio + standing * ratio);
+}
+
+float Model::computeMioBankPower(Params& params, Data const& data, MioBank member) const {
+    float total = 0.0f;
+    for (std::size_t i = 0; i < kPeripheralCount; ++i) {
+        auto const peripheral = static_cast<Peripheral>(i);
+        if (pinsOf(data, peripheral, PinField::Bank) == static_cast<int>(member))
+            total += calculateIoBankPower(params, data, peripheral);
+    }
+    return total;
+}
+
+bool Model::isValidVccopsio0500(Params& params, Data const& data) const {
+    return nearStandardBankVoltage(getVccopsio0500(params, data));
+}
+
+bool Model::isValidVccopsio1501(Params& params, Data const& data) const {
+    return nearStandardBankVoltage(getVccopsio1501(params, data));
+}
+
+bool Model::isValidVccopsio2502(Params& params, Data const& data) const {
+    return nearStandardBankVoltage(getVccopsio2502(params, data));
+}
+
+// ---- The DDR interface ----
+
+float Model::computeDdrClockFreq(Params& params, Data const& data) const {
+    return getDataRate(params, data) / 2.0f;
+}
+
+float Model::computeGetMinDataRate(Params& params, Data const& data) const {
+    return static_cast<float>(ddrData(*this, params, data, "MIN_RATE"));
+}
+
+float Model::computeGetMaxDataRate(Params& params, Data const& data) const {
+    return static_cast<float>(ddrData(*this, params, data, "MAX_RATE"));
+}
+
+bool Model::isValidDataRate(Params& params, Data const& data) const {
+    float const rate = getDataRate(params, data);
+    return rate >= calculateGetMinDataRate(params, data) && rate <= calculateGetMaxDataRate(params, data);
+}
+
+bool Model::isValidDataWidth(Params& params, Data const& data) const {
+    int const width = getDataWidth(params, data);
+    return (width == 16 || width == 32 || width == 64) && width <= ddrData(*this, params, data, "MAX_WIDTH");
+}
+
+bool Model::isValidVccopsddr12(Params& params, Data const& data) const {
+    double const nominal = ddrData(*this, params, data, "IO_VOLTAGE");
+    return nominal > 0.0 && std::fabs(getVccopsddr12(params, data) - nominal) <= 0.05 * nominal;
+}
+
+// Reads and writes together (above 1 asks for more than the memory moves, and is warned about).
+float Model::computeBandwidthShare(Params& params, Data const& data) const {
+    return getReadRate(params, data) + getWriteRate(params, data);
+}
+
+// GB/s: MT/s times bytes per transfer.
+float Model::computePeakBandwidth(Params& params, Data const& data) const {
+    return getDataRate(params, data) * static_cast<float>(getDataWidth(params, data)) / 8.0f / 1000.0f;
+}
+
+float Model::computeBandwidth(Params& params, Data const& data) const {
+    return calculatePeakBandwidth(params, data) * calculateBandwidthShare(params, data);
+}
+
+// Controller and PHY logic: (idle + active * share) W per MHz of memory clock, the PHY's per data bit.
+float Model::computeDdrCorePower(Params& params, Data const& data) const {
+    double const share = calculateBandwidthShare(params, data);
+    double const bits = getDataWidth(params, data);
+    double const controller =
+        ddrData(*this, params, data, "CTRL_IDLE") + ddrData(*this, params, data, "CTRL_ACTIVE") * share;
+    double const phy = bits * (ddrData(*this, params, data, "PHY_IDLE") +
+                               ddrData(*this, params, data, "PHY_ACTIVE") * share);
+    return static_cast<float>((controller + phy) * calculateDdrClockFreq(params, data) *
+                              calculateVccpsintddrVoltageScaling(params, data) *
+                              calculateDdrDeviceScale(params, data));
+}
+
+// Pins, per data bit: switching at the transfer rate and termination while data moves, plus a standing
+// term, all with the square of the pin supply against the memory type's pin voltage.
+float Model::computeDdrIoPower(Params& params, Data const& data) const {
+    double const share = calculateBandwidthShare(params, data);
+    double const perBit = ddrData(*this, params, data, "IO_SWITCH") * getDataRate(params, data) * share +
+                          ddrData(*this, params, data, "IO_TERMINATION") * share +
+                          ddrData(*this, params, data, "IO_STATIC");
+    double const nominal = ddrData(*this, params, data, "IO_VOLTAGE");
+    double const ratio = nominal > 0.0 ? getVccopsddr12(params, data) / nominal : 1.0;
+    return static_cast<float>(perBit * getDataWidth(params, data) * ratio * ratio);
+}
+
+float Model::computeDdrPllPower(Params& params, Data const& data) const {
+    return static_cast<float>(ddrData(*this, params, data, "PLL") * calculateDdrClockFreq(params, data) *
+                              squareLaw(getVccpsddrpll(params, data),
+                                        data.getSimConditionsOrError(Data::SimConditionsKey::AUX_VOLTAGE)));
+}
+
+// ---- Rail totals ----
+
+float Model::computeFpdTotalDynamicPower(Params& params, Data const& data) const {
+    return calculateCpuDynamicPower(params, data) + calculateGpuDynamicPower(params, data) +
+           calculateFpInterconnectDynamicPower(params, data) + calculateFpdPllCorePower(params, data);
+}
+
+float Model::computeLpdTotalDynamicPower(Params& params, Data const& data) const {
+    float total = calculateRpuDynamicPower(params, data) + calculateTcmMemoryDynamicPower(params, data) +
+                  calculateOcmMemoryDynamicPower(params, data) +
+                  calculateLpInterconnectDynamicPower(params, data) + calculateLpdPllCorePower(params, data);
+    for (std::size_t i = 0; i < kPeripheralCount; ++i) {
+        auto const peripheral = static_cast<Peripheral>(i);
+        total += calculateDynamicPower(params, data, blockOf(peripheral)) +
+                 calculateIoCorePower(params, data, peripheral);
+    }
+    return total;
+}
+
+float Model::computeTotalDynamicPower(Params& params, Data const& data) const {
+    return calculateFpdTotalDynamicPower(params, data) + calculateLpdTotalDynamicPower(params, data) +
+           calculateDdrCorePower(params, data) + calculateDdrIoPower(params, data) +
+           calculateDdrPllPower(params, data) + calculatePllAuxPower(params, data) +
+           calculateAuxPower(params, data) + calculateMioBank0Power(params, data) +
+           calculateMioBank1Power(params, data) + calculateMioBank2Power(params, data);
+}

@@ -1,0 +1,35 @@
+// Formulas of the older architecture's processing-system preset sheet: every output is the selected
+// preset's entry of the same name in PS_PRESETS, read as the output's type. A preset that lacks an entry
+// is an incomplete file: the lookup throws PRSMException naming the key.
+#include <prsm/models/dravik/PRSMDravikPsPresetModel.h>
+
+#include <prsm/sheetfunc/PRSMHelperUtils.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+using Model = PRSMDravikPsPresetModel;
+
+// The presets of the table: the first part of every key, each once, sorted.
+std::vector<std::string> Model::validListPreset(Params&, Data const& data) const {
+    std::vector<std::string> names;
+    for (auto const& entry : data.m_PsPresets) {
+        std::string name = entry.first.substr(0, entry.first.find('.'));
+        if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(std::move(name));
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string Model::computeDescription(Params& params, Data const& data) const {
+    return data.getPsPresets(getPreset(params, data), "DESCRIPTION");
+}
+
+int Model::computeIntSetting(Params& params, Data const& data, IntSetting member) const {
+    return PRSMHelperUtils::s2i(data.getPsPresets(getPreset(params, data), memberName(member)));
+}
+
+float Model::computeFloatSetting(Params& params, Data const& data, FloatSetting member) const {
+    return PRSMHelperUtils::s2f(data.getPsPresets(getPreset(params, data), memberName(member)));
+}
