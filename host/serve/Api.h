@@ -39,6 +39,7 @@ private:
     ApiResponse route(ApiRequest const& request, Json const& body);
     std::string designJson() const;
     std::string editedJson() const;
+    ApiResponse setInput(Json const& body);
     ApiResponse sweep(Json const& body);
     ApiResponse open(Json const& body);
     ApiResponse save(Json const& body);

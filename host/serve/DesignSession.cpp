@@ -44,18 +44,18 @@ void checkName(std::string const& name) {
 }  // namespace
 
 DesignSession::DesignSession(std::string const& text, std::string const& source)
-    : DesignSession(asHostErrors([&] {
+    : DesignSession(FromDocument{}, asHostErrors([&] {
                         design::parseDesign(text, source);  // the command line's messages for a bad file
                         return Json::parse(text);
                     }),
                     source) {}
 
-DesignSession::DesignSession(Json document, std::string source) : m_source(std::move(source)) {
+DesignSession::DesignSession(FromDocument, Json document, std::string source) : m_source(std::move(source)) {
     rebuild(std::move(document));
 }
 
 DesignSession DesignSession::empty(std::string const& part) {
-    return DesignSession(Json{{"schema_version", design::kSchemaVersion},
+    return DesignSession(FromDocument{}, Json{{"schema_version", design::kSchemaVersion},
                               {"device", {{"part", part}}},
                               {"thermal", {{"junction_temperature", 25}}},
                               {"blocks", Json::array()}},
@@ -102,14 +102,11 @@ std::string DesignSession::modelOf(std::string const& block) const {
 }
 
 void DesignSession::setInput(std::string const& block, std::string const& cell, std::string const& text) {
-    Json document = m_document;
-    Json& inputs = inputsOf(document, block);
     asHostErrors([&] {
         m_engine->setInput(block, cell, text);  // refuses what the file would refuse, with its message
-        inputs[cell] = fileValue(findSheet(modelOf(block)).findCell(cell)->type, text);
+        inputsOf(m_document, block)[cell] = fileValue(findSheet(modelOf(block)).findCell(cell)->type, text);
         m_report = &m_engine->update();
     });
-    m_document = std::move(document);
 }
 
 void DesignSession::addBlock(std::string const& model, std::string const& name) {

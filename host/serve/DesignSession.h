@@ -42,7 +42,8 @@ public:
     std::string freeName(std::string const& stem) const;
 
 private:
-    DesignSession(Json document, std::string source);
+    struct FromDocument {};
+    DesignSession(FromDocument, Json document, std::string source);
     // Checks `document` as the file it would save as, and estimates it afresh.
     void rebuild(Json document);
     Json::iterator findBlock(Json& document, std::string const& name) const;

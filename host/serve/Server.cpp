@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <ostream>
+#include <utility>
 
 namespace prsm::host::serve {
 

@@ -150,14 +150,14 @@ async function toggleForm(block, slot) {
 async function setInput(block, cell, field, reason) {
   if (field.value === "") return;  // an input once given keeps a value; the file holds it
   try {
-    const report = await api("input", { block, cell, value: field.value });
+    const answer = await api("input", { block, cell, value: field.value });
     const doc = state.design.document;
     const target = block === "static" ? doc.static : doc.blocks.find((b) => b.name === block);
     target.inputs = target.inputs || {};
     target.inputs[cell] = field.value;
     field.classList.remove("invalid");
     reason.textContent = "";
-    showReport(report, false);
+    showReport(answer.report, false, answer.blocks_changed_only);
   } catch (e) {
     field.classList.add("invalid");
     reason.textContent = e.message;
@@ -179,19 +179,21 @@ function markWarnings(block) {
 
 // ---- the report ------------------------------------------------------------------------------------
 
-function showReport(report, blocksChanged) {
-  const previous = state.report;
+// `partial`: the report of an input edit, which holds only the blocks whose figures moved.
+function showReport(report, blocksChanged, partial = false) {
+  const moved = report.blocks;
+  if (partial) {
+    const byName = new Map(moved.map((b) => [b.name, b]));
+    report.blocks = state.report.blocks.map((b) => byName.get(b.name) || b);
+  }
   state.report = report;
   if (blocksChanged) renderBlocks();
-  const powers = new Map(report.blocks.map((b) => [b.name, b]));
-  const before = previous ? new Map(previous.blocks.map((b) => [b.name, b])) : new Map();
-  for (const [name, entry] of state.rows) {
-    const b = powers.get(name);
-    const old = before.get(name);
-    if (!blocksChanged && old && b && old.power === b.power && old.error === b.error) continue;
-    entry.power.textContent = name === "static" ? "" : b && b.error ? "FAILED" : watts(b && b.power);
-    entry.power.title = (b && b.error) || "";
-    entry.row.classList.toggle("failed", Boolean(b && b.error));
+  for (const b of blocksChanged ? report.blocks : moved) {
+    const entry = state.rows.get(b.name);
+    if (!entry) continue;
+    entry.power.textContent = b.error ? "FAILED" : watts(b.power);
+    entry.power.title = b.error || "";
+    entry.row.classList.toggle("failed", Boolean(b.error));
   }
   for (const name of state.open) markWarnings(name);
 
@@ -322,6 +324,7 @@ async function start() {
   $("open").addEventListener("click", openFile);
   $("save").addEventListener("click", saveFile);
   refreshFiles();
+  for (const name of await api("downloads")) $("downloads").append(" ", el("a", { href: "api/" + name, download: "" }, name));
 }
 
 start().catch((e) => status(e.message, true));
