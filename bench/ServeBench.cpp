@@ -30,15 +30,18 @@ std::string designJson() {
     return text + "]}";
 }
 
-Api makeApi() { return Api(Workspace(std::filesystem::temp_directory_path()), DesignSession(designJson(), "bench.json")); }
+Api makeApi() {
+    return Api(Workspace(std::filesystem::temp_directory_path()), DesignSession(designJson(), "bench.json"));
+}
 
 void editInput(benchmark::State& state) {
     Api api = makeApi();
     bool flip = false;
     for (auto _ : state) {
-        ApiResponse const answer = api.handle(
-            {"POST", "/api/input", (flip = !flip) ? R"({"block": "b500", "cell": "CLOCK_FREQ", "value": "250"})"
-                                                  : R"({"block": "b500", "cell": "CLOCK_FREQ", "value": "300"})"});
+        ApiResponse const answer =
+            api.handle({"POST", "/api/input",
+                        (flip = !flip) ? R"({"block": "b500", "cell": "CLOCK_FREQ", "value": "250"})"
+                                       : R"({"block": "b500", "cell": "CLOCK_FREQ", "value": "300"})"});
         if (answer.status != 200) state.SkipWithError(answer.body.c_str());
         state.counters["bytes"] = static_cast<double>(answer.body.size());
     }

@@ -1,7 +1,7 @@
 #include <prsm/design/Design.h>
 #include <prsm/design/ReportFormat.h>
-#include <prsm/host/Commands.h>
 #include <prsm/host/CellListing.h>
+#include <prsm/host/Commands.h>
 #include <prsm/host/DesignTarget.h>
 #include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
@@ -36,15 +36,19 @@ constexpr Download kDownloads[] = {{"report.json", "application/json", design::t
                                    {"report.csv", "text/csv", design::toCsv}};
 
 ApiResponse failure(int status, std::string const& message) {
-    return {status, "application/json", Json{{"error", message}}.dump(-1, ' ', false, Json::error_handler_t::replace), ""};
+    return {status, "application/json",
+            Json{{"error", message}}.dump(-1, ' ', false, Json::error_handler_t::replace), ""};
 }
 
-ApiResponse ok(std::string body) { return {200, "application/json", std::move(body), ""}; }
+ApiResponse ok(std::string body) {
+    return {200, "application/json", std::move(body), ""};
+}
 
 // A member of the request's object, as text: a number is taken as it is written.
 std::string field(Json const& body, char const* name) {
     auto const it = body.find(name);
-    if (it == body.end() || it->is_null()) throw HostError(kExitBadInput, std::string("the request lacks \"") + name + "\"");
+    if (it == body.end() || it->is_null())
+        throw HostError(kExitBadInput, std::string("the request lacks \"") + name + "\"");
     if (it->is_string()) return it->get<std::string>();
     if (it->is_number()) return it->dump();
     throw HostError(kExitBadInput, std::string("\"") + name + "\" must be a text or a number");
@@ -64,7 +68,8 @@ Json sheetList() {
     Json list = Json::array();
     for (Sheet const* sheet : SheetRegistry::instance().sheets())
         if (!sheet->design().region.empty())
-            list.push_back({{"name", sheet->name()}, {"description", sheet->description()},
+            list.push_back({{"name", sheet->name()},
+                            {"description", sheet->description()},
                             {"region", sheet->design().region}});
     return list;
 }
@@ -76,7 +81,8 @@ Json sheetInputs(std::string const& name) {
     Json described = cellsJson(sheet.name(), listing.rows);
     for (Json& cell : described["cells"]) {
         CellInfo const& info = *sheet.findCell(cell["name"].get<std::string>());
-        if (!info.outside.message.empty()) cell["range"] = {{"low", info.outside.low}, {"high", info.outside.high}};
+        if (!info.outside.message.empty())
+            cell["range"] = {{"low", info.outside.low}, {"high", info.outside.high}};
         if (info.hasValidValues) {
             Json choices = Json::array();
             std::istringstream list(cell["valid_values"].get<std::string>());
@@ -129,14 +135,16 @@ ApiResponse Api::route(ApiRequest const& request, Json const& body) {
         if (path == "/api/design.json") return {200, "application/json", m_session.text(), "design.json"};
         if (path == "/api/sheets") return ok(sheetList().dump());
         if (path.rfind(kSheetsPath, 0) == 0)
-            return ok(sheetInputs(path.substr(sizeof kSheetsPath - 1)).dump(-1, ' ', false, Json::error_handler_t::replace));
+            return ok(sheetInputs(path.substr(sizeof kSheetsPath - 1))
+                          .dump(-1, ' ', false, Json::error_handler_t::replace));
         if (path == "/api/files") return ok(files().dump());
     } else if (request.method == "POST") {
         if (path == "/api/input") return setInput(body);
         if (path == "/api/blocks/add") {
             std::string const model = field(body, "model");
             std::string name = optionalField(body, "name");
-            m_session.addBlock(model, name.empty() ? m_session.freeName(lowered(findSheet(model).name())) : name);
+            m_session.addBlock(model,
+                               name.empty() ? m_session.freeName(lowered(findSheet(model).name())) : name);
             return ok(editedJson());
         }
         if (path == "/api/blocks/duplicate") {
@@ -230,7 +238,9 @@ Api::Json Api::files() const {
     namespace fs = std::filesystem;
     Json list = Json::array();
     std::error_code error;
-    for (fs::recursive_directory_iterator it(m_workspace.root(), fs::directory_options::skip_permission_denied, error), end;
+    for (fs::recursive_directory_iterator
+             it(m_workspace.root(), fs::directory_options::skip_permission_denied, error),
+         end;
          it != end; it.increment(error)) {
         if (error) break;
         if (it.depth() >= 2) it.disable_recursion_pending();

@@ -38,7 +38,8 @@ DesignSession::Json fileValue(CellType type, std::string const& text) {
 void checkName(std::string const& name) {
     if (name.empty()) throw HostError(kExitBadInput, "a block needs a name");
     if (name == "static" || name == "board")
-        throw HostError(kExitBadInput, "\"" + name + "\" names the design's " + name + " sheet; choose another name");
+        throw HostError(kExitBadInput,
+                        "\"" + name + "\" names the design's " + name + " sheet; choose another name");
 }
 
 }  // namespace
@@ -55,7 +56,8 @@ DesignSession::DesignSession(FromDocument, Json document, std::string source) : 
 }
 
 DesignSession DesignSession::empty(std::string const& part) {
-    return DesignSession(FromDocument{}, Json{{"schema_version", design::kSchemaVersion},
+    return DesignSession(FromDocument{},
+                         Json{{"schema_version", design::kSchemaVersion},
                               {"device", {{"part", part}}},
                               {"thermal", {{"junction_temperature", 25}}},
                               {"blocks", Json::array()}},
@@ -84,9 +86,11 @@ DesignSession::Json::iterator DesignSession::findBlock(Json& document, std::stri
 
 DesignSession::Json& DesignSession::inputsOf(Json& document, std::string const& block) const {
     if (block == "static" || block == "board") {
-        if (!document.contains(block)) throw HostError(kExitBadInput, "the design has no " + block + " sheet");
+        if (!document.contains(block))
+            throw HostError(kExitBadInput, "the design has no " + block + " sheet");
         Json& sheet = document[block];
-        if (sheet.is_string()) sheet = Json{{"model", sheet.get<std::string>()}};  // the short form of a board
+        if (sheet.is_string())
+            sheet = Json{{"model", sheet.get<std::string>()}};  // the short form of a board
         return sheet["inputs"];
     }
     return (*findBlock(document, block))["inputs"];

@@ -29,21 +29,27 @@ Server::Server(Api& api, ServerOptions options)
 Server::~Server() = default;
 
 int Server::bind() {
-    m_port = m_options.port == 0 ? m_http->bind_to_any_port(m_options.host)
-                                 : (m_http->bind_to_port(m_options.host, m_options.port) ? m_options.port : -1);
+    m_port = m_options.port == 0
+                 ? m_http->bind_to_any_port(m_options.host)
+                 : (m_http->bind_to_port(m_options.host, m_options.port) ? m_options.port : -1);
     if (m_port <= 0)
-        throw HostError(kExitBadInput, "cannot listen on " + m_options.host + " port " +
-                                           std::to_string(m_options.port));
+        throw HostError(kExitBadInput,
+                        "cannot listen on " + m_options.host + " port " + std::to_string(m_options.port));
     routes();
     return m_port;
 }
 
-void Server::run() { m_http->listen_after_bind(); }
+void Server::run() {
+    m_http->listen_after_bind();
+}
 
-void Server::stop() { m_http->stop(); }
+void Server::stop() {
+    m_http->stop();
+}
 
 std::string Server::url() const {
-    std::string const host = m_options.host.find(':') != std::string::npos ? "[" + m_options.host + "]" : m_options.host;
+    std::string const host =
+        m_options.host.find(':') != std::string::npos ? "[" + m_options.host + "]" : m_options.host;
     return "http://" + host + ":" + std::to_string(m_port) + "/";
 }
 
@@ -51,7 +57,8 @@ void Server::routes() {
     m_http->set_payload_max_length(m_options.maxBodyBytes);
     OriginGuard const guard(m_options.host, m_port);
     m_http->set_pre_routing_handler([guard](httplib::Request const& request, httplib::Response& response) {
-        std::string const refused = guard.refusal(request.get_header_value("Host"), request.get_header_value("Origin"));
+        std::string const refused =
+            guard.refusal(request.get_header_value("Host"), request.get_header_value("Origin"));
         if (refused.empty()) return httplib::Server::HandlerResponse::Unhandled;
         response.status = 403;
         response.set_content(nlohmann::json{{"error", refused}}.dump(), "application/json");
@@ -85,11 +92,13 @@ void Server::routes() {
 
 int runServe(Request const& request, std::ostream& out, std::ostream& err) {
     Workspace workspace(std::filesystem::current_path());
-    DesignSession session = request.designFile.empty()
-                                ? DesignSession::empty(request.serve.part)
-                                : DesignSession(readDesignText(workspace, request.designFile), request.designFile);
+    DesignSession session =
+        request.designFile.empty()
+            ? DesignSession::empty(request.serve.part)
+            : DesignSession(readDesignText(workspace, request.designFile), request.designFile);
     for (design::Warning const& w : session.report().warnings)
-        err << "prsm: warning: " << (w.block.empty() ? w.cell : "block \"" + w.block + "\"") << ": " << w.message << "\n";
+        err << "prsm: warning: " << (w.block.empty() ? w.cell : "block \"" + w.block + "\"") << ": "
+            << w.message << "\n";
 
     Api api(std::move(workspace), std::move(session));
     Server server(api, {request.serve.host, request.serve.port});

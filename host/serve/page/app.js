@@ -38,16 +38,12 @@ function blocksOf(document) {
   return blocks;
 }
 
-function regionOf(name) {
-  if (name === "static") return "static";
-  const r = state.report.blocks.find((b) => b.name === name);
-  return (r && r.region) || "other";
-}
-
 function renderBlocks() {
+  const regions = new Map(state.report.blocks.map((b) => [b.name, b.region]));
+  regions.set("static", "static");
   const groups = new Map();
   for (const block of blocksOf(state.design.document)) {
-    const region = regionOf(block.name);
+    const region = regions.get(block.name) || "other";
     if (!groups.has(region)) groups.set(region, []);
     groups.get(region).push(block);
   }
@@ -155,10 +151,10 @@ async function setInput(block, cell, field, reason) {
     const target = block === "static" ? doc.static : doc.blocks.find((b) => b.name === block);
     target.inputs = target.inputs || {};
     target.inputs[cell] = field.value;
-    field.classList.remove("invalid");
-    reason.textContent = "";
+    delete field.dataset.refused;
     showReport(answer.report, false, answer.blocks_changed_only);
   } catch (e) {
+    field.dataset.refused = e.message;  // kept until the field takes a value, whatever else is edited
     field.classList.add("invalid");
     reason.textContent = e.message;
   }
@@ -171,7 +167,7 @@ function markWarnings(block) {
   const reasons = new Map();
   for (const w of state.report.warnings) if (w.block === block && w.cell) reasons.set(w.cell, w.message);
   for (const field of entry.form.querySelectorAll("[data-cell]")) {
-    const message = reasons.get(field.dataset.cell);
+    const message = field.dataset.refused || reasons.get(field.dataset.cell);
     field.classList.toggle("invalid", Boolean(message));
     field.nextElementSibling.textContent = message || "";
   }

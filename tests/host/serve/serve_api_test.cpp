@@ -105,7 +105,8 @@ TEST_F(ApiFixture, InvalidEntriesAreMarkedAndRefusedOnesChangeNothing) {
     EXPECT_TRUE(marked) << report["warnings"].dump();
 
     // What the engine refuses is answered with its message, and the design keeps its value.
-    Json const refused = post("/api/input", {{"block", "core"}, {"cell", "CLOCK_FREQ"}, {"value", "fast"}}, 400);
+    Json const refused =
+        post("/api/input", {{"block", "core"}, {"cell", "CLOCK_FREQ"}, {"value", "fast"}}, 400);
     EXPECT_NE(refused["error"].get<std::string>().find("CLOCK_FREQ"), std::string::npos);
     EXPECT_EQ(get("/api/design")["document"]["blocks"][0]["inputs"]["CLOCK_FREQ"], 100);
     post("/api/input", {{"block", "core"}, {"cell", "VCCINT"}, {"value", "0.9"}}, 400);  // the design's rail
@@ -149,8 +150,9 @@ TEST_F(ApiFixture, SheetMetadataDescribesTheForm) {
 
 TEST_F(ApiFixture, SweepsABlockInput) {
     // CLOCK_FREQ 100, 200, 300: 0.064, 0.128, 0.192 W on VCCINT, + 0.015 W.
-    Json const sweep = post("/api/sweep", {{"variable", "core.CLOCK_FREQ"}, {"values", "100:300:100"},
-                                           {"outputs", "total_power"}});
+    Json const sweep =
+        post("/api/sweep",
+             {{"variable", "core.CLOCK_FREQ"}, {"values", "100:300:100"}, {"outputs", "total_power"}});
     ASSERT_EQ(sweep["rows"].size(), 3u);
     double const expected[] = {0.079, 0.143, 0.207};
     for (int i = 0; i < 3; ++i) EXPECT_NEAR(sweep["rows"][i]["total_power"].get<double>(), expected[i], 1e-6);
@@ -183,12 +185,28 @@ TEST_F(ApiFixture, SavedDesignsReopenByteForByte) {
 TEST_F(ApiFixture, FilesStayInsideTheFolder) {
     fs::path const outside = scratchFolder();
     fs::create_symlink(outside, folder / "out");
-    for (std::string const& name :
-         std::vector<std::string>{"../x.json", "sub/../../x.json", (outside / "x.json").string(), "out/x.json", ""})
+    for (std::string const& name : std::vector<std::string>{"../x.json", "sub/../../x.json",
+                                                            (outside / "x.json").string(), "out/x.json", ""})
         post("/api/save", {{"file", name}}, 400);
     EXPECT_TRUE(fs::is_empty(outside));
     post("/api/open", {{"file", "/etc/hostname"}}, 400);
     fs::remove_all(outside);
+}
+
+TEST(DesignSession, RenamingABlockRenamesTheBlocksThatReadFromIt) {
+    std::string design = kDesign;
+    design.replace(design.rfind("}\n  ]"), 1,
+                   R"(},
+    {"name": "reader", "model": "TestLoad", "inputs": {"CAPACITANCE": {"from": "core"}}})");
+    DesignSession session(design, "refs.json");
+    session.renameBlock("core", "main");
+    EXPECT_EQ(session.document()["blocks"][1]["inputs"]["CAPACITANCE"]["from"], "main");
+    // reader takes core's 1000 pF at its own default 100 MHz: 0.064 W, beside core's 0.079 W.
+    EXPECT_NEAR(session.report().totalPower, 0.143, 1e-6);
+    // Its capacitance follows the source: 2000 pF doubles the reader's power, 0.128 W, and core's
+    // VCCINT power, 0.128 W + 0.015 W.
+    session.setInput("main", "CAPACITANCE", "2000");
+    EXPECT_NEAR(session.report().totalPower, 0.271, 1e-6);
 }
 
 }  // namespace

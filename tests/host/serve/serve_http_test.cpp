@@ -20,7 +20,7 @@ TEST(OriginGuard, AnswersOnlyTheServersOwnNames) {
     EXPECT_EQ(loopback.refusal("127.0.0.1:8080", ""), "");
     EXPECT_EQ(loopback.refusal("LocalHost:8080", "http://localhost:8080"), "");
     EXPECT_EQ(loopback.refusal("[::1]:8080", ""), "");
-    EXPECT_NE(loopback.refusal("127.0.0.1:8081", ""), "");       // another port is another server
+    EXPECT_NE(loopback.refusal("127.0.0.1:8081", ""), "");         // another port is another server
     EXPECT_NE(loopback.refusal("attacker.example:8080", ""), "");  // a rebound name
     EXPECT_NE(loopback.refusal("", ""), "");
     EXPECT_NE(loopback.refusal("127.0.0.1:8080", "http://attacker.example"), "");
