@@ -1,3 +1,4 @@
+#include <prsm/host/Estimate.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/serve/OriginGuard.h>
 #include <prsm/host/serve/PageFiles.h>
@@ -96,9 +97,7 @@ int runServe(Request const& request, std::ostream& out, std::ostream& err) {
         request.designFile.empty()
             ? DesignSession::empty(request.serve.part)
             : DesignSession(readDesignText(workspace, request.designFile), request.designFile);
-    for (design::Warning const& w : session.report().warnings)
-        err << "prsm: warning: " << (w.block.empty() ? w.cell : "block \"" + w.block + "\"") << ": "
-            << w.message << "\n";
+    for (design::Warning const& w : session.report().warnings) err << "prsm: warning: " << warningText(w) << "\n";
 
     Api api(std::move(workspace), std::move(session));
     Server server(api, {request.serve.host, request.serve.port});
