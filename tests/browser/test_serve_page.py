@@ -44,6 +44,11 @@ def served(tmp_path):
     server.wait()
 
 
+def shown_total(driver):
+    """The page's total; read in one step, as the figures are replaced on every update."""
+    return driver.execute_script("const b = document.querySelector('#totals b'); return b ? b.textContent : '';")
+
+
 def estimated_total(path):
     """The total `prsm estimate` prints for a design file, as the page shows it."""
     report = json.loads(subprocess.run([HOST, "estimate", str(path), "--json"], capture_output=True,
@@ -57,7 +62,7 @@ def test_a_person_edits_adds_saves_and_reopens(served):
     wait = WebDriverWait(driver, 10)
     try:
         driver.get(url)
-        total = lambda: driver.find_element(By.CSS_SELECTOR, "#totals b").text  # noqa: E731
+        total = lambda: shown_total(driver)  # noqa: E731
         wait.until(lambda d: total().endswith(" W"))
 
         # The same edit in a file, through the command line.
@@ -109,3 +114,44 @@ def test_a_foreign_host_is_refused(served):
     with pytest.raises(urllib.error.HTTPError) as refused:
         urllib.request.urlopen(request)
     assert refused.value.code == 403
+
+
+@pytest.fixture
+def served_large(tmp_path):
+    """A 1,000-block design: the example's logic block, each with its own name and clock, at a given
+    junction temperature."""
+    design = json.loads(open(os.path.join(EXAMPLES, "accelerator.json")).read())
+    logic = design["blocks"][0]
+    design["thermal"] = {"junction_temperature": 85}  # at 1.3 degC/W this much power would run away
+    design["blocks"] = [dict(logic, name=f"logic {i}", inputs=dict(logic["inputs"], CLOCK_FREQ=150 + i % 300))
+                        for i in range(1000)]
+    (tmp_path / "large.json").write_text(json.dumps(design))
+    server = subprocess.Popen([HOST, "serve", "large.json", "--port", "0"], cwd=tmp_path,
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+    yield server.stdout.readline().split(" at ")[1].split()[0]
+    server.terminate()
+    server.wait()
+
+
+def test_an_edit_on_a_large_design_is_measured(served_large):
+    """The time from a keystroke to the new totals on screen, written as a figure, not asserted."""
+    driver = chromium_driver()
+    wait = WebDriverWait(driver, 20)
+    try:
+        driver.get(served_large)
+        total = lambda: shown_total(driver)  # noqa: E731
+        wait.until(lambda d: total().endswith(" W"))
+        driver.find_element(By.XPATH, "//span[@class='name'][starts-with(., 'logic 500 ')]").click()
+        clock = wait.until(lambda d: d.find_element(By.CSS_SELECTOR, "[data-cell='CLOCK_FREQ']"))
+        figures = []
+        for value in ("420", "430", "440", "450", "460"):
+            before = total()
+            driver.execute_script("arguments[0].value = arguments[1];"
+                                  "arguments[0].dispatchEvent(new Event('input'));", clock, value)
+            wait.until(lambda d: total() != before)
+            figures.append(float(driver.find_element(By.TAG_NAME, "body").get_attribute("data-last-edit-ms")))
+        os.makedirs(ARTEFACTS, exist_ok=True)
+        with open(os.path.join(ARTEFACTS, "serve-timings.txt"), "w") as out:
+            out.write(f"1,000-block design, edit to new totals on screen (ms): {sorted(figures)}\n")
+    finally:
+        driver.quit()
