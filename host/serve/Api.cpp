@@ -83,11 +83,14 @@ Json sheetInputs(std::string const& name) {
         CellInfo const& info = *sheet.findCell(cell["name"].get<std::string>());
         if (!info.outside.message.empty())
             cell["range"] = {{"low", info.outside.low}, {"high", info.outside.high}};
-        if (info.hasValidValues) {
+        // Without the data the listing shows the rule in words, which is no list to choose from.
+        if (info.hasValidValues && listing.note.empty()) {
             Json choices = Json::array();
             std::istringstream list(cell["valid_values"].get<std::string>());
-            for (std::string choice; std::getline(list, choice, ',');)
-                choices.push_back(choice.substr(choice.find_first_not_of(' ')));
+            for (std::string choice; std::getline(list, choice, ',');) {
+                std::size_t const start = choice.find_first_not_of(' ');
+                if (start != std::string::npos) choices.push_back(choice.substr(start));
+            }
             cell["choices"] = choices;
         }
         // Inputs the design sets itself (rail voltages, device fields) are not the block's to edit.
