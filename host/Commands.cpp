@@ -10,6 +10,7 @@
 #include <prsm/host/Render.h>
 #include <prsm/host/Suggest.h>
 #include <prsm/host/SweepCommand.h>
+#include <prsm/host/serve/Server.h>
 
 #include <cerrno>
 #include <cstring>
@@ -133,6 +134,9 @@ int runRequest(Request const& request, DataDirChoice const& dataDir, std::ostrea
                 break;
             case Command::Estimate:
                 code = runEstimate(request, describeDataDir(dataDir), out, err);
+                break;
+            case Command::Serve:
+                code = serve::runServe(request, out, err);
                 break;
         }
     } catch (HostError const& e) {

@@ -1,5 +1,5 @@
 #pragma once
-// The commands (models, cells, calc, presets, sweep, estimate), from a parsed request to text on the
+// The commands (models, cells, calc, presets, sweep, estimate, serve), from a parsed request to text on the
 // two streams and an exit status.
 
 #include <prsm/framework/PRSMSheetRegistry.h>

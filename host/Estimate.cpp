@@ -130,6 +130,11 @@ std::string renderEstimateTable(design::Report const& report) {
     return text.str();
 }
 
+std::string warningText(design::Warning const& w) {
+    if (w.block.empty()) return w.cell + ": " + w.message;  // the design itself: the cell is a JSON pointer
+    return "block \"" + w.block + "\": " + (w.cell.empty() ? "" : "cell " + w.cell + ": ") + w.message;
+}
+
 int runEstimate(Request const& request, std::string const& dataHint, std::ostream& out, std::ostream& err) {
     design::Report report;
     try {
@@ -141,14 +146,7 @@ int runEstimate(Request const& request, std::string const& dataHint, std::ostrea
     } catch (std::exception const& e) {
         throw HostError(kExitDataFailure, e.what());
     }
-    for (design::Warning const& w : report.warnings) {
-        err << "prsm: warning: ";
-        if (w.block.empty())  // the design itself: the cell is a JSON pointer
-            err << w.cell << ": ";
-        else
-            err << "block \"" << w.block << "\": " << (w.cell.empty() ? "" : "cell " + w.cell + ": ");
-        err << w.message << "\n";
-    }
+    for (design::Warning const& w : report.warnings) err << "prsm: warning: " << warningText(w) << "\n";
     switch (request.format) {
         case OutputFormat::Json:
             out << design::toJson(report);

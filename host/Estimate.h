@@ -12,6 +12,9 @@ namespace prsm::host {
 // The report as aligned tables: rails, blocks, regions, then the totals.
 std::string renderEstimateTable(design::Report const& report);
 
+// A warning of the report as standard error shows it, without the "prsm: warning: " prefix.
+std::string warningText(design::Warning const& warning);
+
 // Runs the request: the report on `out`, invalid inputs as warnings and failures as errors on `err`.
 // A design that is refused ends with kExitBadInput, a failed block or a thermal runaway with
 // kExitDataFailure and no totals; a failed block adds `dataHint` (where the data was looked for).

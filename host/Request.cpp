@@ -56,6 +56,17 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
     CLI::Option* estimateCsv = estimate->add_flag("--csv", "Print the report as CSV, one quantity per line");
     estimateJson->excludes(estimateCsv);
 
+    CLI::App* serve = app.add_subcommand("serve", "Edit and estimate a design in a browser, on this machine");
+    serve->add_option("design", request.designFile, "Design file to start from (JSON, under this folder)");
+    serve->add_option("--port", request.serve.port, "Port to listen on; 0 picks a free one")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+    serve->add_option("--host", request.serve.host,
+                      "Address to listen on; other than the loopback, other machines can reach it")
+        ->capture_default_str();
+    serve->add_option("--part", request.serve.part, "Device of a design started from nothing")
+        ->capture_default_str();
+
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const& e) {
@@ -80,6 +91,7 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
         if (*estimateJson) request.format = OutputFormat::Json;
         if (*estimateCsv) request.format = OutputFormat::Csv;
     }
+    if (serve->parsed()) request.command = Command::Serve;
     return {request, kExitOk};
 }
 

@@ -8,7 +8,7 @@
 
 namespace prsm::host {
 
-enum class Command { Models, Cells, Calc, Presets, Sweep, Estimate };
+enum class Command { Models, Cells, Calc, Presets, Sweep, Estimate, Serve };
 enum class OutputFormat { Table, Json, Reflect, Csv };
 
 // `sweep`: which outputs, the output format and the picture.
@@ -20,18 +20,26 @@ struct SweepSettings {
     unsigned threads = 0;
 };
 
+// `serve`: where the page is served, and the device of a design started from nothing.
+struct ServeSettings {
+    std::string host = "127.0.0.1";
+    int port = 8080;
+    std::string part = "ZQVC1902";
+};
+
 struct Request {
     Command command = Command::Models;
     std::string model;
     std::vector<std::string> assignments;  // NAME=VALUE, in command-line order
     std::string inputFile;                 // a JSON object of NAME: value; empty when none
     std::string preset;  // `calc --preset`: a preset of the model, or "list"; empty when none
-    std::string designFile;  // `estimate`: the design file
+    std::string designFile;  // `estimate`, `serve`: the design file
     OutputFormat format = OutputFormat::Table;
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
     std::string outputs;   // `calc`: comma-separated names or globs of the outputs shown; empty for all
     bool verbose = false;
     SweepSettings sweep;
+    ServeSettings serve;
 };
 
 struct ParsedCommandLine {
