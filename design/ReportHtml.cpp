@@ -33,13 +33,16 @@ struct Cell {
     bool number = false;
 };
 
-Cell num(double value, int decimals) { return {fixedText(value, decimals), true}; }
+Cell num(double value, int decimals) {
+    return {fixedText(value, decimals), true};
+}
 
 std::string table(std::vector<std::string> const& headers, std::vector<std::vector<Cell>> const& rows,
                   std::vector<bool> const& highlighted = {}) {
     std::ostringstream out;
     out << "<table>\n";
-    bool const named = std::any_of(headers.begin(), headers.end(), [](std::string const& h) { return !h.empty(); });
+    bool const named =
+        std::any_of(headers.begin(), headers.end(), [](std::string const& h) { return !h.empty(); });
     if (named) {
         out << "<tr>";
         for (std::string const& header : headers) out << "<th>" << escapeHtml(header) << "</th>";
@@ -73,7 +76,8 @@ void summary(std::ostream& out, Report const& report, Design const& design) {
         rows.push_back({{"static power (W)"}, num(report.staticPower, 4)});
         rows.push_back({{"total power (W)"}, num(report.totalPower, 4)});
     }
-    if (report.board) rows.push_back({{report.board->model + " total (W)"}, num(report.board->totalPower, 4)});
+    if (report.board)
+        rows.push_back({{report.board->model + " total (W)"}, num(report.board->totalPower, 4)});
     out << table({"", ""}, rows) << "</section>\n";
 }
 
@@ -88,10 +92,12 @@ void warnings(std::ostream& out, Report const& report) {
     out << "</ul>\n</section>\n";
 }
 
-void charts(std::ostream& out, Report const& report, std::vector<std::pair<double, double>> const& staticCurve) {
+void charts(std::ostream& out, Report const& report,
+            std::vector<std::pair<double, double>> const& staticCurve) {
     out << "<section id=\"charts\">\n<h2>Charts</h2>\n";
     std::vector<Bar> regions;
-    for (RegionResult const& r : report.regions) regions.push_back({r.region, {r.dynamicPower, r.staticPower}});
+    for (RegionResult const& r : report.regions)
+        regions.push_back({r.region, {r.dynamicPower, r.staticPower}});
     if (!regions.empty()) out << barChartSvg("Power by region", "W", {"dynamic", "static"}, regions);
     std::vector<Bar> rails;
     for (RailResult const& r : report.rails)
@@ -107,14 +113,19 @@ void rails(std::ostream& out, Report const& report) {
     std::vector<std::vector<Cell>> rows;
     std::vector<bool> over;
     for (RailResult const& r : report.rails) {
-        rows.push_back({{r.rail}, num(r.voltage, 3), {toString(r.voltageSource)}, num(r.dynamicCurrent, 4),
-                        num(r.staticCurrent, 4), num(r.totalCurrent, 4), num(r.power, 4),
+        rows.push_back({{r.rail},
+                        num(r.voltage, 3),
+                        {toString(r.voltageSource)},
+                        num(r.dynamicCurrent, 4),
+                        num(r.staticCurrent, 4),
+                        num(r.totalCurrent, 4),
+                        num(r.power, 4),
                         r.maxCurrent > 0 ? num(r.maxCurrent, 3) : Cell{"-", true}});
         over.push_back(r.overLimit);
     }
     out << "<section id=\"rails\">\n<h2>Rails</h2>\n"
-        << table({"rail", "voltage (V)", "voltage from", "dynamic (A)", "static (A)", "total (A)", "power (W)",
-                  "limit (A)"},
+        << table({"rail", "voltage (V)", "voltage from", "dynamic (A)", "static (A)", "total (A)",
+                  "power (W)", "limit (A)"},
                  rows, over)
         << "</section>\n";
 }
@@ -141,7 +152,9 @@ void supplies(std::ostream& out, Report const& report) {
 void regions(std::ostream& out, Report const& report) {
     std::vector<std::vector<Cell>> rows;
     for (RegionResult const& r : report.regions)
-        rows.push_back({{r.region}, num(r.dynamicPower, 4), num(r.staticPower, 4),
+        rows.push_back({{r.region},
+                        num(r.dynamicPower, 4),
+                        num(r.staticPower, 4),
                         num(r.dynamicPower + r.staticPower, 4)});
     out << "<section id=\"regions\">\n<h2>Regions</h2>\n"
         << table({"region", "dynamic (W)", "static (W)", "total (W)"}, rows) << "</section>\n";
@@ -154,8 +167,12 @@ void blocks(std::ostream& out, Report const& report) {
         std::string perRail;
         for (auto const& [rail, power] : b.rails)
             perRail += (perRail.empty() ? "" : ", ") + rail + " " + fixedText(power, 4);
-        rows.push_back({{b.name}, {b.model}, {b.region}, {std::to_string(b.count), true},
-                        b.error.empty() ? num(b.power, 4) : Cell{"-", true}, {b.error.empty() ? perRail : b.error}});
+        rows.push_back({{b.name},
+                        {b.model},
+                        {b.region},
+                        {std::to_string(b.count), true},
+                        b.error.empty() ? num(b.power, 4) : Cell{"-", true},
+                        {b.error.empty() ? perRail : b.error}});
         failed.push_back(!b.error.empty());
     }
     out << "<section id=\"blocks\">\n<h2>Blocks</h2>\n"
@@ -169,7 +186,9 @@ void resources(std::ostream& out, Report const& report) {
     std::vector<bool> over;
     for (ResourceUse const& r : report.resources) {
         bool const counted = r.known && r.available > 0;
-        rows.push_back({{r.resource}, num(r.used, 0), r.known ? num(r.available, 0) : Cell{"-", true},
+        rows.push_back({{r.resource},
+                        num(r.used, 0),
+                        r.known ? num(r.available, 0) : Cell{"-", true},
                         counted ? num(r.used / r.available * 100, 1) : Cell{"-", true}});
         over.push_back(r.known && r.used > r.available);
     }
@@ -200,7 +219,9 @@ void thermal(std::ostream& out, Report const& report) {
 
 }  // namespace
 
-std::vector<double> reportJunctions() { return {0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100}; }
+std::vector<double> reportJunctions() {
+    return {0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100};
+}
 
 std::string toHtml(Report const& report, Design const& design,
                    std::vector<std::pair<double, double>> const& staticCurve) {

@@ -12,16 +12,21 @@ namespace {
 // The same colour-blind-safe palette as the sweep pictures.
 char const* const kColours[] = {"#0072B2", "#D55E00", "#009E73", "#CC79A7", "#E69F00", "#56B4E9"};
 
-char const* colour(std::size_t i) { return kColours[i % std::size(kColours)]; }
+char const* colour(std::size_t i) {
+    return kColours[i % std::size(kColours)];
+}
 
-std::string px(double value) { return fixedText(value, 1); }
+std::string px(double value) {
+    return fixedText(value, 1);
+}
 
 // An axis from `low` to `high` widened to whole steps, so that the ends carry ticks.
 struct Scale {
     double low, high, step;
     std::vector<double> ticks() const {
         std::vector<double> out;
-        for (double t = low; t <= high + step * 1e-9; t += step) out.push_back(std::abs(t) < step * 1e-9 ? 0.0 : t);
+        for (double t = low; t <= high + step * 1e-9; t += step)
+            out.push_back(std::abs(t) < step * 1e-9 ? 0.0 : t);
         return out;
     }
 };
@@ -33,7 +38,9 @@ Scale scale(double low, double high) {
 }
 
 // Enough decimals to tell the ticks of `step` apart.
-int decimalsFor(double step) { return std::max(0, static_cast<int>(std::ceil(-std::log10(step) - 1e-9))); }
+int decimalsFor(double step) {
+    return std::max(0, static_cast<int>(std::ceil(-std::log10(step) - 1e-9)));
+}
 
 }  // namespace
 
@@ -73,8 +80,8 @@ std::string barChartSvg(std::string const& title, std::string const& unit,
     }
     for (std::size_t b = 0; b < bars.size(); ++b) {
         double const y = top + keyHeight + rowHeight * static_cast<double>(b);
-        svg << "<text x=\"" << px(labelWidth - 6) << "\" y=\"" << px(y + 15)
-            << "\" text-anchor=\"end\">" << escapeHtml(bars[b].label) << "</text>\n";
+        svg << "<text x=\"" << px(labelWidth - 6) << "\" y=\"" << px(y + 15) << "\" text-anchor=\"end\">"
+            << escapeHtml(bars[b].label) << "</text>\n";
         double x = labelWidth, sum = 0;
         for (std::size_t p = 0; p < bars[b].parts.size(); ++p) {
             double const value = std::max(0.0, bars[b].parts[p]);

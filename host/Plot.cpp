@@ -72,8 +72,9 @@ std::vector<std::vector<Axis>> panelsByUnit(std::vector<Column const*> const& ou
 std::string axisLabel(Axis const& axis, std::vector<Column const*> const& outputs) {
     if (axis.outputs.size() == 1) return withUnit(outputs[axis.outputs[0]]->quantity.name, axis.unit);
     if (axis.outputs.size() == 2)
-        return withUnit(outputs[axis.outputs[0]]->quantity.name + ", " + outputs[axis.outputs[1]]->quantity.name,
-                        axis.unit);
+        return withUnit(
+            outputs[axis.outputs[0]]->quantity.name + ", " + outputs[axis.outputs[1]]->quantity.name,
+            axis.unit);
     return withUnit(quantityOf(axis.unit), axis.unit);
 }
 

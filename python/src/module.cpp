@@ -95,7 +95,8 @@ std::string toCellText(Quantity const& quantity, py::handle value) {
 // The sweep of `target` over flat columns of equal length, the settings not swept held fixed, as
 // {output: NumPy array}; without `outputs`, the target's default ones (a design's totals).
 // `outputsListing` says where the output names are listed.
-py::dict sweepColumns(SweepTarget const& target, std::vector<std::pair<std::string, std::string>> const& settings,
+py::dict sweepColumns(SweepTarget const& target,
+                      std::vector<std::pair<std::string, std::string>> const& settings,
                       std::vector<std::string> const& names, py::list columns, py::object outputsArg,
                       unsigned threads, char const* outputsListing) {
     std::vector<Column> points;
@@ -138,8 +139,8 @@ py::dict sweepColumns(SweepTarget const& target, std::vector<std::pair<std::stri
             std::string const name = py::str(item);
             Quantity const* output = target.findOutput(name);
             if (output == nullptr)
-                throw HostError(kExitBadInput, "no output of " + target.name() + " is called " + name +
-                                                   "; " + outputsListing + " lists them");
+                throw HostError(kExitBadInput, "no output of " + target.name() + " is called " + name + "; " +
+                                                   outputsListing + " lists them");
             outputs.push_back(*output);
         }
     }
@@ -185,7 +186,8 @@ py::dict sweepColumns(SweepTarget const& target, std::vector<std::pair<std::stri
         }
     }
     // Why a row has no figures (a thermal runaway), when any has none.
-    if (std::any_of(result.notes.begin(), result.notes.end(), [](std::string const& n) { return !n.empty(); })) {
+    if (std::any_of(result.notes.begin(), result.notes.end(),
+                    [](std::string const& n) { return !n.empty(); })) {
         py::list notes;
         for (std::string const& note : result.notes) notes.append(py::str(note));
         arrays["note"] = py::module_::import("numpy").attr("array")(notes, "object");
@@ -294,7 +296,8 @@ public:
     // table asks to warn about, a string input without a row of its own.
     std::vector<std::string> warnings() const {
         std::vector<ResolvedInput> resolved;
-        for (auto const& [input, text] : m_inputs) resolved.push_back({m_target->sheet().findCell(input), text});
+        for (auto const& [input, text] : m_inputs)
+            resolved.push_back({m_target->sheet().findCell(input), text});
         CalcResult const result = runCalculation(m_target->sheet(), resolved);
         std::vector<std::string> lines = result.warnings;
         for (std::string& line : invalidInputWarnings(result)) lines.push_back(std::move(line));

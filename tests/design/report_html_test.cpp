@@ -14,7 +14,9 @@ namespace {
 
 using namespace prsm::design;
 
-bool has(std::string const& text, std::string const& part) { return text.find(part) != std::string::npos; }
+bool has(std::string const& text, std::string const& part) {
+    return text.find(part) != std::string::npos;
+}
 
 TEST(HtmlText, EscapesMarkupAndWritesFixedFigures) {
     EXPECT_EQ(escapeHtml("a<b>&\"c'"), "a&lt;b&gt;&amp;&quot;c&#39;");
@@ -32,7 +34,8 @@ Report hostileReport() {
     report.source = "<b>design</b>.json";
     report.voltageCorner = "nominal";
     report.rails.push_back({"VCCINT", 0.8, VoltageSource::Design, 1.0, 0.5, 1.5, 1.2, 1.0, true});
-    report.blocks.push_back({"<script>alert(1)</script>", "TestLoad", "logic", 2, 0.75, {{"VCCINT", 0.75}}, ""});
+    report.blocks.push_back(
+        {"<script>alert(1)</script>", "TestLoad", "logic", 2, 0.75, {{"VCCINT", 0.75}}, ""});
     report.regions.push_back({"logic", 3.0, 1.0});
     report.regions.push_back({"io", 1.0, 1.0});
     report.warnings.push_back({"core & co", "CLOCK_FREQ", "is invalid (valid when > 0)"});
@@ -53,7 +56,8 @@ TEST(ReportHtml, EscapesEveryTextAndShowsTheFigures) {
     EXPECT_TRUE(has(page, "<title>Power estimate: &lt;b&gt;design&lt;/b&gt;.json</title>"));
     EXPECT_TRUE(has(page, "Filters &amp; &quot;friends&quot;"));
     EXPECT_TRUE(has(page, "<td>P&lt;1&gt;</td>"));
-    EXPECT_TRUE(has(page, "block &quot;core &amp; co&quot;, cell CLOCK_FREQ: is invalid (valid when &gt; 0)"));
+    EXPECT_TRUE(
+        has(page, "block &quot;core &amp; co&quot;, cell CLOCK_FREQ: is invalid (valid when &gt; 0)"));
     EXPECT_TRUE(has(page, "<td class=\"num\">6.0000</td>"));  // the total
     EXPECT_TRUE(has(page, "<tr class=\"over\"><td>VCCINT</td>")) << "a rail over its limit stands out";
     EXPECT_TRUE(has(page, "@media print"));
@@ -81,7 +85,8 @@ TEST(ReportHtml, AnIncompleteReportListsItsFailuresAndNoTotals) {
     EXPECT_TRUE(has(page, "<li>block &quot;core&quot;: calculating TestLoad failed: &lt;bad&gt;</li>"));
     EXPECT_FALSE(has(page, "total power (W)"));
     EXPECT_TRUE(has(page, "<section id=\"supplies\">"));
-    EXPECT_TRUE(has(page, "<tr class=\"over\"><td>VCC_CORE</td>")) << "a regulator over its rating stands out";
+    EXPECT_TRUE(has(page, "<tr class=\"over\"><td>VCC_CORE</td>"))
+        << "a regulator over its rating stands out";
 }
 
 TEST(StaticCurve, FollowsTheTestLeakageByHand) {

@@ -73,7 +73,8 @@ TEST(HostEstimate, WritesTheHtmlPageBesideTheTable) {
 
     EstimateRun const unwritable = estimate("small.json", {"--html", "/nonexistent/dir/report.html"});
     EXPECT_EQ(unwritable.code, kExitBadInput);
-    EXPECT_NE(unwritable.err.find("--html /nonexistent/dir/report.html: cannot write the file"), std::string::npos)
+    EXPECT_NE(unwritable.err.find("--html /nonexistent/dir/report.html: cannot write the file"),
+              std::string::npos)
         << unwritable.err;
 }
 

@@ -34,7 +34,8 @@ std::size_t count(std::string const& text, std::string const& part) {
 }
 
 TEST(PlotScript, TwoUnitsTakeTwoAxesAndMoreTakeAPanelEach) {
-    std::string const one = gnuplotScript(result({{"A_POWER", "W"}, {"B_POWER", "W"}, {"C_POWER", "W"}}), "p.svg");
+    std::string const one =
+        gnuplotScript(result({{"A_POWER", "W"}, {"B_POWER", "W"}, {"C_POWER", "W"}}), "p.svg");
     EXPECT_NE(one.find("set ylabel \"power (W)\""), std::string::npos) << one;
     EXPECT_EQ(one.find("y2"), std::string::npos);
     EXPECT_EQ(one.find("multiplot"), std::string::npos);
