@@ -294,11 +294,18 @@ public:
 
     // The warnings `prsm calc` prints for the last calculate: invalid inputs, values the sheet's
     // table asks to warn about, a string input without a row of its own.
-    std::vector<std::string> warnings() const {
+    std::vector<std::string> warnings() {
         std::vector<ResolvedInput> resolved;
         for (auto const& [input, text] : m_inputs)
             resolved.push_back({m_target->sheet().findCell(input), text});
-        CalcResult const result = runCalculation(m_target->sheet(), resolved);
+        CalcResult const result = [&] {
+            try {
+                return readCalculation(m_target->sheet(), *m_instance, resolved);
+            } catch (...) {
+                throw HostError(kExitDataFailure,
+                                "calculating " + m_target->name() + " failed: " + describeCurrentException());
+            }
+        }();
         std::vector<std::string> lines = result.warnings;
         for (std::string& line : invalidInputWarnings(result)) lines.push_back(std::move(line));
         return lines;
