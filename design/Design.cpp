@@ -420,6 +420,9 @@ Design parseDesign(std::string const& text, std::string const& source) {
         check.fail("/schema_version", "version " + it->dump() + " is not one this build reads (" +
                                           std::to_string(kSchemaVersion) + ")");
 
+    if (auto it = json.find("description"); it != json.end())
+        if (auto text = check.string(*it, "/description")) design.description = *text;
+
     if (Json const* device = check.object(json, "device", "", true)) {
         std::set<std::string> known(std::begin(kDeviceFields), std::end(kDeviceFields));
         check.onlyKeys(*device, "/device", known);

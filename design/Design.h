@@ -66,7 +66,8 @@ struct Load {
 };
 
 struct Design {
-    std::string source;  // the file name, for messages
+    std::string source;       // the file name, for messages
+    std::string description;  // the file's free text about the design; empty when it has none
     Device device;
     Thermal thermal;
     std::vector<std::pair<std::string, double>> rails;  // rail -> voltage in V

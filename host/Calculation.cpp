@@ -48,6 +48,39 @@ std::string missingRowWarning(std::string const& input, std::string const& value
            "; the sheet falls back to a default row or value";
 }
 
+CalcResult readCalculation(Sheet const& sheet, SheetInstance& instance,
+                           std::vector<ResolvedInput> const& inputs) {
+    CalcResult result;
+    result.model = sheet.name();
+    for (CellInfo const& cell : sheet.cells()) {
+        bool const checked = design::hasDeclaredWarnings(cell);
+        if (cell.category == CellCategory::IntermediateCalculation && !checked) continue;
+        std::string value = instance.evaluate(cell.name);
+        for (std::string& line : design::declaredWarnings(cell, value, instance))
+            result.warnings.push_back(std::move(line));
+        if (cell.category == CellCategory::ModelOutput)
+            result.outputs.push_back({cell.name, cell.type, value, cell.unit, cell.description});
+        if (cell.category != CellCategory::UserInput) continue;
+        if (!cell.validityKey.empty()) {
+            bool const valid = instance.isValid(cell.name) != 0;
+            std::string const choices = !valid && cell.hasValidValues ? instance.validValues(cell.name) : "";
+            result.checks.push_back({cell.name, cell.type, value, cell.rule, choices, valid, cell.unit});
+        }
+        if (cell.type == CellType::String) {
+            std::string const warning =
+                missingRowWarning(cell.name, value, instance.tablesWithoutRow(cell.name));
+            if (!warning.empty()) result.warnings.push_back(warning);
+        }
+        result.inputs.push_back({cell.name, cell.type, std::move(value), cell.unit, cell.description});
+    }
+    result.drawsNothing = drawsNothing(sheet.design(), instance);
+    design::CellTexts given;  // the grades that fit the rail voltages better are tried on these
+    for (ResolvedInput const& input : inputs) given.emplace_back(input.cell->name, input.text);
+    for (std::string& line : design::voltageGradeMismatches(sheet, given))
+        result.warnings.push_back(std::move(line));
+    return result;
+}
+
 CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& inputs) {
     std::unique_ptr<SheetInstance> const instance = sheet.create();
     try {
@@ -56,43 +89,15 @@ CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& 
         throw HostError(kExitBadInput, e.what());  // resolveInputs checks first; kept for safety
     }
 
-    CalcResult result;
-    result.model = sheet.name();
     try {
         instance->calculate();
-        for (CellInfo const& cell : sheet.cells()) {
-            bool const checked = design::hasDeclaredWarnings(cell);
-            if (cell.category == CellCategory::IntermediateCalculation && !checked) continue;
-            std::string value = instance->evaluate(cell.name);
-            for (std::string& line : design::declaredWarnings(cell, value, *instance))
-                result.warnings.push_back(std::move(line));
-            if (cell.category == CellCategory::ModelOutput)
-                result.outputs.push_back({cell.name, cell.type, value, cell.unit, cell.description});
-            if (cell.category != CellCategory::UserInput) continue;
-            if (!cell.validityKey.empty()) {
-                bool const valid = instance->isValid(cell.name) != 0;
-                std::string const choices =
-                    !valid && cell.hasValidValues ? instance->validValues(cell.name) : "";
-                result.checks.push_back({cell.name, cell.type, value, cell.rule, choices, valid, cell.unit});
-            }
-            if (cell.type == CellType::String) {
-                std::string const warning =
-                    missingRowWarning(cell.name, value, instance->tablesWithoutRow(cell.name));
-                if (!warning.empty()) result.warnings.push_back(warning);
-            }
-            result.inputs.push_back({cell.name, cell.type, std::move(value), cell.unit, cell.description});
-        }
-        result.drawsNothing = drawsNothing(sheet.design(), *instance);
-        design::CellTexts given;  // the grades that fit the rail voltages better are tried on these
-        for (ResolvedInput const& input : inputs) given.emplace_back(input.cell->name, input.text);
-        for (std::string& line : design::voltageGradeMismatches(sheet, given))
-            result.warnings.push_back(std::move(line));
+        CalcResult result = readCalculation(sheet, *instance, inputs);
         result.dump = instance->reflect();
+        return result;
     } catch (...) {
         throw HostError(kExitDataFailure,
                         "calculating " + sheet.name() + " failed: " + describeCurrentException());
     }
-    return result;
 }
 
 }  // namespace prsm::host

@@ -48,4 +48,9 @@ std::string missingRowWarning(std::string const& input, std::string const& value
 // Throws HostError(kExitDataFailure) when the data cannot be loaded or the calculation throws.
 CalcResult runCalculation(Sheet const& sheet, std::vector<ResolvedInput> const& inputs);
 
+// Everything above but the dump, read from an instance that `inputs` were set on and that has been
+// calculated. Throws what the instance throws.
+CalcResult readCalculation(Sheet const& sheet, SheetInstance& instance,
+                           std::vector<ResolvedInput> const& inputs);
+
 }  // namespace prsm::host

@@ -1,5 +1,7 @@
 #include <prsm/design/Rails.h>
 #include <prsm/design/ReportFormat.h>
+#include <prsm/design/ReportHtml.h>
+#include <prsm/design/StaticCurve.h>
 #include <prsm/framework/PRSMException.h>
 #include <prsm/host/Estimate.h>
 #include <prsm/host/HostError.h>
@@ -8,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <fstream>
 #include <ostream>
 #include <sstream>
 
@@ -19,6 +22,16 @@ std::string fixed(double value, int decimals) {
     char buffer[48];
     std::snprintf(buffer, sizeof buffer, "%.*f", decimals, value);
     return buffer;
+}
+
+// The report's page, with the leakage chart when the design has a static sheet.
+void writeHtml(design::Report const& report, design::Design const& design, std::string const& path) {
+    std::vector<std::pair<double, double>> const curve =
+        report.complete ? design::staticAgainstJunction(design, design::reportJunctions())
+                        : std::vector<std::pair<double, double>>{};
+    std::ofstream file(path, std::ios::binary);
+    file << design::toHtml(report, design, curve);
+    if (!file.flush()) throw HostError(kExitBadInput, "--html " + path + ": cannot write the file");
 }
 
 }  // namespace
@@ -138,7 +151,11 @@ std::string warningText(design::Warning const& w) {
 int runEstimate(Request const& request, std::string const& dataHint, std::ostream& out, std::ostream& err) {
     design::Report report;
     try {
-        report = design::estimateFile(request.designFile);
+        design::Design const design = design::readDesignFile(request.designFile);
+        report = design::Estimator(design).estimate();
+        if (!request.htmlFile.empty()) writeHtml(report, design, request.htmlFile);
+    } catch (HostError const&) {
+        throw;
     } catch (design::DesignError const& e) {
         throw HostError(kExitBadInput, e.what());
     } catch (PRSMException const& e) {

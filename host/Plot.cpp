@@ -36,14 +36,62 @@ std::string withUnit(std::string const& label, std::string const& unit) {
     return unit.empty() ? label : label + " (" + unit + ")";
 }
 
-std::string yLabel(std::vector<Column const*> const& outputs) {
-    std::string unit = outputs.front()->quantity.unit;
-    for (Column const* output : outputs)
-        if (output->quantity.unit != unit) unit.clear();
-    if (outputs.size() == 1) return withUnit(outputs.front()->quantity.name, unit);
-    if (outputs.size() == 2)
-        return withUnit(outputs[0]->quantity.name + ", " + outputs[1]->quantity.name, unit);
-    return withUnit("value", unit);
+// What an axis of `unit` measures, for an axis holding more than two outputs.
+std::string quantityOf(std::string const& unit) {
+    if (unit == "W" || unit == "mW") return "power";
+    if (unit == "A" || unit == "mA") return "current";
+    if (unit == "V" || unit == "mV") return "voltage";
+    if (unit == "degC") return "temperature";
+    if (unit == "MHz" || unit == "GHz" || unit == "Hz") return "frequency";
+    return "value";
+}
+
+// One y axis: the outputs of one unit, as indices into the plotted outputs.
+struct Axis {
+    std::string unit;
+    std::vector<std::size_t> outputs;
+};
+
+// Outputs of one unit share an axis. Two units make one panel with a second y axis on the right;
+// more units make one panel per unit, stacked, so that no axis mixes units.
+std::vector<std::vector<Axis>> panelsByUnit(std::vector<Column const*> const& outputs) {
+    std::vector<Axis> axes;
+    for (std::size_t k = 0; k < outputs.size(); ++k) {
+        std::string const& unit = outputs[k]->quantity.unit;
+        std::size_t a = 0;
+        while (a < axes.size() && axes[a].unit != unit) ++a;
+        if (a == axes.size()) axes.push_back({unit, {}});
+        axes[a].outputs.push_back(k);
+    }
+    if (axes.size() <= 2) return {axes};
+    std::vector<std::vector<Axis>> panels;
+    for (Axis const& axis : axes) panels.push_back({axis});
+    return panels;
+}
+
+std::string axisLabel(Axis const& axis, std::vector<Column const*> const& outputs) {
+    if (axis.outputs.size() == 1) return withUnit(outputs[axis.outputs[0]]->quantity.name, axis.unit);
+    if (axis.outputs.size() == 2)
+        return withUnit(
+            outputs[axis.outputs[0]]->quantity.name + ", " + outputs[axis.outputs[1]]->quantity.name,
+            axis.unit);
+    return withUnit(quantityOf(axis.unit), axis.unit);
+}
+
+// `text` cut at spaces into lines of at most `width` characters (a longer word keeps its own line).
+std::vector<std::string> wrapped(std::string const& text, std::size_t width) {
+    std::vector<std::string> lines;
+    std::istringstream words(text);
+    std::string line;
+    for (std::string word; words >> word;) {
+        if (!line.empty() && line.size() + 1 + word.size() > width) {
+            lines.push_back(line);
+            line.clear();
+        }
+        line += (line.empty() ? "" : " ") + word;
+    }
+    if (!line.empty()) lines.push_back(line);
+    return lines;
 }
 
 std::string valueText(Column const& column, std::size_t row) {
@@ -55,12 +103,20 @@ std::string dataValue(Column const& column, std::size_t row) {
     return column.displayText(row);
 }
 
+// Colours that stay apart on white and for most colour-blind readers; pale yellow last.
+char const* const kColours[] = {"#0072B2", "#D55E00", "#009E73", "#CC79A7", "#E69F00",
+                                "#56B4E9", "#000000", "#999999", "#F0E442"};
+
+// Title lines of about this many characters fit the picture's width in its font.
+constexpr std::size_t kTitleWidth = 110;
+
 }  // namespace
 
-std::string plotTerminal(std::string const& picturePath) {
-    if (endsWith(picturePath, ".png")) return "pngcairo size 960,600 noenhanced font \"sans,10\"";
+std::string plotTerminal(std::string const& picturePath, std::size_t panels) {
+    std::string const size = "size 960," + std::to_string(600 + 400 * (panels > 0 ? panels - 1 : 0));
+    if (endsWith(picturePath, ".png")) return "pngcairo " + size + " noenhanced font \"sans,10\"";
     if (endsWith(picturePath, ".svg"))
-        return "svg size 960,600 noenhanced font \"sans,10\" background \"white\"";
+        return "svg " + size + " noenhanced font \"sans,10\" background \"white\"";
     throw HostError(kExitBadInput, "--plot " + picturePath + ": the picture's name ends in .png or .svg");
 }
 
@@ -77,6 +133,7 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
     Column const& x = result.variables.at(0);
     Column const* series = result.variables.size() > 1 ? &result.variables[1] : nullptr;
     bool const xText = x.quantity.type == CellType::String;
+    std::vector<std::vector<Axis>> const panels = panelsByUnit(outputs);
 
     // The rows of each line: all rows, or those of one value of the second variable.
     std::vector<std::string> seriesValues;
@@ -95,7 +152,7 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
     std::ostringstream script;
     script << "# Drawn by prsm sweep; run `gnuplot "
            << "<this file>` to draw the picture again.\n";
-    script << "set terminal " << plotTerminal(picturePath) << "\n";
+    script << "set terminal " << plotTerminal(picturePath, panels.size()) << "\n";
     script << "set output " << quoted(picturePath) << "\n";
 
     std::string title = result.target + ": ";
@@ -112,23 +169,23 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
         fixed += column.quantity.name + "=" + valueText(column, 0);
     }
     std::string const held = fixed.empty() ? result.rest : "held fixed: " + fixed + "; " + result.rest;
-    script << "set title " << quoted(title) << " . \"\\n\" . " << quoted(held);
+    std::vector<std::string> titleLines = wrapped(title, kTitleWidth);
+    for (std::string const& line : wrapped(held, kTitleWidth)) titleLines.push_back(line);
     if (result.stopped)
-        script << " . \"\\n\" . "
-               << quoted("stopped after " + std::to_string(result.rows) + " of " +
-                         std::to_string(result.total) + " points");
-    script << "\n";
-    script << "set xlabel " << quoted(withUnit(x.quantity.name, x.quantity.unit)) << "\n";
-    script << "set ylabel " << quoted(yLabel(outputs)) << "\n";
-    script << "set grid\nset key outside right top\nset datafile missing \"NaN\"\n";
-    // Colours that stay apart on white and for most colour-blind readers; pale yellow last.
-    char const* const colours[] = {"#0072B2", "#D55E00", "#009E73", "#CC79A7", "#E69F00",
-                                   "#56B4E9", "#000000", "#999999", "#F0E442"};
-    for (std::size_t i = 0; i < std::size(colours); ++i)
-        script << "set linetype " << i + 1 << " linecolor rgb \"" << colours[i] << "\" pointtype "
-               << 5 + 2 * (i % 4) << "\n";
-    script << "set linetype cycle " << std::size(colours) << "\n";
+        titleLines.push_back("stopped after " + std::to_string(result.rows) + " of " +
+                             std::to_string(result.total) + " points");
+    std::string titleText;
+    for (std::size_t i = 0; i < titleLines.size(); ++i)
+        titleText += (i == 0 ? "" : " . \"\\n\" . ") + quoted(titleLines[i]);
+
+    // The key goes under the plot, in rows, so it neither covers the lines nor narrows the plot.
+    script << "set grid\nset key outside below center horizontal\nset datafile missing \"NaN\"\n";
     if (xText) script << "set xtics rotate by -30\n";
+    script << "set xlabel " << quoted(withUnit(x.quantity.name, x.quantity.unit)) << "\n";
+    if (panels.size() > 1)
+        script << "set multiplot layout " << panels.size() << ",1 title " << titleText << "\n";
+    else
+        script << "set title " << titleText << "\n";
 
     for (std::size_t s = 0; s < seriesRows.size(); ++s) {
         script << "$line" << s << " << EOD\n";
@@ -147,20 +204,42 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
         script << "EOD\n";
     }
 
-    script << "plot";
-    bool first = true;
-    for (std::size_t k = 0; k < outputs.size(); ++k)
-        for (std::size_t s = 0; s < seriesRows.size(); ++s) {
-            std::string label;
-            if (outputs.size() > 1 || !series) label = outputs[k]->quantity.name;
-            if (series) label += (label.empty() ? "" : ", ") + series->quantity.name + "=" + seriesValues[s];
-            std::size_t const column = (xText ? 3 : 2) + k;
-            script << (first ? " " : ", \\\n     ") << "$line" << s << " using "
-                   << (xText ? "1:" + std::to_string(column) + ":xtic(2)" : "1:" + std::to_string(column))
-                   << " with linespoints linewidth 1.5 pointsize 0.6 title " << quoted(label);
-            first = false;
-        }
-    script << "\n";
+    for (std::vector<Axis> const& panel : panels) {
+        bool const twoAxes = panel.size() == 2;
+        script << "set ylabel " << quoted(axisLabel(panel[0], outputs)) << "\n";
+        if (twoAxes)
+            script << "set ytics nomirror\nset y2tics\nset y2label " << quoted(axisLabel(panel[1], outputs))
+                   << "\n";
+        script << "plot";
+        // Colour tells the second variable's values apart, or else the outputs; with both, the
+        // outputs differ in their dashes.
+        std::size_t line = 0;
+        for (std::size_t a = 0; a < panel.size(); ++a)
+            for (std::size_t k : panel[a].outputs) {
+                for (std::size_t s = 0; s < seriesRows.size(); ++s) {
+                    std::string label;
+                    if (outputs.size() > 1 || !series)
+                        label = twoAxes ? withUnit(outputs[k]->quantity.name, panel[a].unit)
+                                        : outputs[k]->quantity.name;
+                    if (series)
+                        label += (label.empty() ? "" : ", ") + series->quantity.name + "=" + seriesValues[s];
+                    std::size_t const colour = series ? s : line;
+                    std::size_t const dashes = series ? line : 0;
+                    std::size_t const column = (xText ? 3 : 2) + k;
+                    script << (line == 0 && s == 0 ? " " : ", \\\n     ") << "$line" << s << " using "
+                           << (xText ? "1:" + std::to_string(column) + ":xtic(2)"
+                                     : "1:" + std::to_string(column))
+                           << (a == 1 ? " axes x1y2" : "") << " with linespoints linewidth 1.5 pointsize 0.6"
+                           << " linecolor rgb \"" << kColours[colour % std::size(kColours)] << "\" dashtype "
+                           << dashes % 5 + 1 << " pointtype " << 5 + 2 * (colour % 4) << " title "
+                           << quoted(label);
+                }
+                ++line;
+            }
+        script << "\n";
+        if (twoAxes) script << "unset y2tics\nunset y2label\nset ytics mirror\n";
+    }
+    if (panels.size() > 1) script << "unset multiplot\n";
     return script.str();
 }
 

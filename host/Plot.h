@@ -1,16 +1,19 @@
 #pragma once
 // Pictures of a sweep through gnuplot: one line per output, or per value of the second variable, with
-// the axes labelled with their units and a title saying what was held fixed.
+// the axes labelled with their units and a title saying what was held fixed. No axis mixes units: a
+// second unit goes on a right-hand axis, and three or more get one panel each.
 
 #include <prsm/host/Sweep.h>
 
+#include <cstddef>
 #include <iosfwd>
 #include <string>
 
 namespace prsm::host {
 
-// The picture's terminal for a path ending in .png or .svg. Throws HostError(kExitBadInput) otherwise.
-std::string plotTerminal(std::string const& picturePath);
+// The picture's terminal for a path ending in .png or .svg, tall enough for `panels` plots stacked.
+// Throws HostError(kExitBadInput) for another name.
+std::string plotTerminal(std::string const& picturePath, std::size_t panels = 1);
 
 // The outputs a plot can draw: the numeric ones. Throws HostError(kExitBadInput) when there are none.
 void checkPlottable(std::vector<Quantity> const& outputs);

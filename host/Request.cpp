@@ -55,6 +55,8 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
     CLI::Option* estimateJson = estimate->add_flag("--json", "Print the report as JSON");
     CLI::Option* estimateCsv = estimate->add_flag("--csv", "Print the report as CSV, one quantity per line");
     estimateJson->excludes(estimateCsv);
+    estimate->add_option("--html", request.htmlFile,
+                         "Also write the report as one self-contained HTML page (charts inline, printable)");
 
     CLI::App* serve = app.add_subcommand("serve", "Edit and estimate a design in a browser, on this machine");
     serve->add_option("design", request.designFile, "Design file to start from (JSON, under this folder)");

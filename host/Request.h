@@ -34,6 +34,7 @@ struct Request {
     std::string inputFile;                 // a JSON object of NAME: value; empty when none
     std::string preset;  // `calc --preset`: a preset of the model, or "list"; empty when none
     std::string designFile;  // `estimate`, `serve`: the design file
+    std::string htmlFile;    // `estimate --html`: where the report's page goes; empty when none
     OutputFormat format = OutputFormat::Table;
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
     std::string outputs;   // `calc`: comma-separated names or globs of the outputs shown; empty for all

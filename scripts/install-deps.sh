@@ -7,7 +7,7 @@ packages=(
   build-essential cmake pkg-config python3
   libconfig++-dev libboost-filesystem-dev libboost-iostreams-dev libboost-system-dev zlib1g-dev
   libgtest-dev libbenchmark-dev nlohmann-json3-dev libcli11-dev libcpp-httplib-dev
-  gnuplot-nox pybind11-dev python3-dev python3-numpy python3-pytest python3-dask python3-distributed
+  gnuplot-nox pybind11-dev python3-dev python3-numpy python3-pandas python3-pytest python3-dask python3-distributed
   chromium chromium-driver python3-selenium
   clang-14 libfuzzer-14-dev libclang-rt-14-dev
 )

@@ -1,10 +1,12 @@
 // The compiled half of the `prsm` Python package: sheets from the registry, set and read by name,
 // calculated, and swept over NumPy arrays by the host's sweep core on several threads without the GIL.
 #include <prsm/design/ReportFormat.h>
+#include <prsm/host/Calculation.h>
 #include <prsm/host/CellListing.h>
 #include <prsm/host/DesignTarget.h>
 #include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
+#include <prsm/host/Render.h>
 #include <prsm/host/Suggest.h>
 #include <prsm/host/Sweep.h>
 #include <prsm/host/SweepTarget.h>
@@ -88,6 +90,109 @@ std::string toCellText(Quantity const& quantity, py::handle value) {
         return numberColumn(quantity, {value.attr("__float__")().cast<double>()}).cellText(0);
     throw HostError(kExitBadInput,
                     quantity.name + " takes a number, not " + py::repr(value).cast<std::string>());
+}
+
+// The sweep of `target` over flat columns of equal length, the settings not swept held fixed, as
+// {output: NumPy array}; without `outputs`, the target's default ones (a design's totals).
+// `outputsListing` says where the output names are listed.
+py::dict sweepColumns(SweepTarget const& target,
+                      std::vector<std::pair<std::string, std::string>> const& settings,
+                      std::vector<std::string> const& names, py::list columns, py::object outputsArg,
+                      unsigned threads, char const* outputsListing) {
+    std::vector<Column> points;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        Quantity const* variable = target.findVariable(names[i]);
+        if (variable == nullptr) throw HostError(kExitBadInput, target.notAVariable(names[i]));
+        py::handle column = columns[i];
+        if (py::isinstance<py::list>(column)) {
+            std::vector<std::string> texts;
+            for (py::handle item : column) {
+                if (!py::isinstance<py::str>(item))
+                    throw HostError(kExitBadInput, names[i] + " takes text or numbers, not " +
+                                                       py::repr(item).cast<std::string>());
+                texts.push_back(item.cast<std::string>());
+            }
+            points.push_back(textColumn(*variable, texts));
+        } else {
+            if (variable->type == CellType::String)
+                throw HostError(kExitBadInput, names[i] + " takes text, not numbers (a string input)");
+            auto array = py::array_t<double, py::array::c_style | py::array::forcecast>::ensure(column);
+            if (!array) throw HostError(kExitBadInput, names[i] + " takes an array of numbers");
+            std::vector<double> values(array.data(), array.data() + array.size());
+            points.push_back(numberColumn(*variable, values));
+        }
+    }
+    std::vector<Column> fixed;
+    for (auto const& [input, text] : settings) {
+        bool swept = false;
+        for (std::string const& name : names) swept = swept || name == input;
+        if (!swept) fixed.push_back(parseFixedValue(*target.findVariable(input), text));
+    }
+    std::vector<std::string> together = names;
+    for (auto const& setting : settings) together.push_back(setting.first);
+    if (std::string const why = target.conflict(together); !why.empty()) throw HostError(kExitBadInput, why);
+    std::vector<Quantity> outputs;
+    if (outputsArg.is_none()) {
+        outputs = target.defaultOutputs();
+    } else {
+        for (py::handle item : outputsArg) {
+            std::string const name = py::str(item);
+            Quantity const* output = target.findOutput(name);
+            if (output == nullptr)
+                throw HostError(kExitBadInput, "no output of " + target.name() + " is called " + name + "; " +
+                                                   outputsListing + " lists them");
+            outputs.push_back(*output);
+        }
+    }
+
+    SweepOptions options;
+    options.threads = threads;
+    bool interrupted = false;
+    options.stopRequested = [&interrupted] {
+        py::gil_scoped_acquire gil;
+        interrupted = PyErr_CheckSignals() != 0;
+        return interrupted;
+    };
+    SweepResult result;
+    {
+        py::gil_scoped_release release;
+        result = runSweep(target, fixed, points, outputs, options);
+    }
+    if (interrupted) throw py::error_already_set();
+
+    py::dict arrays;
+    for (Column const& column : result.outputs) {
+        std::size_t const n = column.size();
+        if (column.quantity.type == CellType::Float) {
+            py::array_t<double> array(static_cast<py::ssize_t>(n));
+            std::copy(column.numbers.begin(), column.numbers.end(), array.mutable_data());
+            arrays[py::str(column.quantity.name)] = array;
+        } else if (column.quantity.type == CellType::Int &&
+                   std::none_of(column.numbers.begin(), column.numbers.end(),
+                                [](double v) { return std::isnan(v); })) {
+            py::array_t<long long> array(static_cast<py::ssize_t>(n));
+            for (std::size_t i = 0; i < n; ++i)
+                array.mutable_data()[i] = static_cast<long long>(column.numbers[i]);
+            arrays[py::str(column.quantity.name)] = array;
+        } else if (column.quantity.type == CellType::Int) {  // a row without figures: NaN, as floats
+            py::array_t<double> array(static_cast<py::ssize_t>(n));
+            std::copy(column.numbers.begin(), column.numbers.end(), array.mutable_data());
+            arrays[py::str(column.quantity.name)] = array;
+        } else {
+            py::list texts;
+            for (std::string const& text : column.texts) texts.append(py::str(text));
+            arrays[py::str(column.quantity.name)] =
+                py::module_::import("numpy").attr("array")(texts, "object");
+        }
+    }
+    // Why a row has no figures (a thermal runaway), when any has none.
+    if (std::any_of(result.notes.begin(), result.notes.end(),
+                    [](std::string const& n) { return !n.empty(); })) {
+        py::list notes;
+        for (std::string const& note : result.notes) notes.append(py::str(note));
+        arrays["note"] = py::module_::import("numpy").attr("array")(notes, "object");
+    }
+    return arrays;
 }
 
 struct CellView {
@@ -182,98 +287,28 @@ public:
     std::string reflect() const { return m_instance->reflect(); }
 
     // The sweep over flat columns of equal length (the Python side broadcasts and reshapes).
-    py::dict sweepFlat(std::vector<std::string> const& names, py::list columns, py::object outputsArg,
+    py::dict sweepFlat(std::vector<std::string> const& names, py::list columns, py::object outputs,
                        unsigned threads) {
-        std::vector<Column> points;
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            Quantity const* variable = m_target->findVariable(names[i]);
-            if (variable == nullptr) throw HostError(kExitBadInput, m_target->notAVariable(names[i]));
-            py::handle column = columns[i];
-            if (py::isinstance<py::list>(column)) {
-                std::vector<std::string> texts;
-                for (py::handle item : column) {
-                    if (!py::isinstance<py::str>(item))
-                        throw HostError(kExitBadInput, names[i] + " takes text or numbers, not " +
-                                                           py::repr(item).cast<std::string>());
-                    texts.push_back(item.cast<std::string>());
-                }
-                points.push_back(textColumn(*variable, texts));
-            } else {
-                if (variable->type == CellType::String)
-                    throw HostError(kExitBadInput, names[i] + " takes text, not numbers (a string input)");
-                auto array = py::array_t<double, py::array::c_style | py::array::forcecast>::ensure(column);
-                if (!array) throw HostError(kExitBadInput, names[i] + " takes an array of numbers");
-                std::vector<double> values(array.data(), array.data() + array.size());
-                points.push_back(numberColumn(*variable, values));
-            }
-        }
-        std::vector<Column> fixed;
-        for (auto const& [input, text] : m_inputs) {
-            bool swept = false;
-            for (std::string const& name : names) swept = swept || name == input;
-            if (!swept) fixed.push_back(parseFixedValue(*m_target->findVariable(input), text));
-        }
-        std::vector<Quantity> outputs;
-        if (outputsArg.is_none()) {
-            outputs = m_target->outputs();
-        } else {
-            for (py::handle item : outputsArg) {
-                std::string const name = py::str(item);
-                Quantity const* output = m_target->findOutput(name);
-                if (output == nullptr)
-                    throw HostError(kExitBadInput, "no output of " + m_target->name() + " is called " + name +
-                                                       "; Sheet.cells lists them");
-                outputs.push_back(*output);
-            }
-        }
+        return sweepColumns(*m_target, m_inputs, names, columns, outputs, threads, "Sheet.cells");
+    }
 
-        SweepOptions options;
-        options.threads = threads;
-        bool interrupted = false;
-        options.stopRequested = [&interrupted] {
-            py::gil_scoped_acquire gil;
-            interrupted = PyErr_CheckSignals() != 0;
-            return interrupted;
-        };
-        SweepResult result;
-        {
-            py::gil_scoped_release release;
-            result = runSweep(*m_target, fixed, points, outputs, options);
-        }
-        if (interrupted) throw py::error_already_set();
-
-        py::dict arrays;
-        for (Column const& column : result.outputs) {
-            std::size_t const n = column.size();
-            if (column.quantity.type == CellType::Float) {
-                py::array_t<double> array(static_cast<py::ssize_t>(n));
-                std::copy(column.numbers.begin(), column.numbers.end(), array.mutable_data());
-                arrays[py::str(column.quantity.name)] = array;
-            } else if (column.quantity.type == CellType::Int &&
-                       std::none_of(column.numbers.begin(), column.numbers.end(),
-                                    [](double v) { return std::isnan(v); })) {
-                py::array_t<long long> array(static_cast<py::ssize_t>(n));
-                for (std::size_t i = 0; i < n; ++i)
-                    array.mutable_data()[i] = static_cast<long long>(column.numbers[i]);
-                arrays[py::str(column.quantity.name)] = array;
-            } else if (column.quantity.type == CellType::Int) {  // a row without figures: NaN, as floats
-                py::array_t<double> array(static_cast<py::ssize_t>(n));
-                std::copy(column.numbers.begin(), column.numbers.end(), array.mutable_data());
-                arrays[py::str(column.quantity.name)] = array;
-            } else {
-                py::list texts;
-                for (std::string const& text : column.texts) texts.append(py::str(text));
-                arrays[py::str(column.quantity.name)] =
-                    py::module_::import("numpy").attr("array")(texts, "object");
+    // The warnings `prsm calc` prints for the last calculate: invalid inputs, values the sheet's
+    // table asks to warn about, a string input without a row of its own.
+    std::vector<std::string> warnings() {
+        std::vector<ResolvedInput> resolved;
+        for (auto const& [input, text] : m_inputs)
+            resolved.push_back({m_target->sheet().findCell(input), text});
+        CalcResult const result = [&] {
+            try {
+                return readCalculation(m_target->sheet(), *m_instance, resolved);
+            } catch (...) {
+                throw HostError(kExitDataFailure,
+                                "calculating " + m_target->name() + " failed: " + describeCurrentException());
             }
-        }
-        // Why a row has no figures (a thermal runaway), when any has none.
-        if (std::any_of(result.notes.begin(), result.notes.end(), [](std::string const& n) { return !n.empty(); })) {
-            py::list notes;
-            for (std::string const& note : result.notes) notes.append(py::str(note));
-            arrays["note"] = py::module_::import("numpy").attr("array")(notes, "object");
-        }
-        return arrays;
+        }();
+        std::vector<std::string> lines = result.warnings;
+        for (std::string& line : invalidInputWarnings(result)) lines.push_back(std::move(line));
+        return lines;
     }
 
 private:
@@ -341,6 +376,11 @@ public:
     }
 
     void reset() { m_settings.clear(); }
+
+    py::dict sweepFlat(std::vector<std::string> const& names, py::list columns, py::object outputs,
+                       unsigned threads) {
+        return sweepColumns(*m_target, m_settings, names, columns, outputs, threads, "Design.outputs");
+    }
 
     py::dict settings() const {
         py::dict values;
@@ -455,6 +495,7 @@ PYBIND11_MODULE(_core, module) {
         .def_property_readonly("outputs", &PySheet::outputs)
         .def_property_readonly("inputs", &PySheet::inputs)
         .def("reflect", &PySheet::reflect)
+        .def("_warnings", &PySheet::warnings)
         .def("_sweep_flat", &PySheet::sweepFlat, py::arg("names"), py::arg("columns"), py::arg("outputs"),
              py::arg("threads"));
 
@@ -468,5 +509,7 @@ PYBIND11_MODULE(_core, module) {
         .def("set", &PyDesign::set, py::arg("name"), py::arg("value"))
         .def("unset", &PyDesign::unset, py::arg("name"))
         .def("reset", &PyDesign::reset)
-        .def("estimate", &PyDesign::estimate, py::arg("partial") = false);
+        .def("estimate", &PyDesign::estimate, py::arg("partial") = false)
+        .def("_sweep_flat", &PyDesign::sweepFlat, py::arg("names"), py::arg("columns"), py::arg("outputs"),
+             py::arg("threads"));
 }

@@ -51,6 +51,9 @@ TEST(DesignFile, RefusesEachKindOfFault) {
     m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad"}, {"name": "a", "model": "TestLoad"})"));
     EXPECT_MENTIONS(m, "/blocks/1/name: block \"a\": the name is used by an earlier block");
 
+    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad"})", R"("description": 7,)"));
+    EXPECT_MENTIONS(m, "bad.json: /description: ");
+
     m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad"})", R"("rails": {"VCCNOPE": 1.0},)"));
     EXPECT_MENTIONS(m, "bad.json: /rails/VCCNOPE: unknown rail VCCNOPE");
     m = refusal(withBlocks("", R"("loads": [{"name": "x", "rail": "VCCQ", "power": 1, "region": "io"}],)"));

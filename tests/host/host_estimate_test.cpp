@@ -10,6 +10,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <sstream>
 
 namespace prsm::host {
@@ -53,6 +56,26 @@ TEST(HostEstimate, PrintsTableJsonAndCsv) {
     EXPECT_EQ(csv.out.rfind("section,name,rail,quantity,value,unit\n", 0), 0u);
     EXPECT_NE(csv.out.find("rail,VCCO18,VCCO18,dynamic_current,0.1,A\n"), std::string::npos);
     EXPECT_NE(csv.out.find("block,ddr phy,VCCO18,power,0.18,W\n"), std::string::npos);  // 0.1 A at 1.8 V
+}
+
+TEST(HostEstimate, WritesTheHtmlPageBesideTheTable) {
+    std::string const page = testing::TempDir() + "prsm_estimate_report.html";
+    std::remove(page.c_str());
+    EstimateRun const run = estimate("small.json", {"--html", page.c_str()});
+    ASSERT_EQ(run.code, kExitOk) << run.err;
+    EXPECT_NE(run.out.find("voltage (V)"), std::string::npos) << "the table is still printed";
+    std::ifstream file(page);
+    std::string const html((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    EXPECT_NE(html.find("Two test blocks, an AI-engine load"), std::string::npos);
+    // 2 x (0.064 + 0.015) + 0.016 + 0.2 + 0.18 W of dynamic power.
+    EXPECT_NE(html.find("<td>dynamic power (W)</td><td class=\"num\">0.5540</td>"), std::string::npos);
+    EXPECT_NE(html.find("Static power against junction temperature"), std::string::npos);
+
+    EstimateRun const unwritable = estimate("small.json", {"--html", "/nonexistent/dir/report.html"});
+    EXPECT_EQ(unwritable.code, kExitBadInput);
+    EXPECT_NE(unwritable.err.find("--html /nonexistent/dir/report.html: cannot write the file"),
+              std::string::npos)
+        << unwritable.err;
 }
 
 TEST(HostEstimate, RefusedDesignAndRunawayEndWithTheirStatus) {
