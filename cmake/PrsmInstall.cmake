@@ -9,6 +9,8 @@ foreach(dir framework sheetfunc)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/${dir}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/prsm/${dir}
     FILES_MATCHING PATTERN "*.h")
 endforeach()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/prsm/framework ${PROJECT_SOURCE_DIR}/include/prsm/sheetfunc
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/prsm)
 install(DIRECTORY ${PRSM_GENERATED_ROOT}/prsm/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/prsm
   FILES_MATCHING PATTERN "*.h" PATTERN "tests" EXCLUDE)
 
