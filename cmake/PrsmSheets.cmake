@@ -3,7 +3,10 @@
 #   prsm_add_sheet(<target> <table.toml>)
 #
 # The table's folder relative to the source root names the header folder (models/talvex ->
-# <prsm/models/talvex/...>). A hand-written <Name>.cpp beside <Name>.toml holds the formulas.
+# <prsm/models/talvex/...>). A hand-written <Name>.cpp beside <Name>.toml holds the formulas and
+# includes the generated PRSM<Name>Cells.h, the bodies of the cell functions: they are defined in the
+# formulas' translation unit, where the formulas' calls to them inline, and the header is private
+# (PRSM_PRIVATE_GENERATED_ROOT, not installed), so the installed model header only declares.
 set(PRSM_SHEETGEN ${CMAKE_CURRENT_LIST_DIR}/../sheetgen/prsm_sheetgen.py)
 file(GLOB PRSM_SHEETGEN_DEPS ${CMAKE_CURRENT_LIST_DIR}/../sheetgen/*.py)
 
@@ -13,6 +16,7 @@ function(prsm_add_sheet target table)
   get_filename_component(folder ${table} DIRECTORY)
   file(RELATIVE_PATH subdir ${PROJECT_SOURCE_DIR} ${folder})
   set(outdir ${PRSM_GENERATED_ROOT}/prsm/${subdir})
+  set(private_outdir ${PRSM_PRIVATE_GENERATED_ROOT}/prsm/${subdir})
   set(class PRSM${stem})
   set(roles Params Data Model)
   file(STRINGS ${table} without_model REGEX "^model *= *false")
@@ -23,13 +27,22 @@ function(prsm_add_sheet target table)
   foreach(role ${roles})
     list(APPEND outputs ${outdir}/${class}${role}.h ${outdir}/${class}${role}.cpp)
   endforeach()
+  if(NOT without_model)
+    list(APPEND outputs ${private_outdir}/${class}Cells.h)
+  endif()
+  set(formulas_option)
+  if(NOT EXISTS ${folder}/${stem}.cpp)
+    set(formulas_option --no-formulas-file)
+  endif()
   add_custom_command(
     OUTPUT ${outputs}
-    COMMAND Python3::Interpreter ${PRSM_SHEETGEN} ${table} --out ${outdir}
+    COMMAND Python3::Interpreter ${PRSM_SHEETGEN} ${table} --out ${outdir} --private-out ${private_outdir}
+            ${formulas_option}
     DEPENDS ${table} ${PRSM_SHEETGEN_DEPS}
     COMMENT "Generating sheet ${stem}"
     VERBATIM)
   target_sources(${target} PRIVATE ${outputs})
+  target_include_directories(${target} PRIVATE ${PRSM_PRIVATE_GENERATED_ROOT})
   if(EXISTS ${folder}/${stem}.cpp)
     target_sources(${target} PRIVATE ${folder}/${stem}.cpp)
   endif()

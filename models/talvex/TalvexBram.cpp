@@ -2,6 +2,7 @@
 // word-line boost on VCCAUX, the cascade mode and the rules of the inputs (models/talvex/RamFormulas.h
 // holds the rest).
 #include <prsm/models/talvex/PRSMTalvexBramModel.h>
+#include <prsm/models/talvex/PRSMTalvexBramCells.h>
 
 #include "RamFormulas.h"
 

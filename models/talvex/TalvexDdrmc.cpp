@@ -3,6 +3,7 @@
 // memory type's drive and termination; the PHY and the controller are switched capacitance, clocked
 // whether data moves or not, plus a part per bit moved. Per-interface figures are in mW.
 #include <prsm/models/talvex/PRSMTalvexDdrmcModel.h>
+#include <prsm/models/talvex/PRSMTalvexDdrmcCells.h>
 
 #include "MemoryFormulas.h"
 

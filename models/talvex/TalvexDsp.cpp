@@ -3,6 +3,7 @@
 // bits switch at CLOCK_FREQ x TOGGLE_RATE transitions per microsecond, half of that in full cycles
 // (DATA_FREQ); register clock pins and the slice's clock spine cycle once per clock.
 #include <prsm/models/talvex/PRSMTalvexDspModel.h>
+#include <prsm/models/talvex/PRSMTalvexDspCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

@@ -5,6 +5,7 @@
 // resistor network and the line's level, high half the time; a current-mode driver draws its constant
 // current whatever the data.
 #include <prsm/models/talvex/PRSMTalvexIoModel.h>
+#include <prsm/models/talvex/PRSMTalvexIoCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
