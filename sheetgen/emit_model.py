@@ -162,14 +162,14 @@ public:
 
 
 def cells(sheet: Sheet) -> str:
-    """The bodies of the cell functions, for the one translation unit that defines them: the sheet's
-    formulas file, or the generated source of a sheet that has none. The formulas call the cell functions
-    thousands of times per calculate; defined in their translation unit, those calls inline to a cached-value
-    test, while the installed header stays a declaration of what a user calls."""
+    """The bodies of the cell functions and calculate, for the one translation unit that defines them:
+    the sheet's formulas file, or the generated source of a sheet that has none. The formulas call the
+    cell functions thousands of times per calculate; defined in their translation unit, those calls
+    inline to a cached-value test, while the installed header only declares what a user calls."""
     plan = Plan(sheet)
     cls = sheet.prefix + "Model"
     shared = f"#include <prsm/{sheet.subdir}/{sheet.formula_header}>\n" if sheet.formula_header else ""
-    return f"""{HEADER_NOTE.format(stem=sheet.stem)}// The cell functions of {cls}, defined by the one file that includes this: the sheet's
+    return f"""{HEADER_NOTE.format(stem=sheet.stem)}// The cell functions and calculate of {cls}, defined by the one file that includes this: the sheet's
 // formulas file, or the generated model source of a sheet that has none. Not installed.
 #pragma once
 
@@ -181,7 +181,21 @@ def cells(sheet: Sheet) -> str:
 {shared}
 #include <cstddef>
 #include <string>
-{"".join(_definitions(sheet, plan, cls))}"""
+{"".join(_definitions(sheet, plan, cls))}{_calculate(sheet, cls)}"""
+
+
+def _calculate(sheet: Sheet, cls: str) -> str:
+    """calculate, beside the cell functions, so that its calls to the outputs inline as well."""
+    calls = "\n".join(f"    {_fn(sheet.by_name[n])}(params, data);" for n in sheet.calculate)
+    return f"""
+void {cls}::calculate(Params& params) const {{
+    Data const& data = Data::getGlobal();
+    params.resetIntermediateCalculations();
+    params.resetModelOutputs();
+{calls}
+    (void)data;
+}}
+"""
 
 
 def _args(uses_params: bool, uses_data: bool) -> str:
@@ -506,17 +520,8 @@ std::string_view {cls}::memberName({fam.name} member) {{
 """)
     for inp in plan.validated.values():
         parts.append(_validity(cls, sheet, plan, inp))
-    calls = "\n".join(f"    {_fn(sheet.by_name[n])}(params, data);" for n in sheet.calculate)
     parts.append(f"""
 std::string {cls}::className() const {{ return "{cls}"; }}
-
-void {cls}::calculate(Params& params) const {{
-    Data const& data = Data::getGlobal();
-    params.resetIntermediateCalculations();
-    params.resetModelOutputs();
-{calls}
-    (void)data;
-}}
 """)
     for t in TYPES:
         parts.append(_dispatch(cls, sheet, plan, t))
