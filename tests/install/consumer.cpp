@@ -1,9 +1,16 @@
 // Uses the installed libraries as a host would: one sheet through its classes, every sheet by name, and
-// a small design through the design engine.
+// a small design through the design engine. Only the stable interface is installed.
 #include <prsm/design/Estimate.h>
-#include <prsm/prsm.h>
+#include <prsm/framework/PRSMCommonParamControlData.h>
+#include <prsm/framework/PRSMSheetRegistry.h>
+#include <prsm/models/talvex/PRSMTalvexCleLogicModel.h>
 
 #include <iostream>
+
+static_assert(!__has_include(<prsm/framework/PRSMDataText.h>), "the data text reader is private");
+static_assert(!__has_include(<prsm/framework/PRSMSheetAdapter.h>), "the sheet adapter is private");
+static_assert(!__has_include(<prsm/models/talvex/PRSMTalvexCleLogicCells.h>), "cell bodies are private");
+static_assert(!__has_include(<prsm/design/Counts.h>), "the design engine's sums are private");
 
 int main() {
     PRSMTalvexCleLogicParams params;
