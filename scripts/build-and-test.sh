@@ -95,6 +95,7 @@ cmake --install build --prefix build/stage >/dev/null
 cmake -S tests/install -B build/consumer -DCMAKE_PREFIX_PATH="$PWD/build/stage" >/dev/null
 cmake --build build/consumer -j"$jobs" >/dev/null
 QDI_DATADIR="$PWD/build/stage/share/prsm" build/consumer/prsm_consumer
+QDI_DATADIR="$PWD/build/stage/share/prsm" build/consumer/prsm_readme_example
 PKG_CONFIG_PATH="$PWD/build/stage/lib/pkgconfig" pkg-config --exists prsm
 echo "the consumer builds, links and calculates"
 passed=$((passed + 1))

@@ -126,9 +126,7 @@ def header(sheet: Sheet) -> str:
     private_block = ("\nprivate:\n    // Formulas, written by hand beside the sheet's table.\n" + "\n".join(private)) if private else ""
     return f"""{HEADER_NOTE.format(stem=sheet.stem)}#pragma once
 
-#include <prsm/framework/PRSMCellSupport.h>
 #include <prsm/framework/PRSMModel.h>
-#include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/{sheet.subdir}/{p}.h>
 #include <prsm/{sheet.subdir}/{d}.h>
 
@@ -157,7 +155,44 @@ public:
     static {cls} const& getGlobal();
 {private_block}
 }};
-{"".join(text for text, inlined in _definitions(sheet, plan, cls) if inlined)}"""
+"""
+
+
+def cells(sheet: Sheet) -> str:
+    """The bodies of the cell functions and calculate, for the one translation unit that defines them:
+    the sheet's formulas file, or the generated source of a sheet that has none. The formulas call the
+    cell functions thousands of times per calculate; defined in their translation unit, those calls
+    inline to a cached-value test, while the installed header only declares what a user calls."""
+    plan = Plan(sheet)
+    cls = sheet.prefix + "Model"
+    shared = f"#include <prsm/{sheet.subdir}/{sheet.formula_header}>\n" if sheet.formula_header else ""
+    return f"""{HEADER_NOTE.format(stem=sheet.stem)}// The cell functions and calculate of {cls}, defined by the one file that includes this: the sheet's
+// formulas file, or the generated model source of a sheet that has none. Not installed.
+#pragma once
+
+#include <prsm/{sheet.subdir}/{cls}.h>
+
+#include <prsm/framework/PRSMCellSupport.h>
+#include <prsm/framework/PRSMReservedValues.h>
+#include <prsm/sheetfunc/PRSMHelperUtils.h>
+{shared}
+#include <cstddef>
+#include <string>
+{"".join(_definitions(sheet, plan, cls))}{_calculate(sheet, cls)}"""
+
+
+def _calculate(sheet: Sheet, cls: str) -> str:
+    """calculate, beside the cell functions, so that its calls to the outputs inline as well."""
+    calls = "\n".join(f"    {_fn(sheet.by_name[n])}(params, data);" for n in sheet.calculate)
+    return f"""
+void {cls}::calculate(Params& params) const {{
+    Data const& data = Data::getGlobal();
+    params.resetIntermediateCalculations();
+    params.resetModelOutputs();
+{calls}
+    (void)data;
+}}
+"""
 
 
 def _args(uses_params: bool, uses_data: bool) -> str:
@@ -393,86 +428,75 @@ def _rows_lacking(sheet: Sheet) -> str:
     return "\n".join(blocks)
 
 
-def _inline(text: str) -> str:
-    return text.replace("\n", "\ninline ", 1)
-
-
-def _definitions(sheet: Sheet, plan: Plan, cls: str) -> list[tuple[str, bool]]:
-    """The cell functions, each with whether it is defined inline in the header: the memoised functions
-    whose formula is the sheet's own (or a constant default), the string-cell references, the derived
-    values and the family accessors, so that the formulas call them without a call. Functions that call a
-    shared formula template stay in the source, whose header is not part of the installed interface."""
-    out: list[tuple[str, bool]] = []
+def _definitions(sheet: Sheet, plan: Plan, cls: str) -> list[str]:
+    """The cell functions: memoised inputs and formulas, constants, bounds, the string-cell references, the
+    derived values and the family accessors."""
+    out: list[str] = []
     for cell in sheet.all_cells():
         kind = plan.kind(cell)
         if kind == "input":
-            inp = sheet.inputs[cell.name]
-            shared = sheet.formulas.get(cell.pattern if cell.family is not None and inp.family_default
-                                        else cell.name) if inp.computed_default is not None else None
-            text = _input(cls, sheet, cell)
-            out.append((_inline(text), True) if shared is None else (text, False))
+            out.append(_input(cls, sheet, cell))
         elif kind == "formula":
             shared = sheet.formulas.get(cell.name)
-            text = _memo(cls, cell, shared.call() if shared else f"compute{cell.camel}(params, data)")
-            out.append((_inline(text), True) if shared is None else (text, False))
+            out.append(_memo(cls, cell, shared.call() if shared else f"compute{cell.camel}(params, data)"))
         elif kind == "family":  # the family's accessor holds the cache test and the formula
             fam = cell.family
             member = f"{fam.name}::{fam.enumerator(cell.member)}"
-            out.append((_inline(f"""
+            out.append(f"""
 {cell.cpp_type} {cls}::{_fn(cell)}{SIG} {{ return {_family_fn(cell)}(params, data, {member}); }}
-"""), True))
+""")
         elif kind == "constant":  # stored without looking at the cache
-            out.append((f"""
+            out.append(f"""
 {cell.cpp_type} {cls}::{_fn(cell)}{_args(True, False)} {{
     return params[Params::{cell.name}] = {cpp_literal(sheet.constants[cell.name], cell.type)};
 }}
-""", False))
+""")
         elif kind == "bound":
             inp, fn = plan.bounds[cell.name]
             lo, hi = (cpp_literal(float(v), "float") for v in inp.range)
-            out.append((f"""
+            out.append(f"""
 {cell.cpp_type} {cls}::{_fn(cell)}{_args(True, False)} {{
     return params[Params::{cell.name}] = PRSMHelperUtils::{fn}({lo}, {hi});
 }}
-""", False))
+""")
     for cell in sheet.all_cells():
         if cell.type == "string":
-            out.append((_inline(f"""
+            out.append(f"""
 std::string const& {cls}::ref{cell.camel}{SIG} {{
     std::string const& cell = params[Params::{cell.name}];
     if (prsm::cells::isNotSet(cell)) {_fn(cell)}(params, data);
     return cell;
 }}
-"""), True))
+""")
     for i, name in enumerate(sheet.derived):
-        out.append((_inline(f"""
+        out.append(f"""
 float {cls}::derived{camel(name)}{SIG} {{
     float& value = params.m_derivedFloats[{i}];  // {name}
     if (value != prsm::kFloatNotSet) return value;
     return value = compute{camel(name)}(params, data);
 }}
-"""), True))
+""")
     seen = set()
     for cell in sheet.all_cells():
         if cell.family is not None and (cell.family.name, cell.pattern) not in seen:
             seen.add((cell.family.name, cell.pattern))
-            text = _family_accessor(cls, sheet, plan, cell)
-            shared = sheet.formulas.get(cell.pattern)
-            out.append((_inline(text), True) if shared is None else (text, False))
+            out.append(_family_accessor(cls, sheet, plan, cell))
     return out
 
 
-def source(sheet: Sheet) -> str:
+def source(sheet: Sheet, formulas_file: bool = True) -> str:
+    """The model's source. A sheet without a formulas file defines its cell functions here."""
     plan = Plan(sheet)
     cls = sheet.prefix + "Model"
+    cell_bodies = "" if formulas_file else f"#include <prsm/{sheet.subdir}/{sheet.prefix}Cells.h>\n"
     parts = [f"""{HEADER_NOTE.format(stem=sheet.stem)}#include <prsm/{sheet.subdir}/{cls}.h>
-
+{cell_bodies}
 #include <prsm/framework/PRSMCellSupport.h>
 #include <prsm/framework/PRSMModelSupport.h>
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/framework/PRSMSheetAdapter.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
-{f"#include <prsm/{sheet.subdir}/{sheet.formula_header}>" + chr(10) if sheet.formula_header else ""}
+
 #include <cstddef>
 #include <iterator>
 #include <unordered_map>
@@ -490,20 +514,10 @@ std::string_view {cls}::memberName({fam.name} member) {{
 }}
 """)
     parts.append(member_rows.definitions(sheet, cls))
-    parts += [text for text, inlined in _definitions(sheet, plan, cls) if not inlined]
     for inp in plan.validated.values():
         parts.append(_validity(cls, sheet, plan, inp))
-    calls = "\n".join(f"    {_fn(sheet.by_name[n])}(params, data);" for n in sheet.calculate)
     parts.append(f"""
 std::string {cls}::className() const {{ return "{cls}"; }}
-
-void {cls}::calculate(Params& params) const {{
-    Data const& data = Data::getGlobal();
-    params.resetIntermediateCalculations();
-    params.resetModelOutputs();
-{calls}
-    (void)data;
-}}
 """)
     for t in TYPES:
         parts.append(_dispatch(cls, sheet, plan, t))

@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
 """Turns one sheet's declaration table (TOML) into the C++ of its Params, Data and Model classes.
 
-Usage: prsm_sheetgen.py TABLE.toml --out DIR [--source-root DIR]
-The table's folder below the source root names the include folder (<prsm/models/talvex/...>).
+Usage: prsm_sheetgen.py TABLE.toml --out DIR [--private-out DIR] [--no-formulas-file] [--source-root DIR]
+The table's folder below the source root names the include folder (<prsm/models/talvex/...>). The
+installed headers go to --out; the cell functions' bodies (<Class>Cells.h), which only the sheet's own
+formulas file includes, go to --private-out.
 """
 
 import argparse
@@ -30,6 +32,9 @@ def main() -> int:
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("table", type=Path)
     parser.add_argument("--out", type=Path, required=True)
+    parser.add_argument("--private-out", type=Path, help="folder of the private header (default: --out)")
+    parser.add_argument("--no-formulas-file", action="store_true",
+                        help="the sheet has no formulas file: its generated source defines the cell functions")
     parser.add_argument("--source-root", type=Path, default=Path(__file__).resolve().parent.parent)
     args = parser.parse_args()
     try:
@@ -40,15 +45,19 @@ def main() -> int:
     except tomllib.TOMLDecodeError as error:
         print(f"{args.table}: {error}", file=sys.stderr)
         return 1
-    args.out.mkdir(parents=True, exist_ok=True)
-    files = {
-        "Params.h": emit_params.header, "Params.cpp": emit_params.source,
-        "Data.h": emit_data.header, "Data.cpp": emit_data.source,
-    }
+    private_out = args.private_out or args.out
+    files = [
+        (args.out, "Params.h", emit_params.header), (args.out, "Params.cpp", emit_params.source),
+        (args.out, "Data.h", emit_data.header), (args.out, "Data.cpp", emit_data.source),
+    ]
     if sheet.has_model:
-        files |= {"Model.h": emit_model.header, "Model.cpp": emit_model.source}
-    for suffix, emit in files.items():  # a checked table always emits
-        write_if_changed(args.out / f"{sheet.prefix}{suffix}", emit(sheet))
+        def model_source(s):
+            return emit_model.source(s, formulas_file=not args.no_formulas_file)
+        files += [(args.out, "Model.h", emit_model.header), (args.out, "Model.cpp", model_source),
+                  (private_out, "Cells.h", emit_model.cells)]
+    for folder, suffix, emit in files:  # a checked table always emits
+        folder.mkdir(parents=True, exist_ok=True)
+        write_if_changed(folder / f"{sheet.prefix}{suffix}", emit(sheet))
     return 0
 
 

@@ -2,6 +2,7 @@
 // MHz, so capacitance x frequency x VCCINT^VPOW x 0.001 gives one element's figure in mW, and
 // LOGIC_POWER, a further 0.001 on the group, is in W. Data completes a cycle every second toggle.
 #include <prsm/models/dravik/PRSMDravikCleLogicModel.h>
+#include <prsm/models/dravik/PRSMDravikCleLogicCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

@@ -2,6 +2,7 @@
 // the part's banks hold and its one VCCO rail. The interface's physics is the newer hard controllers'
 // (DdrFormulas.h, bound in the table).
 #include <prsm/models/dravik/PRSMDravikDdrModel.h>
+#include <prsm/models/dravik/PRSMDravikDdrCells.h>
 
 #include "DravikDdrFormulas.h"
 

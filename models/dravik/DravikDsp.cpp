@@ -1,6 +1,7 @@
 // The rules and the voltage factor of the older architecture's DSP sheet; models/talvex/DspFormulas.h
 // holds its formulas.
 #include <prsm/models/dravik/PRSMDravikDspModel.h>
+#include <prsm/models/dravik/PRSMDravikDspCells.h>
 
 #include "DravikDspFormulas.h"
 

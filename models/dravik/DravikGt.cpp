@@ -3,6 +3,7 @@
 // coding sublayer's energy per bit; every lane here is NRZ, so a symbol is a bit. Figures are given at
 // the rails' nominal voltages and follow (V / nominal)^VPOW on the rail the family draws them from.
 #include <prsm/models/dravik/PRSMDravikGtModel.h>
+#include <prsm/models/dravik/PRSMDravikGtCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

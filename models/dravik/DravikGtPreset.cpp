@@ -2,6 +2,7 @@
 // name in GT_PRESETS, read as the output's type, as on the newer preset sheet. A preset that lacks an
 // entry is an incomplete file: the lookup throws PRSMException naming the key.
 #include <prsm/models/dravik/PRSMDravikGtPresetModel.h>
+#include <prsm/models/dravik/PRSMDravikGtPresetCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

@@ -2,6 +2,7 @@
 // from, which auxiliary rail the bank's receivers draw from, the standards the design's voltages allow
 // and the device scales. The I/O physics is the newer sheet's (IoFormulas.h, bound in the table).
 #include <prsm/models/dravik/PRSMDravikIoModel.h>
+#include <prsm/models/dravik/PRSMDravikIoCells.h>
 
 #include "DravikIoFormulas.h"
 

@@ -3,6 +3,7 @@
 // clock; the rail total, a further 0.001 and the instance count, is in W. Below its buffer the network
 // runs only in the cycles the clock is not gated off (RUNNING_FREQ); the buffer runs at the full clock.
 #include <prsm/models/dravik/PRSMDravikLogicClockModel.h>
+#include <prsm/models/dravik/PRSMDravikLogicClockCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

@@ -2,6 +2,7 @@
 // spread-spectrum modulator add to the frequency chain and currents it shares with the PLL
 // (DravikClockManagerFormulas.h). Currents are per manager in A; powers are in W.
 #include <prsm/models/dravik/PRSMDravikMmcmModel.h>
+#include <prsm/models/dravik/PRSMDravikMmcmCells.h>
 
 #include "DravikClockManagerFormulas.h"
 

@@ -2,6 +2,7 @@
 // clock managers' shared ones (DravikClockManagerFormulas.h); what is left here is the VCCINT sum and
 // the validity rules that name its own outputs.
 #include <prsm/models/dravik/PRSMDravikPllModel.h>
+#include <prsm/models/dravik/PRSMDravikPllCells.h>
 
 #include "DravikClockManagerFormulas.h"
 

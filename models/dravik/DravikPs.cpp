@@ -8,6 +8,7 @@
 // has a controller and PHY logic term per memory clock, pins that switch and terminate with the
 // traffic, and its PLL. Leakage belongs to the static sheet.
 #include <prsm/models/dravik/PRSMDravikPsModel.h>
+#include <prsm/models/dravik/PRSMDravikPsCells.h>
 
 #include <prsm/models/talvex/ProcessingSystemFormulas.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>

@@ -2,6 +2,7 @@
 // preset's entry of the same name in PS_PRESETS, read as the output's type. A preset that lacks an entry
 // is an incomplete file: the lookup throws PRSMException naming the key.
 #include <prsm/models/dravik/PRSMDravikPsPresetModel.h>
+#include <prsm/models/dravik/PRSMDravikPsPresetCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

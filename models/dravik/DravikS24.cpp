@@ -6,6 +6,7 @@
 // for the processor core (with the logic's 0.85 V supplies and the processor-side transceiver core on
 // the same output) and the device's core. The LPDDR4 memory has no termination rail.
 #include <prsm/models/dravik/PRSMDravikS24Model.h>
+#include <prsm/models/dravik/PRSMDravikS24Cells.h>
 
 #include <prsm/models/dravik/SomFormulas.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>

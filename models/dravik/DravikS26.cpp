@@ -7,6 +7,7 @@
 // the processor-side transceiver core and the transceiver termination, and the TPS51200 for the
 // memory termination.
 #include <prsm/models/dravik/PRSMDravikS26Model.h>
+#include <prsm/models/dravik/PRSMDravikS26Cells.h>
 
 #include <prsm/models/dravik/SomFormulas.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>

@@ -1,6 +1,7 @@
 // Formulas of the module catalogue: every output is the selected part's entry. A part the catalogue
 // does not list has no figures: its counts are 0 and its names empty.
 #include <prsm/models/dravik/PRSMDravikSomPartsModel.h>
+#include <prsm/models/dravik/PRSMDravikSomPartsCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

@@ -8,6 +8,7 @@
 // codec unit) add their currents to the rails they leak on; a rail at 0 V carries nothing.
 #include <prsm/models/dravik/DravikStaticFormulas.h>
 #include <prsm/models/dravik/PRSMDravikStaticModel.h>
+#include <prsm/models/dravik/PRSMDravikStaticCells.h>
 
 #include <prsm/framework/PRSMConfigHelpers.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>

@@ -1,6 +1,7 @@
 // Formulas of the older architecture's UltraRAM sheet that the shared memory formulas leave out: the
 // rules of its inputs and its totals (models/talvex/RamFormulas.h holds the rest).
 #include <prsm/models/dravik/PRSMDravikUramModel.h>
+#include <prsm/models/dravik/PRSMDravikUramCells.h>
 
 #include "DravikRamFormulas.h"
 

@@ -4,6 +4,7 @@
 // a fixed power on VCCAUX while it is used. Streams beyond the unit's capacity are flagged, and
 // calculated as given.
 #include <prsm/models/dravik/PRSMDravikVcuModel.h>
+#include <prsm/models/dravik/PRSMDravikVcuCells.h>
 
 #include <prsm/models/talvex/ProcessingSystemFormulas.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>

@@ -1,6 +1,7 @@
 // Formulas of the first-generation AI-engine sheet. Its terms are those both generations share
 // (AieFormulas.h); this file binds them to the sheet's cells and sums its kernel and memory groups.
 #include <prsm/models/talvex/PRSMTalvexAieModel.h>
+#include <prsm/models/talvex/PRSMTalvexAieCells.h>
 
 #include "AieFormulas.h"
 

@@ -1,6 +1,7 @@
 // Formulas of the second-generation AI-engine sheet: the first generation's terms (AieFormulas.h),
 // plus the row of shared memory tiles (in the memory group) and 4-bit integer kernels.
 #include <prsm/models/talvex/PRSMTalvexAie2Model.h>
+#include <prsm/models/talvex/PRSMTalvexAie2Cells.h>
 
 #include "AieFormulas.h"
 

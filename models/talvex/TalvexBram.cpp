@@ -1,6 +1,7 @@
 // Formulas of the block-RAM sheet that the shared memory formulas leave out: the word-line boost on
 // VCCAUX, the totals and the rules of the inputs (models/talvex/RamFormulas.h holds the rest).
 #include <prsm/models/talvex/PRSMTalvexBramModel.h>
+#include <prsm/models/talvex/PRSMTalvexBramCells.h>
 
 #include "RamFormulas.h"
 

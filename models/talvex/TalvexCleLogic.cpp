@@ -2,6 +2,7 @@
 // frequency x capacitance x V^VPOW x 0.001 gives a per-instance figure in mW and LOGIC_POWER, a
 // further 0.001 on the instance total, is in W. A pin toggles at half its signal rate.
 #include <prsm/models/talvex/PRSMTalvexCleLogicModel.h>
+#include <prsm/models/talvex/PRSMTalvexCleLogicCells.h>
 
 #include <prsm/framework/PRSMCellSupport.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>

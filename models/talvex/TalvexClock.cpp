@@ -1,6 +1,7 @@
 // Formulas of the clock-network sheet: how many distribution segments, leaf drivers and clocked slices
 // one user clock reaches, from its fanout and the device's resource totals.
 #include <prsm/models/talvex/PRSMTalvexClockModel.h>
+#include <prsm/models/talvex/PRSMTalvexClockCells.h>
 
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>

@@ -2,6 +2,7 @@
 // banks and its two VCCO rails. The interface's physics is shared with the older architecture's memory
 // interface (DdrFormulas.h) and the memory stacks (MemoryFormulas.h), bound in the table.
 #include <prsm/models/talvex/PRSMTalvexDdrmcModel.h>
+#include <prsm/models/talvex/PRSMTalvexDdrmcCells.h>
 
 #include "DdrFormulas.h"
 

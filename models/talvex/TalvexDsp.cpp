@@ -1,5 +1,6 @@
 // The rules and the voltage factor of the DSP sheet; models/talvex/DspFormulas.h holds its formulas.
 #include <prsm/models/talvex/PRSMTalvexDspModel.h>
+#include <prsm/models/talvex/PRSMTalvexDspCells.h>
 
 #include "DspFormulas.h"
 

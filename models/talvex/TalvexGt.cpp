@@ -4,6 +4,7 @@
 // one lane. The coding sublayer switches with the bits of each direction (the law in LinkFormulas.h). Every figure is given at the
 // rails' nominal voltages and follows (V / nominal)^VPOW on the rail the family draws it from.
 #include <prsm/models/talvex/PRSMTalvexGtModel.h>
+#include <prsm/models/talvex/PRSMTalvexGtCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

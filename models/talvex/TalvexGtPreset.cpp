@@ -2,6 +2,7 @@
 // in GT_PRESETS, read as the output's type. A preset that lacks an entry is an incomplete file: the
 // lookup throws PRSMException naming the key.
 #include <prsm/models/talvex/PRSMTalvexGtPresetModel.h>
+#include <prsm/models/talvex/PRSMTalvexGtPresetCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

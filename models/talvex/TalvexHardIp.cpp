@@ -4,6 +4,7 @@
 // every bit on the line whether it carries traffic or idles. RAIL_SHARE splits that over the rails, each
 // share following (V / nominal)^VPOW on its rail.
 #include <prsm/models/talvex/PRSMTalvexHardIpModel.h>
+#include <prsm/models/talvex/PRSMTalvexHardIpCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

@@ -3,6 +3,7 @@
 // moved (pJ x Mb/s x 0.001 is mW) and pJ per clock of each pseudo-channel in use, scaled by
 // (V / Vnom)^VPOW; the PLL and delay lines on VCCAUXHBM are bias currents (V x mA).
 #include <prsm/models/talvex/PRSMTalvexHbmModel.h>
+#include <prsm/models/talvex/PRSMTalvexHbmCells.h>
 
 #include "MemoryFormulas.h"
 

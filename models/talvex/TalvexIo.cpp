@@ -2,6 +2,7 @@
 // the standards the design's voltages allow, the device scales and the banks per rail and bank type.
 // The I/O physics is shared with the older architecture's I/O sheet (IoFormulas.h, bound in the table).
 #include <prsm/models/talvex/PRSMTalvexIoModel.h>
+#include <prsm/models/talvex/PRSMTalvexIoCells.h>
 
 #include "IoFormulas.h"
 

@@ -3,6 +3,7 @@
 // totals, a further 0.001 on the instance total, are in W. Below its buffer the network runs only in
 // the cycles the clock is not gated off (RUNNING_FREQ); the buffer runs at the full clock.
 #include <prsm/models/talvex/PRSMTalvexLogicClockModel.h>
+#include <prsm/models/talvex/PRSMTalvexLogicClockCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

@@ -1,6 +1,7 @@
 // Formulas of the mixed-mode clock manager. Coefficients are "COMMON_DATA" entries in amperes, or in
 // amperes per MHz for the "_pMHz" keys; powers come out in watts.
 #include <prsm/models/talvex/PRSMTalvexMmcmModel.h>
+#include <prsm/models/talvex/PRSMTalvexMmcmCells.h>
 
 #include "ClockManagerFormulas.h"
 

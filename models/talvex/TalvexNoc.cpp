@@ -6,6 +6,7 @@
 // clock buffers kept running, each at its coefficient per GHz. Both scale with VCC_SOC squared
 // against the characterisation voltage of 0.88 V.
 #include <prsm/models/talvex/PRSMTalvexNocModel.h>
+#include <prsm/models/talvex/PRSMTalvexNocCells.h>
 
 #include <prsm/framework/PRSMCellSupport.h>
 #include <prsm/framework/PRSMConfigHelpers.h>

@@ -8,6 +8,7 @@
 // on VCCINTPMC is scaled by the supply's voltage law, everything on VCCAUXPMC linearly by VCCAUXPMC
 // against its characterisation voltage; bank supplies are not scaled.
 #include <prsm/models/talvex/PRSMTalvexPmcModel.h>
+#include <prsm/models/talvex/PRSMTalvexPmcCells.h>
 
 #include "ProcessingSystemFormulas.h"
 

@@ -19,6 +19,7 @@
 //
 // A group without a rail ("-") is blank, as is every group of the strategy not chosen.
 #include <prsm/models/talvex/PRSMTalvexPowerRailGroupingModel.h>
+#include <prsm/models/talvex/PRSMTalvexPowerRailGroupingCells.h>
 
 #include <prsm/framework/PRSMCellSupport.h>
 

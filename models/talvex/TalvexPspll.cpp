@@ -2,6 +2,7 @@
 // amperes per MHz for the "_pMHz" keys; each rail's current is summed per function and calibrated by the
 // rail's factor. No voltages: the outputs are currents in amperes.
 #include <prsm/models/talvex/PRSMTalvexPspllModel.h>
+#include <prsm/models/talvex/PRSMTalvexPspllCells.h>
 
 #include <climits>
 #include <cmath>

@@ -8,6 +8,7 @@
 // Ethernet controllers and the low-speed peripherals costs its pins on the core supply (VCCPSLP) and on
 // the bank's supply at the voltage selected.
 #include <prsm/models/talvex/PRSMTalvexPssModel.h>
+#include <prsm/models/talvex/PRSMTalvexPssCells.h>
 
 #include <prsm/framework/PRSMCellSupport.h>
 

@@ -2,6 +2,7 @@
 // same name in PSS_PRESETS, read as the output's type. A preset that lacks an entry is an incomplete
 // file: the lookup throws PRSMException naming the key.
 #include <prsm/models/talvex/PRSMTalvexPssPresetModel.h>
+#include <prsm/models/talvex/PRSMTalvexPssPresetCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

@@ -8,6 +8,7 @@
 // cost their receivers and drivers on VCCLPD and on the bank's supply, VCCOPMIO2, whose voltage selects
 // the characterised bank voltage. Leakage belongs to the static sheet, which takes the USED_PSXL_* counts.
 #include <prsm/models/talvex/PRSMTalvexPsxlModel.h>
+#include <prsm/models/talvex/PRSMTalvexPsxlCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

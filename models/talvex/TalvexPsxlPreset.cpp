@@ -2,6 +2,7 @@
 // of the same name in PSXL_PRESETS, read as the output's type. A preset that lacks an entry is an
 // incomplete file: the lookup throws PRSMException naming the key.
 #include <prsm/models/talvex/PRSMTalvexPsxlPresetModel.h>
+#include <prsm/models/talvex/PRSMTalvexPsxlPresetCells.h>
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 

@@ -12,6 +12,7 @@
 // every rail has a power-up current: its leakage at 25 degrees, scaled, plus a constant.
 #include <prsm/models/talvex/LeakageFormulas.h>
 #include <prsm/models/talvex/PRSMTalvexStaticModel.h>
+#include <prsm/models/talvex/PRSMTalvexStaticCells.h>
 
 #include <prsm/framework/PRSMCellSupport.h>
 #include <prsm/framework/PRSMConfigHelpers.h>

@@ -1,6 +1,7 @@
 // Formulas of the UltraRAM sheet that the block-RAM sheet does not share: the rules of its inputs and
 // its totals (models/talvex/RamFormulas.h holds the rest).
 #include <prsm/models/talvex/PRSMTalvexUramModel.h>
+#include <prsm/models/talvex/PRSMTalvexUramCells.h>
 
 #include "RamFormulas.h"
 

@@ -2,6 +2,7 @@
 // for the "_pMHz" keys; each rail's current is summed per function, calibrated by the rail's factor and
 // multiplied by the rail voltage, giving watts.
 #include <prsm/models/talvex/PRSMTalvexX5PllModel.h>
+#include <prsm/models/talvex/PRSMTalvexX5PllCells.h>
 
 #include "ClockManagerFormulas.h"
 

@@ -1,5 +1,6 @@
 // Formulas of the test-only module board.
 #include <prsm/tests/design/PRSMTestBoardModel.h>
+#include <prsm/tests/design/PRSMTestBoardCells.h>
 
 #include <algorithm>
 

@@ -1,5 +1,6 @@
 // Formulas of the test-only counting block: 1 mW per unit, and the units and block RAMs together.
 #include <prsm/tests/design/PRSMTestCountsModel.h>
+#include <prsm/tests/design/PRSMTestCountsCells.h>
 
 using Model = PRSMTestCountsModel;
 

@@ -3,6 +3,7 @@
 // maximum current is its MAX_CURRENT row, 0 (no limit) without one.
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/tests/design/PRSMTestLeakageModel.h>
+#include <prsm/tests/design/PRSMTestLeakageCells.h>
 
 using Model = PRSMTestLeakageModel;
 

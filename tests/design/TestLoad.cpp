@@ -2,6 +2,7 @@
 // when its data has no row for the block.
 #include <prsm/framework/PRSMException.h>
 #include <prsm/tests/design/PRSMTestLoadModel.h>
+#include <prsm/tests/design/PRSMTestLoadCells.h>
 
 using Model = PRSMTestLoadModel;
 

@@ -1,5 +1,6 @@
 // Formulas of the test-only toy core: 2 mW per core.
 #include <prsm/tests/design/PRSMTestToyCoreModel.h>
+#include <prsm/tests/design/PRSMTestToyCoreCells.h>
 
 using Model = PRSMTestToyCoreModel;
 

@@ -1,5 +1,6 @@
 // Formulas of the test-only sheet.
 #include <prsm/tests/framework/PRSMTestSamplerModel.h>
+#include <prsm/tests/framework/PRSMTestSamplerCells.h>
 
 using Model = PRSMTestSamplerModel;
 

@@ -1,9 +1,17 @@
 // Uses the installed libraries as a host would: one sheet through its classes, every sheet by name, and
-// a small design through the design engine.
+// a small design through the design engine. Only the stable interface is installed.
 #include <prsm/design/Estimate.h>
-#include <prsm/prsm.h>
+#include <prsm/framework/PRSMCommonParamControlData.h>
+#include <prsm/framework/PRSMSheetRegistry.h>
+#include <prsm/models/talvex/PRSMTalvexCleLogicModel.h>
 
 #include <iostream>
+
+// Private headers are out of reach of an installed consumer.
+#if __has_include(<prsm/framework/PRSMDataText.h>) || __has_include(<prsm/framework/PRSMSheetAdapter.h>) || \
+    __has_include(<prsm/models/talvex/PRSMTalvexCleLogicCells.h>) || __has_include(<prsm/design/Counts.h>)
+#error "a private header of prsm is installed"
+#endif
 
 int main() {
     PRSMTalvexCleLogicParams params;
