@@ -89,6 +89,12 @@ struct SheetDesign {
     // the static sheet's feeds may select ("region:gt tag:ip"). Empty: none.
     std::string tag;
 
+    // The static sheet again: the pattern of the per-rail power-up currents ("{}_POWERUP_CURRENT"), and
+    // the rails whose leakage its current of another rail already holds (rail -> the rail holding it), so
+    // that a supply adds it once.
+    std::string powerupCurrent;
+    Pairs countedIn;
+
     bool isStatic() const { return !temperatureInput.empty(); }
     bool isBoard() const { return !boardCurrents.empty(); }
     bool empty() const {
