@@ -5,7 +5,9 @@
 #include <prsm/design/Grades.h>
 #include <prsm/design/Rails.h>
 #include <prsm/design/References.h>
+#include <prsm/design/Regulators.h>
 #include <prsm/design/Resources.h>
+#include <prsm/design/Supplies.h>
 #include <prsm/design/ThermalSolve.h>
 #include <prsm/framework/PRSMCommonParamControlData.h>
 #include <prsm/framework/PRSMException.h>
@@ -224,6 +226,7 @@ struct Estimator::State {
     std::size_t temperatureCell = kNone, totalCell = kNone;
     std::vector<std::size_t> staticCurrentCell;                         // per rail
     std::vector<std::size_t> maxCurrentCell;                            // per rail
+    std::optional<StaticSupplyCells> supplyCells;                       // supplies: power-up, held rails
     std::vector<std::pair<std::size_t, std::size_t>> staticRegionCell;  // region, cell
     std::vector<Feed> feeds;
     std::vector<double> feedPower;  // W into each feed, summed by build()
@@ -426,6 +429,7 @@ void Estimator::State::setup() {
         };
         perRail(statics->sheet->design().staticCurrent, staticCurrentCell);
         perRail(statics->sheet->design().maxCurrent, maxCurrentCell);
+        supplyCells.emplace(*statics->sheet, rails);  // supplies
     }
     setupLinks();
 }
@@ -916,6 +920,8 @@ void Estimator::State::build() {
     out.totalPower = out.dynamicPower + out.staticPower;
     out.board.reset();
     if (board && out.complete) buildBoard(railDynamic, staticCurrent);
+    if (supplyCells && staticOk) supplyCells->describe(*statics->instance, out.rails);  // supplies
+    loadRegulators(design.regulators, out);                                               // supplies
 }
 
 Estimator::Estimator(Design design) : m_state(std::make_unique<State>()) {
