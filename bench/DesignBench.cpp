@@ -1,5 +1,6 @@
 // Whole-design estimates: a 1,000-block design re-estimated in full, and re-estimated after one block's
-// input changes (that block and the static sheet only). Run from the build tree:
+// input changes (that block and the static sheet only); the `_supplies` cases add declared regulators,
+// whose cost is theirs against the same case without. Run from the build tree:
 //   build-bench/bench/prsm_design_bench [Google Benchmark options]
 // The designs use the shipped sheets, with the Talvex static-power sheet for their leakage.
 #include <prsm/design/Estimate.h>
@@ -28,7 +29,7 @@ std::string staticSheetJson() {
 // temperature): all logic, or a mix in which every tenth block is of one of the other block sheets:
 // clock managers, network-on-chip paths, AI-engine arrays, block RAM, UltraRAM, DSP, general-purpose
 // I/O, and clock networks that take their distribution counts from a clock block by reference.
-std::string designJson(bool mixed) {
+std::string designJson(bool mixed, bool supplies = false) {
     std::string text = R"({"schema_version": 1, "device": {"part": "ZQVC1902"},
         "thermal": {"ambient_temperature": 40, "theta_ja": 0.5}, "rails": {"VCCINT": 0.8}, )" +
                        staticSheetJson() + R"("blocks": [)";
@@ -76,12 +77,18 @@ std::string designJson(bool mixed) {
                           i, i - 1, i - 1);
         text += (i ? "," : "") + std::string(block);
     }
-    return text + "]}";
+    if (supplies)
+        text += R"(], "regulators": [
+            {"name": "core", "rails": ["VCCINT", "VCCME", "VCCINTCPM"], "rating": 60,
+             "efficiency": [[2, 0.8], [20, 0.9], [60, 0.87]]},
+            {"name": "aux", "rails": ["VCCAUX", "VCCAUXPMC"], "rating": 4, "efficiency": 0.85},
+            {"name": "ram", "rails": ["VCCRAM"], "rating": 6, "efficiency": 0.88}]})";
+    return supplies ? text : text + "]}";
 }
 
 // `fromAmbient`: every thermal solve from the ambient, as a sweep's points are solved.
-void full(benchmark::State& state, bool mixed, bool fromAmbient) {
-    Estimator estimator(parseDesign(designJson(mixed), "bench.json"));
+void full(benchmark::State& state, bool mixed, bool fromAmbient, bool supplies = false) {
+    Estimator estimator(parseDesign(designJson(mixed, supplies), "bench.json"));
     if (fromAmbient) estimator.setThermalStart(Estimator::ThermalStartFrom::Ambient);
     if (!estimator.estimate().complete) state.SkipWithError("the bench design does not estimate");
     double calculations = 0;
@@ -93,8 +100,8 @@ void full(benchmark::State& state, bool mixed, bool fromAmbient) {
     state.counters["static_calcs"] = benchmark::Counter(calculations, benchmark::Counter::kAvgIterations);
 }
 
-void oneBlock(benchmark::State& state, bool mixed) {
-    Estimator estimator(parseDesign(designJson(mixed), "bench.json"));
+void oneBlock(benchmark::State& state, bool mixed, bool supplies = false) {
+    Estimator estimator(parseDesign(designJson(mixed, supplies), "bench.json"));
     if (!estimator.estimate().complete) state.SkipWithError("the bench design does not estimate");
     bool flip = false;
     double calculations = 0;
@@ -113,6 +120,8 @@ BENCHMARK_CAPTURE(full, logic_1000_from_ambient, false, true)->Unit(benchmark::k
 BENCHMARK_CAPTURE(full, mixed_1000_from_ambient, true, true)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(oneBlock, logic_1000, false)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(oneBlock, mixed_1000, true)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(full, mixed_1000_supplies, true, false, true)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(oneBlock, mixed_1000_supplies, true, true)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

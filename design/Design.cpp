@@ -5,6 +5,7 @@
 #include <prsm/framework/PRSMException.h>
 #include <prsm/framework/PRSMSheetPresets.h>
 #include <prsm/design/References.h>
+#include <prsm/design/Regulators.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
 #include <nlohmann/json.hpp>
@@ -411,7 +412,7 @@ Design parseDesign(std::string const& text, std::string const& source) {
     }
     check.onlyKeys(json, "",
                    {"schema_version", "description", "device", "thermal", "rails", "static", "board",
-                    "blocks", "loads"});
+                    "blocks", "loads", "regulators"});
 
     if (auto it = json.find("schema_version"); it == json.end())
         check.fail("", "missing \"schema_version\" (this build reads version " +
@@ -545,6 +546,9 @@ Design parseDesign(std::string const& text, std::string const& source) {
             design.loads.push_back(std::move(load));
         }
     }
+    if (auto it = json.find("regulators"); it != json.end())
+        design.regulators =
+            readRegulators(*it, [&](std::string const& at, std::string const& why) { check.fail(at, why); });
     for (ReferenceProblem const& problem : checkReferences(design))
         check.fail(problem.pointer, problem.message);
     check.finish();

@@ -239,6 +239,7 @@ void Estimator::State::setupAggregates() {
     };
     perRail(declared.staticCurrent, statics.currentCell);
     perRail(declared.maxCurrent, statics.maxCurrentCell);
+    statics.supplyCells.emplace(sheet->sheet(), rails);
 }
 
 // The references between blocks and the counts they make up, resolved once.

@@ -1,5 +1,6 @@
 #include <prsm/design/EstimateState.h>
 #include <prsm/design/Rails.h>
+#include <prsm/design/Regulators.h>
 #include <prsm/framework/PRSMReservedValues.h>
 
 #include <algorithm>
@@ -206,6 +207,9 @@ void describeEstimate(State const& s, Report& out) {
     out.staticPower = s.figures.staticPower;
     out.totalPower = out.dynamicPower + out.staticPower;
     describeBoard(s, out);
+    if (SheetRunner const* sheet = s.figures.staticOk ? s.staticSheet() : nullptr; sheet && s.statics.supplyCells)
+        s.statics.supplyCells->describe(sheet->instance(), out.rails);
+    loadRegulators(s.design.regulators, out);
 }
 
 }  // namespace prsm::design

@@ -7,6 +7,7 @@
 #include <prsm/design/Estimate.h>
 #include <prsm/design/Resources.h>
 #include <prsm/design/SheetRunner.h>
+#include <prsm/design/Supplies.h>
 #include <prsm/design/ThermalSolve.h>
 
 #include <cstddef>
@@ -55,6 +56,7 @@ struct EstimateState {
         std::vector<std::pair<std::size_t, std::size_t>> regionCell;  // region, cell
         std::vector<Feed> feeds;
         std::optional<CountFeeder> countFeeder;
+        std::optional<StaticSupplyCells> supplyCells;  // power-up currents, rails counted in others
     };
     // The board's current inputs with the rail each takes (by name: the design may lack it), its total
     // and its regulators' cells.

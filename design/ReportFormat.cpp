@@ -25,6 +25,11 @@ std::string number(double value) {
     return buffer;
 }
 
+// A figure, or null when there is none (NaN).
+Json figureOrNull(double value) {
+    return std::isnan(value) ? Json(nullptr) : Json(value);
+}
+
 }  // namespace
 
 std::string toJson(Report const& report) {
@@ -61,6 +66,30 @@ std::string toJson(Report const& report) {
                          {"max_current", r.maxCurrent > 0 ? Json(r.maxCurrent) : Json(nullptr)},
                          {"over_limit", r.overLimit}});
     out["rails"] = rails;
+    // Supplies: each rail's power-up current and the rail whose static current holds its own.
+    for (std::size_t i = 0; i < report.rails.size(); ++i) {
+        RailResult const& r = report.rails[i];
+        out["rails"][i]["powerup_current"] = figureOrNull(r.powerupCurrent);
+        out["rails"][i]["counted_in"] = r.countedIn.empty() ? Json(nullptr) : Json(r.countedIn);
+    }
+    if (!report.regulators.empty()) {
+        Json regulators = Json::array();
+        for (RegulatorLoad const& r : report.regulators)
+            regulators.push_back({{"name", r.name},
+                                  {"rails", r.rails},
+                                  {"rating", r.rating},
+                                  {"load", r.load},
+                                  {"margin", r.margin},
+                                  {"over_rating", r.margin < 0},
+                                  {"powerup_current", figureOrNull(r.powerupCurrent)},
+                                  {"output_power", r.outputPower},
+                                  {"efficiency", r.efficiency},
+                                  {"input_power", r.inputPower},
+                                  {"loss", r.loss}});
+        out["supplies"] = {{"regulators", regulators},
+                           {"input_power", report.supplyInputPower},
+                           {"unregulated_power", report.unregulatedPower}};
+    }
     Json blocks = Json::array();
     for (BlockResult const& b : report.blocks) {
         Json block{{"name", b.name}, {"model", b.model}, {"region", b.region}, {"count", b.count}};
@@ -184,6 +213,29 @@ std::string toCsv(Report const& report) {
                 line("regulator", r.name, "", "over_limit", number(r.overLimit), "mW");
         }
         if (!std::isnan(b.totalPower)) line("board", b.model, "", "total_power", number(b.totalPower), "W");
+    }
+    // Supplies.
+    for (RailResult const& r : report.rails) {
+        if (!std::isnan(r.powerupCurrent))
+            line("rail", r.rail, r.rail, "powerup_current", number(r.powerupCurrent), "A");
+        if (!r.countedIn.empty()) line("rail", r.rail, r.rail, "counted_in", r.countedIn, "");
+    }
+    for (RegulatorLoad const& r : report.regulators) {
+        std::string rails;
+        for (std::string const& rail : r.rails) rails += (rails.empty() ? "" : " ") + rail;
+        line("regulator_supply", r.name, rails, "rating", number(r.rating), "A");
+        line("regulator_supply", r.name, rails, "load", number(r.load), "A");
+        line("regulator_supply", r.name, rails, "margin", number(r.margin), "A");
+        if (!std::isnan(r.powerupCurrent))
+            line("regulator_supply", r.name, rails, "powerup_current", number(r.powerupCurrent), "A");
+        line("regulator_supply", r.name, rails, "output_power", number(r.outputPower), "W");
+        line("regulator_supply", r.name, rails, "efficiency", number(r.efficiency), "fraction");
+        line("regulator_supply", r.name, rails, "input_power", number(r.inputPower), "W");
+        line("regulator_supply", r.name, rails, "loss", number(r.loss), "W");
+    }
+    if (!report.regulators.empty()) {
+        line("supplies", "", "", "input_power", number(report.supplyInputPower), "W");
+        line("supplies", "", "", "unregulated_power", number(report.unregulatedPower), "W");
     }
     for (Warning const& w : report.warnings)
         line("warning", w.block, "", "invalid_input", w.cell + ": " + w.message, "");

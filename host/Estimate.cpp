@@ -34,6 +34,37 @@ void writeHtml(design::Report const& report, design::Design const& design, std::
     if (!file.flush()) throw HostError(kExitBadInput, "--html " + path + ": cannot write the file");
 }
 
+// Supplies: the rails' power-up currents and held leakage, then the declared regulators.
+std::string renderSupplies(design::Report const& report) {
+    auto figure = [](double value) { return std::isnan(value) ? std::string("-") : fixed(value, 4); };
+    std::ostringstream text;
+    std::vector<TextRow> rails;
+    for (design::RailResult const& r : report.rails)  // a zero power-up current (typical process) is noise
+        if ((!std::isnan(r.powerupCurrent) && r.powerupCurrent != 0) || !r.countedIn.empty())
+            rails.push_back(
+                {r.rail, figure(r.powerupCurrent), r.countedIn.empty() ? "-" : "in " + r.countedIn});
+    if (!rails.empty()) text << "\n" << formatTable({"rail", "power-up (A)", "static current held"}, rails);
+    if (report.regulators.empty()) return text.str();
+    std::vector<TextRow> regulators;
+    for (design::RegulatorLoad const& r : report.regulators) {
+        std::string fed;
+        for (std::string const& rail : r.rails) fed += (fed.empty() ? "" : ", ") + rail;
+        regulators.push_back({r.name, fed, fixed(r.rating, 3), fixed(r.load, 4),
+                              fixed(r.margin, 4) + (r.margin < 0 ? " OVER" : ""), figure(r.powerupCurrent),
+                              fixed(r.efficiency, 3), fixed(r.outputPower, 4), fixed(r.inputPower, 4),
+                              fixed(r.loss, 4)});
+    }
+    text << "\n"
+         << formatTable({"regulator", "rails", "rating (A)", "load (A)", "margin (A)", "power-up (A)",
+                         "efficiency", "output (W)", "input (W)", "loss (W)"},
+                        regulators)
+         << "\n"
+         << formatTable({"supplies", "power (W)"},
+                        {{"regulators' input", fixed(report.supplyInputPower, 4)},
+                         {"rails no regulator feeds", fixed(report.unregulatedPower, 4)}});
+    return text.str();
+}
+
 }  // namespace
 
 std::string renderEstimateTable(design::Report const& report) {
@@ -126,6 +157,8 @@ std::string renderEstimateTable(design::Report const& report) {
             if (value != 0) fed.push_back({cell, fixed(value, 4)});
         if (!fed.empty()) text << "\n" << formatTable({"board input", "current (A)"}, fed);
     }
+
+    text << renderSupplies(report);
 
     text << "\n";
     if (!report.complete) {

@@ -73,6 +73,8 @@ class DesignDecl:
     temperature: str = ""
     static_current: str = ""
     max_current: str = ""
+    powerup_current: str = ""
+    counted_in: list[tuple[str, str]] = field(default_factory=list)  # rail -> the rail whose leakage holds it
     static_total: str = ""
     static_regions: list[tuple[str, str]] = field(default_factory=list)
     feeds: list[tuple[str, str]] = field(default_factory=list)
@@ -173,6 +175,25 @@ def load_count_feeds(design: dict, cell) -> list[tuple[str, list[str], str, bool
     return feeds
 
 
+def load_counted_in(design: dict, rails: set[str]) -> list[tuple[str, str]]:
+    """design.counted_in: rail = the rail whose leakage current already holds it; both of the sheet's
+    voltage rails, no rail inside itself and no chain (a holding rail is not held)."""
+    table = design.get("counted_in", {})
+    at = ("design", "counted_in")
+    if not isinstance(table, dict):
+        raise SheetError("design.counted_in: a table of rail = the rail whose leakage holds it", at)
+    pairs = [(rail, holder) for rail, holder in table.items()]
+    for rail, holder in pairs:
+        for name in (rail, holder):
+            if not isinstance(name, str) or name not in rails:
+                raise SheetError(f"design.counted_in.{rail}: {name!r} is not one of the sheet's voltage rails",
+                                 at + (rail,))
+        if rail == holder or holder in table:
+            raise SheetError(f"design.counted_in.{rail}: {holder!r} may not itself be held by a rail",
+                             at + (rail,))
+    return pairs
+
+
 def _pairs(section: dict, at: tuple, lists: dict[str, list[str]], value_is_rail: bool = True) -> list[tuple[str, str]]:
     """Cell = rail (or device field) pairs of the section at key path `at`."""
     key = at[-1]
@@ -195,7 +216,8 @@ def load(doc: dict, sheet) -> DesignDecl:
     design = doc.get("design", {})
     if unknown := set(rails) - {"voltage", "power", "current"}:
         raise SheetError(f"rails: unknown keys {sorted(unknown)}", ("rails", min(unknown)))
-    known = {"region", "device", "temperature", "static_current", "max_current", "static_total", "static_regions",
+    known = {"region", "device", "temperature", "static_current", "max_current", "powerup_current", "counted_in",
+             "static_total", "static_regions",
              "feeds", "board_architecture", "board_currents", "board_total", "board_regulators", "requires", "counts",
              "count_feeds", "tag", "architecture"}
     if unknown := set(design) - known:
@@ -240,8 +262,8 @@ def load(doc: dict, sheet) -> DesignDecl:
                              ("design", "device", name))
 
     decl.counts = load_counts(design, cell)
-    static_keys = {"temperature", "static_current", "max_current", "static_total", "static_regions", "feeds",
-                   "count_feeds"} & set(design)
+    static_keys = {"temperature", "static_current", "max_current", "powerup_current", "counted_in", "static_total",
+                   "static_regions", "feeds", "count_feeds"} & set(design)
     if static_keys and "temperature" not in design:
         raise SheetError("design: a static sheet names its junction-temperature input in design.temperature",
                          ("design",))
@@ -262,6 +284,8 @@ def load(doc: dict, sheet) -> DesignDecl:
 
         decl.static_current = rail_pattern("static_current")
         decl.max_current = rail_pattern("max_current")
+        decl.powerup_current = rail_pattern("powerup_current")
+        decl.counted_in = load_counted_in(design, {rail for _, rail in decl.voltage})
         decl.static_total = design.get("static_total", "")
         if decl.static_total:
             cell(decl.static_total, "design.static_total", ("float",), False)
@@ -384,4 +408,5 @@ def initializer(decl: DesignDecl) -> str:
             "{" + ", ".join(f'{{"{c}", "{cell}", "{r}", "{w}", {_cpp_strings(v)}}}'
                             for c, cell, r, w, v in decl.counts) + "}, "
             "{" + ", ".join(f'{{"{i}", {_cpp_strings(n)}, "{r}", {"true" if share else "false"}}}'
-                            for i, n, r, share in decl.count_feeds) + f'}}, "{decl.tag}", "{decl.architecture}"}}')
+                            for i, n, r, share in decl.count_feeds) + f'}}, "{decl.tag}", "{decl.architecture}", '
+            f'"{decl.powerup_current}", {_cpp_pairs(decl.counted_in)}}}')

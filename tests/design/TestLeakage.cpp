@@ -1,6 +1,7 @@
 // Formulas of the test-only static sheet: I = I25 + SLOPE * (t - 25) on each rail, 0 when the rail is
 // off, with t the junction temperature less HEATING degrees per watt of logic dynamic power. A rail's
-// maximum current is its MAX_CURRENT row, 0 (no limit) without one.
+// maximum current is its MAX_CURRENT row, 0 (no limit) without one. Only VCCAUX has a power-up current:
+// twice its leakage at 25 degC.
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/tests/design/PRSMTestLeakageModel.h>
 #include <prsm/tests/design/PRSMTestLeakageCells.h>
@@ -49,4 +50,9 @@ float Model::computeVccintMaxCurrent(Params& params, Data const& data) const {
 float Model::computeVccauxMaxCurrent(Params& params, Data const& data) const {
     float const limit = data.getMaxCurrentOrError(getDeviceName(params, data), "VCCAUX");
     return limit == prsm::kFloatNotSet ? 0.0f : limit;
+}
+
+float Model::computeVccauxPowerupCurrent(Params& params, Data const& data) const {
+    if (getVccaux(params, data) == 0.0f) return 0.0f;
+    return 2.0f * data.getLeakage(getDeviceName(params, data), "VCCAUX", "I25");
 }

@@ -43,7 +43,7 @@ class DesignDeclarations(unittest.TestCase):
         self.assertEqual(sheet_with('[design]\narchitecture = "DRAVIK"\n').design.architecture, "DRAVIK")
         self.assertEqual(sheet_with("").design.architecture, "")  # a folder of no architecture
         self.assertTrue(design_decl.initializer(sheet_with('[design]\narchitecture = "ARCH"\n').design)
-                        .endswith(', "", "ARCH"}'))
+                        .endswith(', "", "ARCH", "", {}}'))
         with self.assertRaisesRegex(SheetError, "not an upper-case name"):
             sheet_with('[design]\narchitecture = "dravik"\n')
         with tempfile.TemporaryDirectory() as folder:
@@ -76,7 +76,7 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
         self.assertEqual(board.board_currents, [("FED", "VCCINT")])
         self.assertEqual(board.board_regulators, [("R1", "AUX_CURRENT", "", "", "POWER")])
         self.assertTrue(design_decl.initializer(board).endswith(
-            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER"}}, {}, {}, {}, "", ""}'))
+            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER"}}, {}, {}, {}, "", "", "", {}}'))
         # The list form: each cell is its rail's name, braces expanded.
         listed = sheet_with('[rails]\nvoltage = ["VCC{INT,_SOC}"]\n').design
         self.assertEqual(listed.voltage, [("VCCINT", "VCCINT"), ("VCC_SOC", "VCC_SOC")])
@@ -91,7 +91,19 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
                                          ("VCCINT", ["luts"], "LUTS", True)])
         self.assertTrue(design_decl.initializer(d).endswith(
             '{{"luts", "POWER", "LUTS", "DEVICE", {"LUT*", "SRL"}}, {"dsps", "AUX_CURRENT", "DSPS", "", {}}}, '
-            '{{"FED", {"bram_active", "bram_sleep"}, "", false}, {"VCCINT", {"luts"}, "LUTS", true}}, "", ""}'))
+            '{{"FED", {"bram_active", "bram_sleep"}, "", false}, {"VCCINT", {"luts"}, "LUTS", true}}, "", "", "", {}}'))
+
+    def test_rails_held_in_another_rails_leakage(self):
+        sheet = ('[rails]\nvoltage = ["VCCINT", "VCC_SOC"]\n[design]\ntemperature = "TJ"\n'
+                 'powerup_current = "{}_POWERUP"\n[design.counted_in]\n')
+        d = sheet_with(sheet + 'VCC_SOC = "VCCINT"\n').design
+        self.assertEqual(d.counted_in, [("VCC_SOC", "VCCINT")])
+        self.assertTrue(design_decl.initializer(d).endswith('"", "{}_POWERUP", {{"VCC_SOC", "VCCINT"}}}'))
+        for table, wrong in (('VCC_SOC = "VCCAUX"', "'VCCAUX' is not one of the sheet's voltage rails"),
+                             ('VCCINT = "VCCINT"', "may not itself be held"),
+                             ('VCCINT = "VCC_SOC"\nVCC_SOC = "VCCINT"', "may not itself be held")):
+            with self.assertRaisesRegex(Exception, wrong):
+                sheet_with(sheet + table + "\n")
 
 
 if __name__ == "__main__":

@@ -59,7 +59,7 @@ requires = { AIE = "AIE", NOC = ["NOC", "NOC2"] }
         self.assertIsNone(cells["VCCINT_MIN"].outside)
         self.assertEqual(cells["COUNT"].warnings, {"no_value": "COUNT did not fit"})
         self.assertEqual(sheet.design.requires, [("AIE", ["AIE"]), ("NOC", ["NOC", "NOC2"])])
-        self.assertTrue(design_decl.initializer(sheet.design).endswith('{{"AIE", {"AIE"}}, {"NOC", {"NOC", "NOC2"}}}, {}, {}, "", ""}'))
+        self.assertTrue(design_decl.initializer(sheet.design).endswith('{{"AIE", {"AIE"}}, {"NOC", {"NOC", "NOC2"}}}, {}, {}, "", "", "", {}}'))
 
 
 if __name__ == "__main__":

@@ -65,6 +65,17 @@ struct Load {
     std::string pointer;
 };
 
+// A regulator the design declares: the rails it feeds, the current it is rated for, and its efficiency,
+// one (load, efficiency) point for a constant or a curve over the load (increasing loads, linear between
+// the points, flat beyond the first and the last).
+struct Regulator {
+    std::string name;
+    std::vector<std::string> rails;
+    double rating = 0;                                  // A
+    std::vector<std::pair<double, double>> efficiency;  // load in A -> fraction in (0, 1]
+    std::string pointer;
+};
+
 struct Design {
     std::string source;       // the file name, for messages
     std::string description;  // the file's free text about the design; empty when it has none
@@ -75,6 +86,7 @@ struct Design {
     std::optional<Block> board;                         // the module board the device sits on, when named
     std::vector<Block> blocks;
     std::vector<Load> loads;
+    std::vector<Regulator> regulators;  // the power-delivery scheme, when the design declares one
 };
 
 // An input of a sheet that the design sets, not the block: what it is to the design.

@@ -7,6 +7,7 @@
 #include <prsm/design/ThermalSolve.h>
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -31,6 +32,10 @@ struct RailResult {
     double power = 0;           // W: voltage times the total current
     double maxCurrent = 0;      // A: the device's limit where the static sheet's data has one, else 0
     bool overLimit = false;     // the total current exceeds maxCurrent
+    // The current the rail draws while the device powers up (A; NaN where the static sheet has none),
+    // and the rail whose static current already holds this rail's ("" when none): a supply adds it once.
+    double powerupCurrent = std::numeric_limits<double>::quiet_NaN();
+    std::string countedIn;
 };
 
 struct BlockResult {
@@ -80,6 +85,23 @@ struct BoardResult {
     std::vector<RegulatorResult> regulators;
 };
 
+// A regulator the design declares, loaded with the rails it feeds. A rail whose static current another
+// rail's already holds is counted once: on the holding rail when both are fed here, else on its own rail
+// and taken out of the holding rail's.
+struct RegulatorLoad {
+    std::string name;
+    std::vector<std::string> rails;
+    double rating = 0;       // A
+    double load = 0;         // A: the rails' currents
+    double outputPower = 0;  // W: each rail's voltage times its current
+    double efficiency = 0;   // fraction, at this load
+    double inputPower = 0;   // W: outputPower / efficiency
+    double loss = 0;         // W: inputPower - outputPower
+    double margin = 0;       // A: rating - load; negative when over the rating
+    // A: its rails' power-up currents (each rail's own); NaN when none of its rails has one.
+    double powerupCurrent = std::numeric_limits<double>::quiet_NaN();
+};
+
 // A device resource the design's blocks take up, against the device's count of it.
 struct ResourceUse {
     std::string resource;  // the catalogue's name: "LUTS", "FLIP_FLOPS", "BRAMS", "URAMS", "DSPS"
@@ -107,6 +129,12 @@ struct Report {
     double dynamicPower = 0;           // W
     double staticPower = 0;            // W
     double totalPower = 0;             // W
+
+    // Supplies: the design's declared regulators, what they draw from the board's input (W), and the
+    // power of the rails none of them feeds (W).
+    std::vector<RegulatorLoad> regulators;
+    double supplyInputPower = 0;
+    double unregulatedPower = 0;
 };
 
 class Estimator {

@@ -105,6 +105,12 @@ struct SheetDesign {
     // folder of its table. A design refuses a block of another architecture than its part's. Empty: any.
     std::string architecture;
 
+    // The static sheet again: the pattern of the per-rail power-up currents ("{}_POWERUP_CURRENT"), and
+    // the rails whose leakage its current of another rail already holds (rail -> the rail holding it), so
+    // that a supply adds it once.
+    std::string powerupCurrent;
+    Pairs countedIn;
+
     bool isStatic() const { return !temperatureInput.empty(); }
     bool isBoard() const { return !boardCurrents.empty(); }
     bool empty() const {
