@@ -33,6 +33,8 @@ struct Thermal {
     std::optional<double> junction;  // given: used as it is
     double ambient = 25.0;           // otherwise solved from the ambient and theta_ja
     double thetaJa = 0.0;
+    // The hottest ambient the design must work in (degC): the worst corner solves the junction there.
+    std::optional<double> maxAmbient;
 };
 
 struct Input {
@@ -65,6 +67,13 @@ struct Load {
     std::string pointer;
 };
 
+// Limits a design states for its own figures; an estimate above one of them exceeds the budget.
+struct Budget {
+    std::optional<double> totalPower;                          // W
+    std::vector<std::pair<std::string, double>> railCurrents;  // rail -> A
+    bool empty() const { return !totalPower && railCurrents.empty(); }
+};
+
 struct Design {
     std::string source;  // the file name, for messages
     Device device;
@@ -74,6 +83,7 @@ struct Design {
     std::optional<Block> board;                         // the module board the device sits on, when named
     std::vector<Block> blocks;
     std::vector<Load> loads;
+    Budget budget;
 };
 
 // Why a block of a design may not set `cell` of a sheet with these declarations (a rail voltage, a

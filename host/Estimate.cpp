@@ -1,13 +1,16 @@
 #include <prsm/design/Rails.h>
+#include <prsm/design/ViewFormat.h>
 #include <prsm/design/ReportFormat.h>
 #include <prsm/framework/PRSMException.h>
 #include <prsm/host/Estimate.h>
+#include <prsm/host/EstimateViews.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/TextTable.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <optional>
 #include <ostream>
 #include <sstream>
 
@@ -132,8 +135,22 @@ std::string renderEstimateTable(design::Report const& report) {
 
 int runEstimate(Request const& request, std::string const& dataHint, std::ostream& out, std::ostream& err) {
     design::Report report;
+    // Corners and budget: the optional views, each from the design and its estimates.
+    std::optional<design::CornerReports> corners;
+    std::vector<design::BudgetLine> budget;
+    bool hasBudget = false;
     try {
-        report = design::estimateFile(request.designFile);
+        design::Design design = design::readDesignFile(request.designFile);
+        design::Budget const limits = design.budget;
+        hasBudget = !limits.empty();
+        if (request.corners) {
+            corners = design::estimateCorners(design);
+            report = corners->typical;
+        } else {
+            report = design::Estimator(std::move(design)).estimate();
+        }
+        // A budget must hold at the worst corner when there is one.
+        budget = design::checkBudget(limits, corners ? corners->worst : report);
     } catch (design::DesignError const& e) {
         throw HostError(kExitBadInput, e.what());
     } catch (PRSMException const& e) {
@@ -149,23 +166,41 @@ int runEstimate(Request const& request, std::string const& dataHint, std::ostrea
             err << "block \"" << w.block << "\": " << (w.cell.empty() ? "" : "cell " + w.cell + ": ");
         err << w.message << "\n";
     }
+    if (corners)
+        for (design::Warning const& w : corners->worst.warnings)
+            if (std::none_of(report.warnings.begin(), report.warnings.end(), [&](design::Warning const& t) {
+                    return t.block == w.block && t.cell == w.cell && t.message == w.message;
+                }))
+                err << "prsm: warning: worst corner: " << (w.block.empty() ? "" : "block \"" + w.block + "\": ")
+                    << w.cell << ": " << w.message << "\n";
+    design::ReportViews const views{corners ? &*corners : nullptr, hasBudget ? &budget : nullptr};
     switch (request.format) {
         case OutputFormat::Json:
-            out << design::toJson(report);
+            out << design::toJson(report, views);
             break;
         case OutputFormat::Csv:
-            out << design::toCsv(report);
+            out << design::toCsv(report, views);
             break;
         case OutputFormat::Table:
         case OutputFormat::Reflect:
             out << renderEstimateTable(report);
+            if (corners) out << renderCornersTable(*corners);
+            if (hasBudget) out << renderBudgetTable(budget);
             break;
     }
     for (std::string const& failure : report.failures) err << "prsm: error: " << failure << "\n";
+    if (corners)
+        for (std::string const& failure : corners->worst.failures)
+            err << "prsm: error: worst corner: " << failure << "\n";
     bool const blockFailed = std::any_of(report.blocks.begin(), report.blocks.end(),
                                          [](design::BlockResult const& b) { return !b.error.empty(); });
     if (blockFailed && !dataHint.empty()) err << "prsm: hint: " << dataHint << "\n";
-    return report.complete ? kExitOk : kExitDataFailure;
+    if (!report.complete || (corners && !corners->worst.complete)) return kExitDataFailure;
+    for (design::BudgetLine const& line : budget)
+        if (line.exceeded)
+            err << "prsm: error: over budget: " << (line.rail.empty() ? "total power " : line.rail + " current ")
+                << line.value << " " << line.unit() << " > " << line.limit << " " << line.unit() << "\n";
+    return design::anyExceeded(budget) ? kExitOverBudget : kExitOk;
 }
 
 }  // namespace prsm::host

@@ -55,6 +55,9 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
     CLI::Option* estimateJson = estimate->add_flag("--json", "Print the report as JSON");
     CLI::Option* estimateCsv = estimate->add_flag("--csv", "Print the report as CSV, one quantity per line");
     estimateJson->excludes(estimateCsv);
+    estimate->add_flag("--corners", request.corners,
+                       "Estimate at typical and at worst case (process max, voltages at the top of their "
+                       "range, the junction hot) and compare them");
 
     try {
         app.parse(argc, argv);

@@ -27,6 +27,7 @@ struct Request {
     std::string inputFile;                 // a JSON object of NAME: value; empty when none
     std::string preset;  // `calc --preset`: a preset of the model, or "list"; empty when none
     std::string designFile;  // `estimate`: the design file
+    bool corners = false;    // `estimate --corners`: typical and worst case side by side
     OutputFormat format = OutputFormat::Table;
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
     std::string outputs;   // `calc`: comma-separated names or globs of the outputs shown; empty for all

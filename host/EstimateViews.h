@@ -1,0 +1,17 @@
+#pragma once
+// The table forms of the estimate's optional views: the corner comparison and the budget.
+
+#include <prsm/design/Budget.h>
+#include <prsm/design/Corners.h>
+
+#include <string>
+#include <vector>
+
+namespace prsm::host {
+
+// Each rail, region and the total at both corners, the higher of the two marked with `*`.
+std::string renderCornersTable(design::CornerReports const& corners);
+// Each limit against its figure, `EXCEEDED` beside those above it.
+std::string renderBudgetTable(std::vector<design::BudgetLine> const& lines);
+
+}  // namespace prsm::host
