@@ -68,6 +68,31 @@ TEST(HostEstimate, RefusedDesignAndRunawayEndWithTheirStatus) {
     EXPECT_NE(runaway.out.find("No totals"), std::string::npos);
 }
 
+// corners.json: within its budget as the file gives it, over it on VCCINT at the worst corner
+// (0.796 A > 0.7 A, see design_corners_test.cpp), which --corners checks.
+TEST(HostEstimate, BudgetGatesTheExitStatusAtTheWorstCorner) {
+    EXPECT_EQ(estimate("corners.json").code, kExitOk);
+
+    EstimateRun const json = estimate("corners.json", {"--corners", "--json"});
+    EXPECT_EQ(json.code, kExitOverBudget) << json.err;
+    EXPECT_NE(json.err.find("over budget: VCCINT current"), std::string::npos) << json.err;
+    nlohmann::json const report = nlohmann::json::parse(json.out);
+    EXPECT_EQ(report["corners"]["worst"]["process"], "max");
+    EXPECT_EQ(report["corners"]["worst"]["junction_from"], "max_ambient");
+    EXPECT_EQ(report["corners"]["total"]["worst"], "worst");
+    EXPECT_EQ(report["budget"][1]["rail"], "VCCINT");
+    EXPECT_EQ(report["budget"][1]["exceeded"], true);
+    EXPECT_EQ(report["budget"][0]["exceeded"], false);
+
+    EstimateRun const csv = estimate("corners.json", {"--corners", "--csv"});
+    EXPECT_EQ(csv.code, kExitOverBudget);
+    EXPECT_NE(csv.out.find("budget,VCCINT,VCCINT,exceeded,1,\n"), std::string::npos) << csv.out;
+    EXPECT_NE(csv.out.find("corner_rail,VCCINT,VCCINT,worst_current,"), std::string::npos);
+
+    EstimateRun const table = estimate("corners.json", {"--corners"});
+    EXPECT_NE(table.out.find("EXCEEDED"), std::string::npos) << table.out;
+}
+
 }  // namespace
 }  // namespace prsm::host
 
