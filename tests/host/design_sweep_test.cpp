@@ -288,6 +288,35 @@ TEST(DesignSweep, BadVariablesAndOutputsAreRefusedAndAFailingPointIsNamed) {
               2);
 }
 
+TEST(DesignSweep, DeviceProcessIsAVariableWhoseRowsMatchTheFileAtThatProcess) {
+    std::string const file = std::string(PRSM_EXAMPLESDIR) + "/accelerator.json";
+    // Back and forth on one thread, so that each process's engine is taken up again after the other's.
+    std::string const out = runHost("sweep '" + file +
+                                    "' device.process=max,typical,max --threads 1 "
+                                    "--outputs total_power,static_power --json");
+    ASSERT_FALSE(out.empty());
+    nlohmann::json const rows = nlohmann::json::parse(out)["rows"];
+    ASSERT_EQ(rows.size(), 3u);
+    std::ifstream in(file);
+    nlohmann::json design = nlohmann::json::parse(in);
+    for (auto const& row : rows) {
+        design["device"]["process"] = row["device.process"];
+        std::string const path = testing::TempDir() + "prsm_design_sweep_process.json";
+        std::ofstream(path) << design.dump();
+        nlohmann::json const report = nlohmann::json::parse(runHost("estimate '" + path + "' --json"));
+        EXPECT_EQ(f(row["static_power"].get<double>()), f(report["totals"]["static_power"].get<double>()))
+            << row["device.process"];
+    }
+    // The maximum process leaks more than the typical one.
+    EXPECT_GT(rows[0]["static_power"].get<double>(), rows[1]["static_power"].get<double>());
+    EXPECT_EQ(rows[0]["static_power"], rows[2]["static_power"]);
+
+    std::string err, sink;
+    std::string const small = testDesign("small.json");
+    EXPECT_NE(runCommand({"sweep", small.c_str(), "device.process=typical,slow"}, sink, err), 0);
+    EXPECT_NE(err.find("device.process: unknown process \"slow\"; one of typical, max"), std::string::npos) << err;
+}
+
 }  // namespace
 }  // namespace prsm::host
 
