@@ -59,6 +59,13 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
                        "Estimate at typical and at worst case (process max, voltages at the top of their "
                        "range, the junction hot) and compare them");
 
+    CLI::App* diff = app.add_subcommand("diff", "Estimate two designs and compare them per rail, region and block");
+    diff->add_option("a", request.designFile, "The first design file")->required();
+    diff->add_option("b", request.secondDesignFile, "The second design file")->required();
+    CLI::Option* diffJson = diff->add_flag("--json", "Print the comparison as JSON");
+    CLI::Option* diffCsv = diff->add_flag("--csv", "Print the comparison as CSV, one figure per line");
+    diffJson->excludes(diffCsv);
+
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const& e) {
@@ -82,6 +89,11 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
         request.command = Command::Estimate;
         if (*estimateJson) request.format = OutputFormat::Json;
         if (*estimateCsv) request.format = OutputFormat::Csv;
+    }
+    if (diff->parsed()) {
+        request.command = Command::Diff;
+        if (*diffJson) request.format = OutputFormat::Json;
+        if (*diffCsv) request.format = OutputFormat::Csv;
     }
     return {request, kExitOk};
 }

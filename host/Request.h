@@ -8,7 +8,7 @@
 
 namespace prsm::host {
 
-enum class Command { Models, Cells, Calc, Presets, Sweep, Estimate };
+enum class Command { Models, Cells, Calc, Presets, Sweep, Estimate, Diff };
 enum class OutputFormat { Table, Json, Reflect, Csv };
 
 // `sweep`: which outputs, the output format and the picture.
@@ -28,6 +28,7 @@ struct Request {
     std::string preset;  // `calc --preset`: a preset of the model, or "list"; empty when none
     std::string designFile;  // `estimate`: the design file
     bool corners = false;    // `estimate --corners`: typical and worst case side by side
+    std::string secondDesignFile;  // `diff A B`: B (designFile is A)
     OutputFormat format = OutputFormat::Table;
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
     std::string outputs;   // `calc`: comma-separated names or globs of the outputs shown; empty for all
