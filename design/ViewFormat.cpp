@@ -86,11 +86,17 @@ std::string number(double value) {
 }  // namespace
 
 std::string toJson(Report const& report, ReportViews const& views) {
-    if (!views.corners && !views.budget) return toJson(report);
+    if (!views.corners && !views.budget && !views.junctionLimit) return toJson(report);
     // The report's own object, key for key, with the views appended after it.
     Json out = Json::parse(toJson(report));
     if (views.corners) out["corners"] = cornersJson(*views.corners);
     if (views.budget) out["budget"] = budgetJson(*views.budget);
+    if (JunctionLimit const* l = views.junctionLimit)
+        out["junction_limit"] = {{"junction_temperature", l->junction},
+                                 {"power", figure(l->power)},
+                                 {"max_theta_ja", figure(l->maxThetaJa)},
+                                 {"max_ambient_temperature", figure(l->maxAmbient)},
+                                 {"missing", l->missing.empty() ? Json(nullptr) : Json(l->missing)}};
     return out.dump(2) + "\n";
 }
 
@@ -129,6 +135,13 @@ std::string toCsv(Report const& report, ReportViews const& views) {
             line("budget", name, l.rail, "value", number(l.value), l.unit());
             line("budget", name, l.rail, "exceeded", l.exceeded ? "1" : "0", "");
         }
+    if (JunctionLimit const* l = views.junctionLimit) {
+        line("junction_limit", "", "", "junction_temperature", number(l->junction), "degC");
+        line("junction_limit", "", "", "power", number(l->power), "W");
+        line("junction_limit", "", "", "max_theta_ja", number(l->maxThetaJa), "degC/W");
+        line("junction_limit", "", "", "max_ambient_temperature", number(l->maxAmbient), "degC");
+        if (!l->missing.empty()) line("junction_limit", "", "", "missing", l->missing, "");
+    }
     return out.str();
 }
 

@@ -139,10 +139,12 @@ int runEstimate(Request const& request, std::string const& dataHint, std::ostrea
     std::optional<design::CornerReports> corners;
     std::vector<design::BudgetLine> budget;
     bool hasBudget = false;
+    std::optional<design::JunctionLimit> junctionLimit;
     try {
         design::Design design = design::readDesignFile(request.designFile);
         design::Budget const limits = design.budget;
         hasBudget = !limits.empty();
+        if (request.maxJunction) junctionLimit = design::solveJunctionLimit(design, *request.maxJunction);
         if (request.corners) {
             corners = design::estimateCorners(design);
             report = corners->typical;
@@ -173,7 +175,8 @@ int runEstimate(Request const& request, std::string const& dataHint, std::ostrea
                 }))
                 err << "prsm: warning: worst corner: " << (w.block.empty() ? "" : "block \"" + w.block + "\": ")
                     << w.cell << ": " << w.message << "\n";
-    design::ReportViews const views{corners ? &*corners : nullptr, hasBudget ? &budget : nullptr};
+    design::ReportViews const views{corners ? &*corners : nullptr, hasBudget ? &budget : nullptr,
+                                    junctionLimit ? &*junctionLimit : nullptr};
     switch (request.format) {
         case OutputFormat::Json:
             out << design::toJson(report, views);
@@ -186,6 +189,7 @@ int runEstimate(Request const& request, std::string const& dataHint, std::ostrea
             out << renderEstimateTable(report);
             if (corners) out << renderCornersTable(*corners);
             if (hasBudget) out << renderBudgetTable(budget);
+            if (junctionLimit) out << renderJunctionLimit(*junctionLimit);
             break;
     }
     for (std::string const& failure : report.failures) err << "prsm: error: " << failure << "\n";

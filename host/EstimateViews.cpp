@@ -60,4 +60,12 @@ std::string renderBudgetTable(std::vector<design::BudgetLine> const& lines) {
     return "\n" + formatTable({"budget", "limit", "estimate", "verdict"}, rows);
 }
 
+std::string renderJunctionLimit(design::JunctionLimit const& l) {
+    std::string text = "\nJunction at most " + fixed(l.junction, 2) + " degC (" + fixed(l.power, 4) +
+                       " W there): theta_ja at most " + fixed(l.maxThetaJa, 3) + " degC/W at the design's ambient, "
+                       "ambient at most " + fixed(l.maxAmbient, 2) + " degC at the design's theta_ja\n";
+    if (!l.missing.empty()) text += "  (" + l.missing + ")\n";
+    return text;
+}
+
 }  // namespace prsm::host

@@ -58,6 +58,9 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
     estimate->add_flag("--corners", request.corners,
                        "Estimate at typical and at worst case (process max, voltages at the top of their "
                        "range, the junction hot) and compare them");
+    estimate->add_option("--max-junction", request.maxJunction,
+                         "Also report the largest theta_ja and the highest ambient that keep the junction at or "
+                         "below this temperature (degC)");
 
     CLI::App* diff = app.add_subcommand("diff", "Estimate two designs and compare them per rail, region and block");
     diff->add_option("a", request.designFile, "The first design file")->required();

@@ -29,6 +29,7 @@ struct Request {
     std::string designFile;  // `estimate`: the design file
     bool corners = false;    // `estimate --corners`: typical and worst case side by side
     std::string secondDesignFile;  // `diff A B`: B (designFile is A)
+    std::optional<double> maxJunction;  // `estimate --max-junction T`: degC
     OutputFormat format = OutputFormat::Table;
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
     std::string outputs;   // `calc`: comma-separated names or globs of the outputs shown; empty for all

@@ -5,9 +5,11 @@
 #include <prsm/design/Budget.h>
 #include <prsm/design/Corners.h>
 #include <prsm/design/Design.h>
+#include <prsm/design/JunctionLimit.h>
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 
 namespace {
@@ -107,6 +109,28 @@ TEST(DesignCorners, RefusesBadBudgetsAndAHotAmbientWithoutThetaJa) {
     EXPECT_NE(refusal(R"("thermal": {"junction_temperature": 50, "max_ambient_temperature": 45})")
                   .find("/thermal/max_ambient_temperature: a maximum ambient needs theta_ja"),
               std::string::npos);
+}
+
+// small.json (ambient 25 degC, theta_ja 2 degC/W) held at a 50 degC junction. Its dynamic power is
+// 0.554 W, 0.174 W of it logic (design_estimate_test.cpp), so t = 50 - 2 * 0.174 = 49.652 degC and the
+// leakage is 0.8 (0.5 + 0.01 * 24.652) + 1.5 (0.1 + 0.002 * 24.652) = 0.55 + 0.011 * 24.652 = 0.821172 W.
+// P(50) = 1.375172 W: theta_ja at most 25 / 1.375172 = 18.17954 degC/W, the ambient at most
+// 50 - 2 * 1.375172 = 47.249656 degC.
+TEST(DesignCorners, JunctionLimitGivesTheLargestThetaJaAndTheHottestAmbient) {
+    Design const small = readDesignFile(std::string(PRSM_TEST_DESIGNDIR) + "/small.json");
+    JunctionLimit const limit = solveJunctionLimit(small, 50);
+    EXPECT_TRUE(limit.missing.empty()) << limit.missing;
+    EXPECT_NEAR(limit.power, 1.375172, 1e-6);
+    EXPECT_NEAR(limit.maxThetaJa, 25 / 1.375172, 1e-5);
+    EXPECT_NEAR(limit.maxAmbient, 47.249656, 1e-5);
+
+    // At the ambient itself no resistance will do; a given junction leaves nothing to solve for.
+    EXPECT_TRUE(std::isnan(solveJunctionLimit(small, 25).maxThetaJa));
+    Design given = small;
+    given.thermal.junction = 60;
+    JunctionLimit const none = solveJunctionLimit(given, 50);
+    EXPECT_TRUE(std::isnan(none.maxThetaJa) && std::isnan(none.maxAmbient));
+    EXPECT_NE(none.missing.find("gives its junction temperature"), std::string::npos);
 }
 
 }  // namespace
