@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <set>
@@ -17,7 +18,7 @@ namespace prsm::host {
 namespace {
 
 constexpr char const* kVariableForms =
-    "a design's variables are BLOCK.CELL, static.CELL, *.CELL, rail.RAIL, device.process, "
+    "a design's variables are BLOCK.CELL, static.CELL, board.CELL, *.CELL, rail.RAIL, device.process, "
     "junction_temperature, ambient_temperature and theta_ja";
 
 // Runs `body`, turning the engine's and the library's exceptions into HostError.
@@ -232,6 +233,7 @@ void DesignTarget::describe() {
     };
     for (design::Block const& block : m_design.blocks) blockInputs(block.name, block, false);
     if (m_design.staticSheet) blockInputs("static", *m_design.staticSheet, true);
+    if (m_design.board) blockInputs("board", *m_design.board, true);
     // Every block that has the input; a cell whose type differs between sheets has no such variable.
     for (std::string const& cell : everyOrder) {
         Shared const& shared = everyBlock.at(cell);
@@ -280,6 +282,19 @@ void DesignTarget::describe() {
         regionOutput("static", 0, 1);
         regionOutput("total", 1, 1);
     }
+    if (m_design.board)
+        output("board.total_power", CellType::Float, "W",
+               [](design::Report const& r) { return r.board ? r.board->totalPower : std::nan(""); });
+    // Each budget's headroom, its limit less the figure: negative at a point that exceeds it.
+    if (std::optional<double> const limit = m_design.budget.totalPower)
+        output("budget.total_power.headroom", CellType::Float, "W",
+               [limit = *limit](design::Report const& r) { return limit - r.totalPower; });
+    for (auto const& [rail, limit] : m_design.budget.railCurrents)
+        output("budget.rail." + rail + ".headroom", CellType::Float, "A",
+               [rail = rail, limit = limit](design::Report const& r) {
+                   design::RailResult const* found = findRail(r, rail);
+                   return limit - (found ? found->totalCurrent : 0.0);
+               });
     for (std::size_t i = 0; i < m_design.blocks.size(); ++i)
         output("block." + m_design.blocks[i].name + ".power", CellType::Float, "W",
                [i](design::Report const& r) { return r.blocks.at(i).power; });
@@ -307,6 +322,7 @@ std::string DesignTarget::notAVariable(std::string const& variable) const {
         std::string model;
         design::Block const* given = nullptr;
         if (block == "static" && m_design.staticSheet) given = &*m_design.staticSheet;
+        if (block == "board" && m_design.board) given = &*m_design.board;
         for (design::Block const& b : m_design.blocks)
             if (b.name == block) given = &b;
         if (given != nullptr) model = given->model;
@@ -342,7 +358,8 @@ std::string DesignTarget::notAVariable(std::string const& variable) const {
 std::string DesignTarget::outputsHint() const {
     return "a design's outputs are total_power, dynamic_power, static_power, junction_temperature, "
            "thermal_iterations, rail.RAIL.{voltage,dynamic_current,static_current,current,power}, "
-           "region.REGION.{dynamic,static,total}, block.NAME.power and load.NAME.power";
+           "region.REGION.{dynamic,static,total}, block.NAME.power, load.NAME.power, board.total_power (on a module board) and, for a design with a "
+           "budget, budget.total_power.headroom and budget.rail.RAIL.headroom";
 }
 
 std::string DesignTarget::conflict(std::vector<std::string> const& names) const {
