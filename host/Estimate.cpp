@@ -1,6 +1,6 @@
 #include <prsm/design/Rails.h>
-#include <prsm/design/ViewFormat.h>
 #include <prsm/design/ReportFormat.h>
+#include <prsm/design/ViewFormat.h>
 #include <prsm/framework/PRSMException.h>
 #include <prsm/host/Estimate.h>
 #include <prsm/host/EstimateViews.h>
@@ -135,7 +135,7 @@ std::string renderEstimateTable(design::Report const& report) {
 
 int runEstimate(Request const& request, std::string const& dataHint, std::ostream& out, std::ostream& err) {
     design::Report report;
-    // Corners and budget: the optional views, each from the design and its estimates.
+    // The optional views (corners, budget, junction limit), each from the design and its estimates.
     std::optional<design::CornerReports> corners;
     std::vector<design::BudgetLine> budget;
     bool hasBudget = false;
@@ -160,21 +160,21 @@ int runEstimate(Request const& request, std::string const& dataHint, std::ostrea
     } catch (std::exception const& e) {
         throw HostError(kExitDataFailure, e.what());
     }
-    for (design::Warning const& w : report.warnings) {
-        err << "prsm: warning: ";
+    auto warn = [&err](design::Warning const& w, char const* corner) {
+        err << "prsm: warning: " << corner;
         if (w.block.empty())  // the design itself: the cell is a JSON pointer
             err << w.cell << ": ";
         else
             err << "block \"" << w.block << "\": " << (w.cell.empty() ? "" : "cell " + w.cell + ": ");
         err << w.message << "\n";
-    }
-    if (corners)
+    };
+    for (design::Warning const& w : report.warnings) warn(w, "");
+    if (corners)  // the worst corner's own warnings, those the typical corner does not have too
         for (design::Warning const& w : corners->worst.warnings)
             if (std::none_of(report.warnings.begin(), report.warnings.end(), [&](design::Warning const& t) {
                     return t.block == w.block && t.cell == w.cell && t.message == w.message;
                 }))
-                err << "prsm: warning: worst corner: " << (w.block.empty() ? "" : "block \"" + w.block + "\": ")
-                    << w.cell << ": " << w.message << "\n";
+                warn(w, "worst corner: ");
     design::ReportViews const views{corners ? &*corners : nullptr, hasBudget ? &budget : nullptr,
                                     junctionLimit ? &*junctionLimit : nullptr};
     switch (request.format) {
