@@ -412,7 +412,7 @@ Design parseDesign(std::string const& text, std::string const& source) {
     }
     check.onlyKeys(json, "",
                    {"schema_version", "description", "device", "thermal", "rails", "static", "board",
-                    "blocks", "loads", "regulators"});
+                    "blocks", "loads", "regulators", "budget"});
 
     if (auto it = json.find("schema_version"); it == json.end())
         check.fail("", "missing \"schema_version\" (this build reads version " +
@@ -436,7 +436,8 @@ Design parseDesign(std::string const& text, std::string const& source) {
     }
 
     if (Json const* thermal = check.object(json, "thermal", "", true)) {
-        check.onlyKeys(*thermal, "/thermal", {"junction_temperature", "ambient_temperature", "theta_ja"});
+        check.onlyKeys(*thermal, "/thermal",
+                       {"junction_temperature", "ambient_temperature", "theta_ja", "max_ambient_temperature"});
         bool const hasJunction = thermal->contains("junction_temperature");
         bool const hasAmbient = thermal->contains("ambient_temperature") || thermal->contains("theta_ja");
         if (hasJunction && hasAmbient)
@@ -453,6 +454,13 @@ Design parseDesign(std::string const& text, std::string const& source) {
             }
         } else {
             check.fail("/thermal", "give either junction_temperature, or ambient_temperature and theta_ja");
+        }
+        if (auto it = thermal->find("max_ambient_temperature"); it != thermal->end()) {
+            if (!thermal->contains("theta_ja"))
+                check.fail("/thermal/max_ambient_temperature",
+                           "a maximum ambient needs theta_ja to solve the junction from");
+            else
+                design.thermal.maxAmbient = check.number(*it, "/thermal/max_ambient_temperature");
         }
     }
 
@@ -549,6 +557,27 @@ Design parseDesign(std::string const& text, std::string const& source) {
     if (auto it = json.find("regulators"); it != json.end())
         design.regulators =
             readRegulators(*it, [&](std::string const& at, std::string const& why) { check.fail(at, why); });
+    if (Json const* budget = check.object(json, "budget", "", false)) {
+        check.onlyKeys(*budget, "/budget", {"total_power", "rails"});
+        auto limit = [&](Json const& value, std::string const& at) -> std::optional<double> {
+            std::optional<double> x = check.number(value, at);
+            if (x && *x < 0) {
+                check.fail(at, "a budget is not negative");
+                return std::nullopt;
+            }
+            return x;
+        };
+        if (auto it = budget->find("total_power"); it != budget->end())
+            design.budget.totalPower = limit(*it, "/budget/total_power");
+        if (Json const* rails = check.object(*budget, "rails", "/budget", false))
+            for (auto const& [rail, value] : rails->items()) {
+                std::string const at = "/budget/rails/" + escapePointer(rail);
+                if (!isKnownRail(rail))
+                    check.fail(at, "unknown rail " + rail);
+                else if (auto amps = limit(value, at))
+                    design.budget.railCurrents.emplace_back(rail, *amps);
+            }
+    }
     for (ReferenceProblem const& problem : checkReferences(design))
         check.fail(problem.pointer, problem.message);
     check.finish();

@@ -1,6 +1,7 @@
 #include <prsm/host/Calculation.h>
 #include <prsm/host/CellListing.h>
 #include <prsm/host/Commands.h>
+#include <prsm/host/Diff.h>
 #include <prsm/host/Estimate.h>
 #include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
@@ -137,6 +138,9 @@ int runRequest(Request const& request, DataDirChoice const& dataDir, std::ostrea
                 break;
             case Command::Serve:
                 code = serve::runServe(request, out, err);
+                break;
+            case Command::Diff:
+                code = runDiff(request, out, err);
                 break;
         }
     } catch (HostError const& e) {

@@ -6,6 +6,8 @@
 #include <prsm/host/Suggest.h>
 
 #include <algorithm>
+#include <cctype>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <set>
@@ -16,8 +18,8 @@ namespace prsm::host {
 namespace {
 
 constexpr char const* kVariableForms =
-    "a design's variables are BLOCK.CELL, static.CELL, *.CELL, rail.RAIL, junction_temperature, "
-    "ambient_temperature and theta_ja";
+    "a design's variables are BLOCK.CELL, static.CELL, board.CELL, *.CELL, rail.RAIL, device.process, "
+    "junction_temperature, ambient_temperature and theta_ja";
 
 // Runs `body`, turning the engine's and the library's exceptions into HostError.
 template <typename Body>
@@ -54,11 +56,30 @@ std::string numberText(double value) {
 DesignEvaluation::DesignEvaluation(design::Design const& design,
                                    std::map<std::string, DesignTarget::Setting> const& settings,
                                    std::map<std::string, DesignTarget::Reader> const& readers)
-    : m_engine(design), m_settings(settings), m_readers(readers), m_thermal(design.thermal) {
-    // Each point solved from the ambient, as `prsm estimate` solves a file: a row's every figure, the
-    // solve's count of static calculations included, then depends on its settings alone, not on the
-    // points a thread evaluated before it.
-    m_engine.setThermalStart(design::Estimator::ThermalStartFrom::Ambient);
+    : m_design(design), m_settings(settings), m_readers(readers), m_thermal(design.thermal) {
+    std::string const* process = design.device.find("process");
+    m_engine = &engineFor(process ? *process : "");
+}
+
+design::Estimator& DesignEvaluation::engineFor(std::string const& process) {
+    std::unique_ptr<design::Estimator>& engine = m_engines[process];
+    if (!engine) {
+        design::Design design = m_design;
+        if (!process.empty()) {
+            auto const field = std::find_if(design.device.fields.begin(), design.device.fields.end(),
+                                            [](auto const& f) { return f.first == "process"; });
+            if (field != design.device.fields.end())
+                field->second = process;
+            else
+                design.device.fields.emplace_back("process", process);
+        }
+        engine = std::make_unique<design::Estimator>(std::move(design));
+        // Each point solved from the ambient, as `prsm estimate` solves a file: a row's every figure,
+        // the solve's count of static calculations included, then depends on its settings alone, not
+        // on the points a thread evaluated before it.
+        engine->setThermalStart(design::Estimator::ThermalStartFrom::Ambient);
+    }
+    return *engine;
 }
 
 void DesignEvaluation::evaluate() {
@@ -84,6 +105,20 @@ std::string DesignEvaluation::read(std::string const& name) {
 }
 
 design::Report const& DesignEvaluation::apply() {
+    // Another process: its engine holds the settings of the last point it evaluated, so it starts over.
+    std::string const* fileProcess = m_design.device.find("process");
+    auto const process = m_pending.find("device.process");
+    std::string const wanted = process != m_pending.end() ? process->second : fileProcess ? *fileProcess : "";
+    std::string lower = wanted;
+    std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return std::tolower(c); });
+    if (process != m_pending.end() && lower != "typical" && lower != "max")
+        throw design::DesignError("device.process: unknown process \"" + wanted + "\"; one of typical, max");
+    if (design::Estimator* engine = &engineFor(wanted); engine != m_engine) {
+        m_engine = engine;
+        m_engine->clearInputs();
+        m_engine->clearRailVoltages();
+        m_applied.clear();
+    }
     bool inputsDropped = false, railsDropped = false;
     for (auto const& [name, text] : m_applied) {
         if (m_pending.count(name) != 0) continue;
@@ -91,11 +126,11 @@ design::Report const& DesignEvaluation::apply() {
         if (setting.kind == DesignTarget::Setting::Input) inputsDropped = true;
         if (setting.kind == DesignTarget::Setting::Rail) railsDropped = true;
     }
-    if (inputsDropped) m_engine.clearInputs();
-    if (railsDropped) m_engine.clearRailVoltages();  // the rails still set are set again below
+    if (inputsDropped) m_engine->clearInputs();
+    if (railsDropped) m_engine->clearRailVoltages();  // the rails still set are set again below
     // Every input again when one was dropped or a `*.CELL` changed (it may cover a block's own
     // setting); otherwise only the inputs whose values changed.
-    bool force = inputsDropped;
+    bool force = inputsDropped || m_applied.empty();
     for (auto const& [name, text] : m_pending) {
         auto const was = m_applied.find(name);
         if (name.compare(0, 2, "*.") == 0 && (was == m_applied.end() || was->second != text)) force = true;
@@ -113,11 +148,11 @@ design::Report const& DesignEvaluation::apply() {
                     auto const was = m_applied.find(name);
                     if (!force && was != m_applied.end() && was->second == text) break;
                     for (std::string const& block : setting.blocks)
-                        m_engine.setInput(block, setting.name, text);
+                        m_engine->setInput(block, setting.name, text);
                     break;
                 }
                 case DesignTarget::Setting::Rail:
-                    m_engine.setRailVoltage(setting.name, number);
+                    m_engine->setRailVoltage(setting.name, number);
                     break;
                 case DesignTarget::Setting::Junction:
                     thermal.junction = number;
@@ -130,11 +165,13 @@ design::Report const& DesignEvaluation::apply() {
                     thermal.junction.reset();
                     thermal.thetaJa = number;
                     break;
+                case DesignTarget::Setting::Process:
+                    break;  // the engine chosen above
             }
         }
-    m_engine.setThermal(thermal);
+    m_engine->setThermal(thermal);
     m_applied = m_pending;
-    m_report = &m_engine.update();
+    m_report = &m_engine->update();
     return *m_report;
 }
 
@@ -164,6 +201,7 @@ void DesignTarget::describe() {
     variable("junction_temperature", CellType::Float, "degC", {Setting::Junction, {}, {}});
     variable("ambient_temperature", CellType::Float, "degC", {Setting::Ambient, {}, {}});
     variable("theta_ja", CellType::Float, "degC/W", {Setting::ThetaJa, {}, {}});
+    variable("device.process", CellType::String, "", {Setting::Process, {}, {}});
     for (auto const& [rail, volts] : rails)
         variable("rail." + rail, CellType::Float, "V", {Setting::Rail, {}, rail});
 
@@ -195,6 +233,7 @@ void DesignTarget::describe() {
     };
     for (design::Block const& block : m_design.blocks) blockInputs(block.name, block, false);
     if (m_design.staticSheet) blockInputs("static", *m_design.staticSheet, true);
+    if (m_design.board) blockInputs("board", *m_design.board, true);
     // Every block that has the input; a cell whose type differs between sheets has no such variable.
     for (std::string const& cell : everyOrder) {
         Shared const& shared = everyBlock.at(cell);
@@ -243,6 +282,19 @@ void DesignTarget::describe() {
         regionOutput("static", 0, 1);
         regionOutput("total", 1, 1);
     }
+    if (m_design.board)
+        output("board.total_power", CellType::Float, "W",
+               [](design::Report const& r) { return r.board ? r.board->totalPower : std::nan(""); });
+    // Each budget's headroom, its limit less the figure: negative at a point that exceeds it.
+    if (std::optional<double> const limit = m_design.budget.totalPower)
+        output("budget.total_power.headroom", CellType::Float, "W",
+               [limit = *limit](design::Report const& r) { return limit - r.totalPower; });
+    for (auto const& [rail, limit] : m_design.budget.railCurrents)
+        output("budget.rail." + rail + ".headroom", CellType::Float, "A",
+               [rail = rail, limit = limit](design::Report const& r) {
+                   design::RailResult const* found = findRail(r, rail);
+                   return limit - (found ? found->totalCurrent : 0.0);
+               });
     for (std::size_t i = 0; i < m_design.blocks.size(); ++i)
         output("block." + m_design.blocks[i].name + ".power", CellType::Float, "W",
                [i](design::Report const& r) { return r.blocks.at(i).power; });
@@ -270,6 +322,7 @@ std::string DesignTarget::notAVariable(std::string const& variable) const {
         std::string model;
         design::Block const* given = nullptr;
         if (block == "static" && m_design.staticSheet) given = &*m_design.staticSheet;
+        if (block == "board" && m_design.board) given = &*m_design.board;
         for (design::Block const& b : m_design.blocks)
             if (b.name == block) given = &b;
         if (given != nullptr) model = given->model;
@@ -307,7 +360,8 @@ std::string DesignTarget::notAVariable(std::string const& variable) const {
 std::string DesignTarget::outputsHint() const {
     return "a design's outputs are total_power, dynamic_power, static_power, junction_temperature, "
            "thermal_iterations, rail.RAIL.{voltage,dynamic_current,static_current,current,power}, "
-           "region.REGION.{dynamic,static,total}, block.NAME.power and load.NAME.power";
+           "region.REGION.{dynamic,static,total}, block.NAME.power, load.NAME.power, board.total_power (on a module board) and, for a design with a "
+           "budget, budget.total_power.headroom and budget.rail.RAIL.headroom";
 }
 
 std::string DesignTarget::conflict(std::vector<std::string> const& names) const {

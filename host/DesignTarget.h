@@ -38,7 +38,7 @@ public:
 
     // What setting a variable does: a block's input, a rail's voltage or a thermal quantity.
     struct Setting {
-        enum Kind { Input, Rail, Junction, Ambient, ThetaJa } kind;
+        enum Kind { Input, Rail, Junction, Ambient, ThetaJa, Process } kind;
         std::vector<std::string> blocks;  // Input: the blocks ("static" for the static sheet)
         std::string name;                 // Input: the cell; Rail: the rail
     };
@@ -76,7 +76,13 @@ public:
     design::Report const& apply();
 
 private:
-    design::Estimator m_engine;
+    // The engine of the process the point asks for: one per process seen, since the process reaches
+    // every sheet when an engine is set up.
+    design::Estimator& engineFor(std::string const& process);
+
+    design::Design const& m_design;
+    std::map<std::string, std::unique_ptr<design::Estimator>> m_engines;  // process -> its engine
+    design::Estimator* m_engine = nullptr;
     std::map<std::string, DesignTarget::Setting> const& m_settings;
     std::map<std::string, DesignTarget::Reader> const& m_readers;
     design::Thermal const m_thermal;

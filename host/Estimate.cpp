@@ -2,8 +2,10 @@
 #include <prsm/design/ReportFormat.h>
 #include <prsm/design/ReportHtml.h>
 #include <prsm/design/StaticCurve.h>
+#include <prsm/design/ViewFormat.h>
 #include <prsm/framework/PRSMException.h>
 #include <prsm/host/Estimate.h>
+#include <prsm/host/EstimateViews.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/TextTable.h>
 
@@ -11,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <fstream>
+#include <optional>
 #include <ostream>
 #include <sstream>
 
@@ -183,10 +186,25 @@ std::string warningText(design::Warning const& w) {
 
 int runEstimate(Request const& request, std::string const& dataHint, std::ostream& out, std::ostream& err) {
     design::Report report;
+    // The optional views (corners, budget, junction limit), each from the design and its estimates.
+    std::optional<design::CornerReports> corners;
+    std::vector<design::BudgetLine> budget;
+    bool hasBudget = false;
+    std::optional<design::JunctionLimit> junctionLimit;
     try {
-        design::Design const design = design::readDesignFile(request.designFile);
-        report = design::Estimator(design).estimate();
+        design::Design design = design::readDesignFile(request.designFile);
+        design::Budget const limits = design.budget;
+        hasBudget = !limits.empty();
+        if (request.maxJunction) junctionLimit = design::solveJunctionLimit(design, *request.maxJunction);
+        if (request.corners) {
+            corners = design::estimateCorners(design);
+            report = corners->typical;
+        } else {
+            report = design::Estimator(design).estimate();
+        }
         if (!request.htmlFile.empty()) writeHtml(report, design, request.htmlFile);
+        // A budget must hold at the worst corner when there is one.
+        budget = design::checkBudget(limits, corners ? corners->worst : report);
     } catch (HostError const&) {
         throw;
     } catch (design::DesignError const& e) {
@@ -196,24 +214,46 @@ int runEstimate(Request const& request, std::string const& dataHint, std::ostrea
     } catch (std::exception const& e) {
         throw HostError(kExitDataFailure, e.what());
     }
-    for (design::Warning const& w : report.warnings) err << "prsm: warning: " << warningText(w) << "\n";
+    auto warn = [&err](design::Warning const& w, char const* corner) {
+        err << "prsm: warning: " << corner << warningText(w) << "\n";
+    };
+    for (design::Warning const& w : report.warnings) warn(w, "");
+    if (corners)  // the worst corner's own warnings, those the typical corner does not have too
+        for (design::Warning const& w : corners->worst.warnings)
+            if (std::none_of(report.warnings.begin(), report.warnings.end(), [&](design::Warning const& t) {
+                    return t.block == w.block && t.cell == w.cell && t.message == w.message;
+                }))
+                warn(w, "worst corner: ");
+    design::ReportViews const views{corners ? &*corners : nullptr, hasBudget ? &budget : nullptr,
+                                    junctionLimit ? &*junctionLimit : nullptr};
     switch (request.format) {
         case OutputFormat::Json:
-            out << design::toJson(report);
+            out << design::toJson(report, views);
             break;
         case OutputFormat::Csv:
-            out << design::toCsv(report);
+            out << design::toCsv(report, views);
             break;
         case OutputFormat::Table:
         case OutputFormat::Reflect:
             out << renderEstimateTable(report);
+            if (corners) out << renderCornersTable(*corners);
+            if (hasBudget) out << renderBudgetTable(budget);
+            if (junctionLimit) out << renderJunctionLimit(*junctionLimit);
             break;
     }
     for (std::string const& failure : report.failures) err << "prsm: error: " << failure << "\n";
+    if (corners)
+        for (std::string const& failure : corners->worst.failures)
+            err << "prsm: error: worst corner: " << failure << "\n";
     bool const blockFailed = std::any_of(report.blocks.begin(), report.blocks.end(),
                                          [](design::BlockResult const& b) { return !b.error.empty(); });
     if (blockFailed && !dataHint.empty()) err << "prsm: hint: " << dataHint << "\n";
-    return report.complete ? kExitOk : kExitDataFailure;
+    if (!report.complete || (corners && !corners->worst.complete)) return kExitDataFailure;
+    for (design::BudgetLine const& line : budget)
+        if (line.exceeded)
+            err << "prsm: error: over budget: " << (line.rail.empty() ? "total power " : line.rail + " current ")
+                << line.value << " " << line.unit() << " > " << line.limit << " " << line.unit() << "\n";
+    return design::anyExceeded(budget) ? kExitOverBudget : kExitOk;
 }
 
 }  // namespace prsm::host

@@ -10,6 +10,7 @@ enum ExitCode : int {
     kExitOk = 0,
     kExitBadInput = 2,     // usage errors and inputs the host refuses
     kExitDataFailure = 3,  // a data file that fails to load, or a calculation that throws
+    kExitOverBudget = 4,   // `estimate`: a complete estimate above a budget the design states
 };
 
 class HostError : public std::runtime_error {

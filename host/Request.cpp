@@ -69,6 +69,20 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
     serve->add_option("--part", request.serve.part, "Device of a design started from nothing")
         ->capture_default_str();
 
+    estimate->add_flag("--corners", request.corners,
+                       "Estimate at typical and at worst case (process max, voltages at the top of their "
+                       "range, the junction hot) and compare them");
+    estimate->add_option("--max-junction", request.maxJunction,
+                         "Also report the largest theta_ja and the highest ambient that keep the junction at or "
+                         "below this temperature (degC)");
+
+    CLI::App* diff = app.add_subcommand("diff", "Estimate two designs and compare them per rail, region and block");
+    diff->add_option("a", request.designFile, "The first design file")->required();
+    diff->add_option("b", request.secondDesignFile, "The second design file")->required();
+    CLI::Option* diffJson = diff->add_flag("--json", "Print the comparison as JSON");
+    CLI::Option* diffCsv = diff->add_flag("--csv", "Print the comparison as CSV, one figure per line");
+    diffJson->excludes(diffCsv);
+
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const& e) {
@@ -94,6 +108,11 @@ ParsedCommandLine parseCommandLine(int argc, char const* const* argv, std::ostre
         if (*estimateCsv) request.format = OutputFormat::Csv;
     }
     if (serve->parsed()) request.command = Command::Serve;
+    if (diff->parsed()) {
+        request.command = Command::Diff;
+        if (*diffJson) request.format = OutputFormat::Json;
+        if (*diffCsv) request.format = OutputFormat::Csv;
+    }
     return {request, kExitOk};
 }
 

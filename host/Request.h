@@ -8,7 +8,7 @@
 
 namespace prsm::host {
 
-enum class Command { Models, Cells, Calc, Presets, Sweep, Estimate, Serve };
+enum class Command { Models, Cells, Calc, Presets, Sweep, Estimate, Serve, Diff };
 enum class OutputFormat { Table, Json, Reflect, Csv };
 
 // `sweep`: which outputs, the output format and the picture.
@@ -33,8 +33,11 @@ struct Request {
     std::vector<std::string> assignments;  // NAME=VALUE, in command-line order
     std::string inputFile;                 // a JSON object of NAME: value; empty when none
     std::string preset;  // `calc --preset`: a preset of the model, or "list"; empty when none
-    std::string designFile;  // `estimate`, `serve`: the design file
+    std::string designFile;  // `estimate`, `serve`, `diff A B` (A): the design file
     std::string htmlFile;    // `estimate --html`: where the report's page goes; empty when none
+    bool corners = false;    // `estimate --corners`: typical and worst case side by side
+    std::string secondDesignFile;  // `diff A B`: B (designFile is A)
+    std::optional<double> maxJunction;  // `estimate --max-junction T`: degC
     OutputFormat format = OutputFormat::Table;
     std::string category;  // `cells`: "input", "output" or "intermediate"; empty for all
     std::string outputs;   // `calc`: comma-separated names or globs of the outputs shown; empty for all

@@ -33,7 +33,7 @@ Report hostileReport() {
     Report report;
     report.source = "<b>design</b>.json";
     report.voltageCorner = "nominal";
-    report.rails.push_back({"VCCINT", 0.8, VoltageSource::Design, 1.0, 0.5, 1.5, 1.2, 1.0, true});
+    report.rails.push_back({"VCCINT", 0.8, VoltageSource::Design, 1.0, 0.5, 1.5, 1.2, 1.0, true, 2.0, ""});
     report.blocks.push_back(
         {"<script>alert(1)</script>", "TestLoad", "logic", 2, 0.75, {{"VCCINT", 0.75}}, ""});
     report.regions.push_back({"logic", 3.0, 1.0});

@@ -288,6 +288,67 @@ TEST(DesignSweep, BadVariablesAndOutputsAreRefusedAndAFailingPointIsNamed) {
               2);
 }
 
+TEST(DesignSweep, DeviceProcessIsAVariableWhoseRowsMatchTheFileAtThatProcess) {
+    std::string const file = std::string(PRSM_EXAMPLESDIR) + "/accelerator.json";
+    // Back and forth on one thread, so that each process's engine is taken up again after the other's.
+    std::string const out = runHost("sweep '" + file +
+                                    "' device.process=max,typical,max --threads 1 "
+                                    "--outputs total_power,static_power --json");
+    ASSERT_FALSE(out.empty());
+    nlohmann::json const rows = nlohmann::json::parse(out)["rows"];
+    ASSERT_EQ(rows.size(), 3u);
+    std::ifstream in(file);
+    nlohmann::json design = nlohmann::json::parse(in);
+    for (auto const& row : rows) {
+        design["device"]["process"] = row["device.process"];
+        std::string const path = testing::TempDir() + "prsm_design_sweep_process.json";
+        std::ofstream(path) << design.dump();
+        nlohmann::json const report = nlohmann::json::parse(runHost("estimate '" + path + "' --json"));
+        EXPECT_EQ(f(row["static_power"].get<double>()), f(report["totals"]["static_power"].get<double>()))
+            << row["device.process"];
+    }
+    // The maximum process leaks more than the typical one.
+    EXPECT_GT(rows[0]["static_power"].get<double>(), rows[1]["static_power"].get<double>());
+    EXPECT_EQ(rows[0]["static_power"], rows[2]["static_power"]);
+
+    std::string err, sink;
+    std::string const small = testDesign("small.json");
+    EXPECT_NE(runCommand({"sweep", small.c_str(), "device.process=typical,slow"}, sink, err), 0);
+    EXPECT_NE(err.find("device.process: unknown process \"slow\"; one of typical, max"), std::string::npos) << err;
+}
+
+TEST(DesignSweep, BoardInputsAreVariablesAndBudgetHeadroomsAreOutputs) {
+    // board.json at Tj 35 degC: the regulators carry 1.6 A at 0.8 V and 0.32 A at 1.5 V, losing 0.32 W
+    // and 0.576 W (design_board_test.cpp); with the board's other parts at OTHER_POWER the board draws
+    // 1.28 + 0.48 + 0.32 + 0.576 + OTHER_POWER = 2.656 W + OTHER_POWER.
+    DesignTarget const board(design::readDesignFile(testDesign("board.json")));
+    SweepResult const boards =
+        runSweep(board, {}, gridPoints({parseValues(*board.findVariable("board.OTHER_POWER"), "0.5,1.5")}),
+                 pick(board, "board.total_power"), SweepOptions{});
+    EXPECT_NEAR(column(boards, "board.total_power", 0), 3.156, 1e-5);
+    EXPECT_NEAR(column(boards, "board.total_power", 1), 4.156, 1e-5);
+    EXPECT_FALSE(board.findVariable("board.CORE_CURRENT"));  // fed from the design's VCCINT
+    EXPECT_NE(board.notAVariable("board.CORE_CURRENT").find("block \"board\": cell CORE_CURRENT is"),
+              std::string::npos);
+
+    // corners.json as the file gives it (VCCINT 0.75 V, 1 W and 0.7 A budgets): the junction and the
+    // VCCINT current as design_corners_test.cpp derives them, at ambients of 25 and 45 degC:
+    //   Tj = 25 + (Ta - 25 + 2 (0.07225 + 0.535) - 2 * 0.0107 * 0.1445) / (1 - 2 * 0.0107),
+    //   I_VCCINT = 0.075 + 0.5 + 0.01 (Tj - 0.1445 - 25), P = 0.07225 + 0.535 + 0.0107 (Tj - 25.1445).
+    DesignTarget const budgeted(design::readDesignFile(testDesign("corners.json")));
+    SweepResult const rows = runSweep(
+        budgeted, {}, gridPoints({parseValues(*budgeted.findVariable("ambient_temperature"), "25,45")}),
+        pick(budgeted, "budget.*"), SweepOptions{});
+    for (std::size_t row = 0; row < 2; ++row) {
+        double const ta = row == 0 ? 25 : 45;
+        double const tj = 25 + (ta - 25 + 2 * (0.07225 + 0.535) - 2 * 0.0107 * 0.1445) / (1 - 2 * 0.0107);
+        EXPECT_NEAR(column(rows, "budget.total_power.headroom", row),
+                    1.0 - (0.07225 + 0.535 + 0.0107 * (tj - 25.1445)), 1e-5);
+        EXPECT_NEAR(column(rows, "budget.rail.VCCINT.headroom", row), 0.7 - (0.575 + 0.01 * (tj - 25.1445)),
+                    1e-5);
+    }
+}
+
 }  // namespace
 }  // namespace prsm::host
 

@@ -91,6 +91,62 @@ TEST(HostEstimate, RefusedDesignAndRunawayEndWithTheirStatus) {
     EXPECT_NE(runaway.out.find("No totals"), std::string::npos);
 }
 
+// corners.json: within its budget as the file gives it, over it on VCCINT at the worst corner
+// (0.796 A > 0.7 A, see design_corners_test.cpp), which --corners checks.
+TEST(HostEstimate, BudgetGatesTheExitStatusAtTheWorstCorner) {
+    EXPECT_EQ(estimate("corners.json").code, kExitOk);
+
+    EstimateRun const json = estimate("corners.json", {"--corners", "--json"});
+    EXPECT_EQ(json.code, kExitOverBudget) << json.err;
+    EXPECT_NE(json.err.find("over budget: VCCINT current"), std::string::npos) << json.err;
+    nlohmann::json const report = nlohmann::json::parse(json.out);
+    EXPECT_EQ(report["corners"]["worst"]["process"], "max");
+    EXPECT_EQ(report["corners"]["worst"]["junction_from"], "max_ambient");
+    EXPECT_EQ(report["corners"]["total"]["worst"], "worst");
+    EXPECT_EQ(report["budget"][1]["rail"], "VCCINT");
+    EXPECT_EQ(report["budget"][1]["exceeded"], true);
+    EXPECT_EQ(report["budget"][0]["exceeded"], false);
+
+    EstimateRun const csv = estimate("corners.json", {"--corners", "--csv"});
+    EXPECT_EQ(csv.code, kExitOverBudget);
+    EXPECT_NE(csv.out.find("budget,VCCINT,VCCINT,exceeded,1,\n"), std::string::npos) << csv.out;
+    EXPECT_NE(csv.out.find("corner_rail,VCCINT,VCCINT,worst_current,"), std::string::npos);
+
+    EstimateRun const table = estimate("corners.json", {"--corners"});
+    EXPECT_NE(table.out.find("EXCEEDED"), std::string::npos) << table.out;
+}
+
+// small.json against corners.json: "core" is two instances of 1000 pF at 100 MHz and 0.8 V plus 10 mA
+// at 1.5 V in A, 2 * (0.064 + 0.015) = 0.158 W, and one at 0.75 V plus 10 mA at 1.6 V in B,
+// 1000e-12 * 0.5625 * 100e6 + 0.016 = 0.07225 W; "slow" and the 0.1 A VCCO18 load are A's alone.
+TEST(HostEstimate, DiffMatchesBlocksByNameAndLeavesOneSidedFiguresEmpty) {
+    std::string const a = std::string(PRSM_TEST_DESIGNDIR) + "/small.json";
+    std::string const b = std::string(PRSM_TEST_DESIGNDIR) + "/corners.json";
+    std::vector<char const*> args{"prsm", "diff", a.c_str(), b.c_str(), "--json"};
+    std::ostringstream out, err;
+    ParsedCommandLine const parsed = parseCommandLine(static_cast<int>(args.size()), args.data(), out, err);
+    ASSERT_TRUE(parsed.request);
+    ASSERT_EQ(runRequest(*parsed.request, DataDirChoice{}, out, err), kExitOk) << err.str();
+    nlohmann::json const rows = nlohmann::json::parse(out.str())["rows"];
+    auto row = [&](std::string const& section, std::string const& name, std::string const& quantity) {
+        for (auto const& r : rows)
+            if (r["section"] == section && r["name"] == name && r["quantity"] == quantity) return r;
+        ADD_FAILURE() << section << " " << name;
+        return nlohmann::json();
+    };
+    nlohmann::json const core = row("block", "core", "power");
+    EXPECT_NEAR(core["a"].get<double>(), 0.158, 1e-6);
+    EXPECT_NEAR(core["b"].get<double>(), 0.07225, 1e-6);
+    EXPECT_NEAR(core["difference"].get<double>(), -0.08575, 1e-6);
+    EXPECT_NEAR(core["ratio"].get<double>(), 0.07225 / 0.158, 1e-6);  // 0.45728
+    nlohmann::json const slow = row("block", "slow", "power");
+    EXPECT_NEAR(slow["a"].get<double>(), 0.016, 1e-6);  // 500 pF * 0.64 * 50 MHz
+    EXPECT_TRUE(slow["b"].is_null());
+    EXPECT_TRUE(slow["difference"].is_null());
+    EXPECT_TRUE(row("rail", "VCCO18", "current")["b"].is_null());
+    EXPECT_EQ(rows[0]["section"], "total");
+}
+
 }  // namespace
 }  // namespace prsm::host
 

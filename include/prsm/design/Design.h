@@ -33,6 +33,8 @@ struct Thermal {
     std::optional<double> junction;  // given: used as it is
     double ambient = 25.0;           // otherwise solved from the ambient and theta_ja
     double thetaJa = 0.0;
+    // The hottest ambient the design must work in (degC): the worst corner solves the junction there.
+    std::optional<double> maxAmbient;
 };
 
 struct Input {
@@ -76,6 +78,13 @@ struct Regulator {
     std::string pointer;
 };
 
+// Limits a design states for its own figures; an estimate above one of them exceeds the budget.
+struct Budget {
+    std::optional<double> totalPower;                          // W
+    std::vector<std::pair<std::string, double>> railCurrents;  // rail -> A
+    bool empty() const { return !totalPower && railCurrents.empty(); }
+};
+
 struct Design {
     std::string source;       // the file name, for messages
     std::string description;  // the file's free text about the design; empty when it has none
@@ -87,6 +96,7 @@ struct Design {
     std::vector<Block> blocks;
     std::vector<Load> loads;
     std::vector<Regulator> regulators;  // the power-delivery scheme, when the design declares one
+    Budget budget;
 };
 
 // An input of a sheet that the design sets, not the block: what it is to the design.
