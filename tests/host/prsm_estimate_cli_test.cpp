@@ -76,12 +76,16 @@ TEST(PrsmEstimateCli, AiCardEstimatesFromSheetsAlone) {
     EXPECT_EQ(report["static"]["counts"]["USED_GTYP_POWER_QUADS"].get<double>(), 4.0);
 }
 
-// The module example: the board takes each rail's total current, and the module's total holds the
-// device's power plus the memory, storage and regulators: more than the device, a few watts in all.
+// The module example, from the older architecture's block sheets alone: the board takes each rail's
+// total current, and the module's total holds the device's power plus the memory, storage and
+// regulators: more than the device, a few watts in all. The transceiver link's quad reaches the static
+// sheet.
 TEST(PrsmEstimateCli, ModuleExampleFeedsItsBoard) {
     nlohmann::json const report = estimateExample("module.json");
     ASSERT_TRUE(report.value("complete", false));
     EXPECT_TRUE(report["warnings"].empty()) << report["warnings"].dump();
+    for (auto const& block : report["blocks"]) EXPECT_NE(block["model"], "load") << block["name"];
+    EXPECT_EQ(report["static"]["counts"]["USED_GTH_QUAD"].get<double>(), 1.0);
     ASSERT_TRUE(report.contains("board"));
     nlohmann::json const& board = report["board"];
     for (auto const& rail : report["rails"]) {
