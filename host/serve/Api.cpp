@@ -1,5 +1,7 @@
 #include <prsm/design/Design.h>
 #include <prsm/design/ReportFormat.h>
+#include <prsm/design/ReportHtml.h>
+#include <prsm/design/StaticCurve.h>
 #include <prsm/host/CellListing.h>
 #include <prsm/host/Commands.h>
 #include <prsm/host/DesignTarget.h>
@@ -25,15 +27,33 @@ using Json = nlohmann::ordered_json;
 
 constexpr char kSheetsPath[] = "/api/sheets/";
 
-// The report's downloads. The HTML report joins here once the library writes one:
-// {"report.html", "text/html; charset=utf-8", toHtml}.
+// The report's downloads: the same JSON, CSV and review page that `prsm estimate` writes.
 struct Download {
     char const* name;
     char const* contentType;
-    std::string (*write)(design::Report const&);
+    std::string (*write)(DesignSession const&);
 };
-constexpr Download kDownloads[] = {{"report.json", "application/json", design::toJson},
-                                   {"report.csv", "text/csv", design::toCsv}};
+
+std::string jsonReport(DesignSession const& session) {
+    return design::toJson(session.report());
+}
+
+std::string csvReport(DesignSession const& session) {
+    return design::toCsv(session.report());
+}
+
+// The page with its leakage chart, as `prsm estimate --html` draws it.
+std::string htmlReport(DesignSession const& session) {
+    design::Report const& report = session.report();
+    std::vector<std::pair<double, double>> const curve =
+        report.complete ? design::staticAgainstJunction(session.design(), design::reportJunctions())
+                        : std::vector<std::pair<double, double>>{};
+    return design::toHtml(report, session.design(), curve);
+}
+
+constexpr Download kDownloads[] = {{"report.json", "application/json", jsonReport},
+                                   {"report.csv", "text/csv", csvReport},
+                                   {"report.html", "text/html; charset=utf-8", htmlReport}};
 
 ApiResponse failure(int status, std::string const& message) {
     return {status, "application/json",
@@ -129,7 +149,7 @@ ApiResponse Api::route(ApiRequest const& request, Json const& body) {
         if (path == "/api/report") return ok(design::toJson(m_session.report()));
         for (Download const& download : kDownloads)
             if (path == std::string("/api/") + download.name)
-                return {200, download.contentType, download.write(m_session.report()), download.name};
+                return {200, download.contentType, download.write(m_session), download.name};
         if (path == "/api/downloads") {
             Json names = Json::array();
             for (Download const& download : kDownloads) names.push_back(download.name);

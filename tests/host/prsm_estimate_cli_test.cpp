@@ -94,6 +94,21 @@ TEST(PrsmEstimateCli, ModuleExampleFeedsItsBoard) {
                         rail["total_current"].get<double>(), 1e-6);
         }
     }
+    // The board's regulators take the block-built rail currents: the 0.72 V core regulator feeds VCCINT
+    // alone, the 0.85 V processor regulator the full-power, low-power and memory-controller domains.
+    auto railCurrent = [&](char const* name) {
+        for (auto const& rail : report["rails"])
+            if (rail["rail"] == name) return rail["total_current"].get<double>();
+        return -1.0;
+    };
+    auto regulatorLoad = [&](char const* name) {
+        for (auto const& regulator : board["regulators"])
+            if (regulator["name"] == name) return regulator["load"].get<double>();
+        return -1.0;
+    };
+    EXPECT_NEAR(regulatorLoad("DA9130"), railCurrent("VCCINT"), 1e-6);
+    EXPECT_NEAR(regulatorLoad("DA9131_CH1"),
+                railCurrent("VCCPSINTFP") + railCurrent("VCCPSINTLP") + railCurrent("VCCPSINTDDR"), 1e-6);
     double const device = report["totals"]["total_power"].get<double>();
     double const module = board["total_power"].get<double>();
     EXPECT_GT(module, device + 0.5);

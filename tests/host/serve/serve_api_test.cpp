@@ -93,6 +93,13 @@ TEST_F(ApiFixture, EditsReestimateTheDesign) {
     EXPECT_EQ(edited["blocks"][0]["name"], "spare");
     EXPECT_NEAR(edited["blocks"][0]["power"].get<double>(), 0.032, 1e-6);
     EXPECT_NEAR(total(edited), 0.143, 1e-6);
+
+    // The review page of the design as it now stands, the edited block in it, as `--html` writes it.
+    ApiResponse const page = api.handle({"GET", "/api/report.html", ""});
+    EXPECT_EQ(page.status, 200);
+    EXPECT_EQ(page.contentType, "text/html; charset=utf-8");
+    EXPECT_NE(page.body.find("<svg"), std::string::npos);
+    EXPECT_NE(page.body.find("core"), std::string::npos);
 }
 
 TEST_F(ApiFixture, InvalidEntriesAreMarkedAndRefusedOnesChangeNothing) {
