@@ -13,10 +13,11 @@ std::vector<BudgetLine> checkBudget(Budget const& budget, Report const& report) 
         lines.push_back({std::move(rail), limit, value, value > limit});
     };
     if (budget.totalPower) line("", *budget.totalPower, report.totalPower);
-    for (auto const& [rail, limit] : budget.railCurrents) {
+    for (auto const& entry : budget.railCurrents) {  // a lambda may not capture a structured binding
+        std::string const& rail = entry.first;
         auto const found = std::find_if(report.rails.begin(), report.rails.end(),
                                         [&](RailResult const& r) { return r.rail == rail; });
-        line(rail, limit, found == report.rails.end() ? 0.0 : found->totalCurrent);
+        line(rail, entry.second, found == report.rails.end() ? 0.0 : found->totalCurrent);
     }
     return lines;
 }
