@@ -1,6 +1,5 @@
+#include <prsm/design/Catalogue.h>
 #include <prsm/design/Corners.h>
-#include <prsm/framework/PRSMCommonParamControlData.h>
-#include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
 #include <algorithm>
@@ -20,17 +19,6 @@ void setDeviceField(Design& design, std::string const& field, std::string const&
     design.device.fields.emplace_back(field, value);
 }
 
-// The highest junction temperature the device catalogue allows, or NaN when it gives none.
-double catalogueMaxJunction() {
-    try {
-        int const limit =
-            PRSMCommonParamControlData::getGlobal().getParamVarsIntOrError("THERMAL", "MAX_JUNCTION_TEMP");
-        return limit == prsm::kIntNotSet ? std::nan("") : limit;
-    } catch (...) {  // no catalogue loaded
-        return std::nan("");
-    }
-}
-
 // The hot thermal conditions of the worst corner, given the junction the typical corner reached.
 HotJunction hotThermal(Thermal& thermal, double typicalJunction) {
     if (thermal.maxAmbient) {
@@ -38,8 +26,8 @@ HotJunction hotThermal(Thermal& thermal, double typicalJunction) {
         thermal.junction.reset();
         return HotJunction::MaxAmbient;
     }
-    double const limit = catalogueMaxJunction();
-    if (std::isnan(limit)) return HotJunction::FileThermal;
+    double const limit = catalogue::maxJunctionTemperature();  // 0 when the catalogue gives none
+    if (limit <= 0) return HotJunction::FileThermal;
     // Leakage only grows with temperature: never evaluate the worst corner cooler than the typical one.
     thermal.junction = std::max(limit, typicalJunction);
     return typicalJunction > limit ? HotJunction::TypicalHotter : HotJunction::GradeMaximum;
