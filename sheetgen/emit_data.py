@@ -26,6 +26,52 @@ def _keys_array(table: Table) -> str:
     return f"k{table.map}Keys"
 
 
+# A table with columns: per cell type, the getter's suffix and C++ type, and the fallback's parse.
+COLUMN_TYPES = {"int": ("Int", "int", "intAt", "prsm::data::TextGrid::parseInt"),
+                "float": ("Float", "float", "floatAt", "prsm::data::TextGrid::parseFloat"),
+                "string": ("String", "std::string", "textAt", "")}
+
+
+def _grid(table: Table) -> str:
+    return table.member + "Grid"
+
+
+def _columns_array(table: Table, type_: str) -> str:
+    return f"k{table.map}{COLUMN_TYPES[type_][0]}Columns"
+
+
+def _column_declarations(t: Table) -> list[str]:
+    """The typed getters of a table with columns and the column names they read, by position."""
+    families = ", ".join(t.column_families)
+    out = [f"    // {t.label} read at load into its columns' types (<prsm/framework/PRSMTextGrid.h>): the",
+           f"    // entry of row `{t.keys[0]}` in the column at position `column` of its type's list ({families}),",
+           f"    // as {t.getter} and s2i/s2f give it, a missing entry's PRSMException included."]
+    for type_, (suffix, cpp, _, _) in COLUMN_TYPES.items():
+        names = ", ".join(f'"{n}"' for n in t.columns.get(type_, []))
+        out.append(f"    static constexpr std::array<std::string_view, {len(t.columns.get(type_, []))}> "
+                   f"{_columns_array(t, type_)}{{{names}}};")
+    for type_, (suffix, cpp, _, _) in COLUMN_TYPES.items():
+        if type_ in t.columns:
+            out.append(f"    {cpp} {t.getter}{suffix}(std::string_view {t.keys[0]}, std::size_t column) const;")
+    return out + [""]
+
+
+def _column_getters(cls: str, t: Table) -> str:
+    out = ""
+    for type_, (suffix, cpp, reader, parse) in COLUMN_TYPES.items():
+        if type_ not in t.columns:
+            continue
+        row = t.keys[0]
+        fallback = f"{t.getter}({row}, {_columns_array(t, type_)}[column])"
+        out += f"""
+inline {cpp} {cls}::{t.getter}{suffix}(std::string_view {row}, std::size_t column) const {{
+    if ({cpp} const* value = {_grid(t)}.{reader}({t.member}, {row}, column)) return *value;
+    return {f"{parse}({fallback})" if parse else fallback};
+}}
+"""
+    return out
+
+
 def header(sheet: Sheet) -> str:
     cls = sheet.prefix + "Data"
     getters, members, fixed, private = [], [], [], []
@@ -37,6 +83,9 @@ def header(sheet: Sheet) -> str:
         members.append(f"    std::unordered_map<std::string, {t.cpp_type}> {t.member};  // {', '.join(t.settings)}")
         if not _scalar(t):
             continue
+        if t.columns:
+            fixed += _column_declarations(t)
+            private.append(f"    prsm::data::TextGrid {_grid(t)};")
         keys = ", ".join(f'"{k}"' for k in t.fixed)
         private.append(f"    prsm::data::ResolvedTable<{t.cpp_type}, {len(t.fixed)}> {_resolved(t)};")
         if t.fixed:
@@ -56,7 +105,7 @@ def header(sheet: Sheet) -> str:
 #include <prsm/framework/PRSMData.h>
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/framework/PRSMTableIndex.h>
-
+{"#include <prsm/framework/PRSMTextGrid.h>" + chr(10) if any(t.columns for t in sheet.tables) else ""}
 #include <array>
 #include <cstddef>
 #include <string>
@@ -94,7 +143,7 @@ public:
 
 {chr(10).join(members)}
 {("private:" + chr(10) + chr(10).join(private) + chr(10)) if private else ""}}};
-{"".join(_inline_getters(cls, t) for t in sheet.tables if _scalar(t))}"""
+{"".join(_inline_getters(cls, t) + _column_getters(cls, t) for t in sheet.tables if _scalar(t))}"""
 
 
 def _inline_getters(cls: str, t: Table) -> str:
@@ -148,8 +197,12 @@ def source(sheet: Sheet) -> str:
     cls = sheet.prefix + "Data"
     clears = "\n".join(f"    {t.member}.clear();" for t in sheet.tables)
     scalars = [t for t in sheet.tables if _scalar(t)]
+    grids = [t for t in scalars if t.columns]
     invalidates = "".join(f"    {_resolved(t)}.invalidate();\n" for t in scalars)
+    invalidates += "".join(f"    {_grid(t)}.invalidate();\n" for t in grids)
     resolves = "\n".join(f"    {_resolved(t)}.resolve({t.member}, {len(t.keys)}, {_keys_array(t)});" for t in scalars)
+    resolves += "".join(f"\n    {_grid(t)}.build({t.member}, {', '.join(_columns_array(t, k) for k in COLUMN_TYPES)});"
+                        for t in grids)
     copies = "".join(f", {t.member}(other.{t.member})" for t in sheet.tables)
     assigns = "".join(f"    {t.member} = other.{t.member};\n" for t in sheet.tables)
     loads = []

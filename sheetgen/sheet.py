@@ -162,6 +162,11 @@ class Table:
     getter: str
     keys: list[str]
     fixed: list[str] = field(default_factory=list)  # constant keys, parts joined with "."
+    # Families whose members name the second key part, read at load into their cells' type:
+    # cell type ("int", "float", "string") -> the family's members, in member order.
+    columns: dict[str, list[str]] = field(default_factory=dict)
+    column_families: object = None  # the entry's `columns` as written, read once families are known
+    columns_at: tuple = ()  # where it is written, for errors
 
     @property
     def cpp_type(self) -> str:
@@ -314,10 +319,34 @@ def _tables(doc: dict, lists: dict[str, list[str]]) -> tuple[list[Table], list[t
         table.fixed += [k for p in entry.get("fixed", []) for k in expand(p, lists) if k not in table.fixed]
         if "fixed" in entry:
             fixed_at.setdefault(map_name, ("tables", index, "fixed"))
+        if "columns" in entry:
+            table.column_families, table.columns_at = entry["columns"], ("tables", index, "columns")
         order.append((setting, table))
     for table in maps.values():
         _check_fixed(table, fixed_at.get(table.map, ("tables",)))
     return list(maps.values()), order
+
+
+def _read_columns(table: Table, families: list[Family], by_name: dict) -> None:
+    """A string table's columns: the families whose own cells ("{}") its second key part names."""
+    names, at = table.column_families, table.columns_at
+    if not isinstance(names, list) or not all(isinstance(n, str) for n in names):
+        raise SheetError(f"table {table.map}: columns is a list of family names", at)
+    if table.type != "string" or len(table.keys) != 2:
+        raise SheetError(f"table {table.map}: columns are for a string table of two key parts", at)
+    by_family = {f.name: f for f in families}
+    owner: dict[str, str] = {}  # cell type -> the family that gave it
+    for name in names:
+        family = by_family.get(name)
+        if family is None:
+            raise SheetError(f"table {table.map}: columns: no family {name}", at)
+        if "{}" not in family.patterns:
+            raise SheetError(f"table {table.map}: columns: family {name} has no cells of its own (\"{{}}\")", at)
+        type_ = by_name[family.members[0]].type
+        if type_ in owner:
+            raise SheetError(f"table {table.map}: columns: families {owner[type_]} and {name} are both {type_}", at)
+        owner[type_] = name
+        table.columns[type_] = family.members
 
 
 def fixed_enumerator(key: str) -> str:
@@ -393,6 +422,9 @@ def _checked(doc: dict, path: Path, source_root: Path) -> Sheet:
                 raise SheetError(f"family {family.name}: cells of {pattern} differ in type or category",
                                  at + ("cells",))
         families.append(family)
+    for table in tables:
+        if table.columns_at:
+            _read_columns(table, families, by_name)
 
     inputs = {}
     for cell in by_name.values():

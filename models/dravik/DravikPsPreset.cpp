@@ -1,12 +1,13 @@
 // Formulas of the older architecture's processing-system preset sheet: every output is the selected
-// preset's entry of the same name in PS_PRESETS, read as the output's type. A preset that lacks an entry
-// is an incomplete file: the lookup throws PRSMException naming the key.
+// preset's entry of the same name in PS_PRESETS, read as the output's type. The table's columns are read
+// into numbers when the file loads; a setting is the entry at its member's position (a family numbers
+// its members as the columns list them). A preset that lacks an entry is an incomplete file: the lookup
+// throws PRSMException naming the key.
 #include <prsm/models/dravik/PRSMDravikPsPresetModel.h>
 #include <prsm/models/dravik/PRSMDravikPsPresetCells.h>
 
-#include <prsm/sheetfunc/PRSMHelperUtils.h>
-
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -24,13 +25,13 @@ std::vector<std::string> Model::validListPreset(Params&, Data const& data) const
 }
 
 std::string Model::computeDescription(Params& params, Data const& data) const {
-    return data.getPsPresets(getPreset(params, data), "DESCRIPTION");
+    return data.getPsPresets(refPreset(params, data), "DESCRIPTION");
 }
 
 int Model::computeIntSetting(Params& params, Data const& data, IntSetting member) const {
-    return PRSMHelperUtils::s2i(data.getPsPresets(getPreset(params, data), memberName(member)));
+    return data.getPsPresetsInt(refPreset(params, data), static_cast<std::size_t>(member));
 }
 
 float Model::computeFloatSetting(Params& params, Data const& data, FloatSetting member) const {
-    return PRSMHelperUtils::s2f(data.getPsPresets(getPreset(params, data), memberName(member)));
+    return data.getPsPresetsFloat(refPreset(params, data), static_cast<std::size_t>(member));
 }

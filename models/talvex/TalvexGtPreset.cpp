@@ -1,11 +1,12 @@
 // Formulas of the transceiver preset sheet: every output is the selected preset's entry of the same name
-// in GT_PRESETS, read as the output's type. A preset that lacks an entry is an incomplete file: the
-// lookup throws PRSMException naming the key.
+// in GT_PRESETS, read as the output's type. The table's columns are read into numbers when the file
+// loads; a setting is the entry at its member's position (a family numbers its members as the columns
+// list them). A preset that lacks an entry is an incomplete file: the lookup throws PRSMException naming
+// the key.
 #include <prsm/models/talvex/PRSMTalvexGtPresetModel.h>
 #include <prsm/models/talvex/PRSMTalvexGtPresetCells.h>
 
-#include <prsm/sheetfunc/PRSMHelperUtils.h>
-
+#include <cstddef>
 #include <string>
 
 using Model = PRSMTalvexGtPresetModel;
@@ -15,13 +16,13 @@ std::string Model::computeDescription(Params& params, Data const& data) const {
 }
 
 int Model::computeIntSetting(Params& params, Data const& data, IntSetting member) const {
-    return PRSMHelperUtils::s2i(data.getGtPresets(refPreset(params, data), memberName(member)));
+    return data.getGtPresetsInt(refPreset(params, data), static_cast<std::size_t>(member));
 }
 
 float Model::computeFloatSetting(Params& params, Data const& data, FloatSetting member) const {
-    return PRSMHelperUtils::s2f(data.getGtPresets(refPreset(params, data), memberName(member)));
+    return data.getGtPresetsFloat(refPreset(params, data), static_cast<std::size_t>(member));
 }
 
 std::string Model::computeStringSetting(Params& params, Data const& data, StringSetting member) const {
-    return data.getGtPresets(refPreset(params, data), memberName(member));
+    return data.getGtPresetsString(refPreset(params, data), static_cast<std::size_t>(member));
 }

@@ -1,12 +1,13 @@
 // Formulas of the processor-subsystem preset sheet: every output is the selected preset's entry of the
-// same name in PSS_PRESETS, read as the output's type. A preset that lacks an entry is an incomplete
-// file: the lookup throws PRSMException naming the key.
+// same name in PSS_PRESETS, read as the output's type. The table's columns are read into numbers when
+// the file loads; a setting is the entry at its member's position (a family numbers its members as the
+// columns list them). A preset that lacks an entry is an incomplete file: the lookup throws
+// PRSMException naming the key.
 #include <prsm/models/talvex/PRSMTalvexPssPresetModel.h>
 #include <prsm/models/talvex/PRSMTalvexPssPresetCells.h>
 
-#include <prsm/sheetfunc/PRSMHelperUtils.h>
-
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -24,17 +25,17 @@ std::vector<std::string> Model::validListPreset(Params&, Data const& data) const
 }
 
 std::string Model::computeDescription(Params& params, Data const& data) const {
-    return data.getPssPresets(getPreset(params, data), "DESCRIPTION");
+    return data.getPssPresets(refPreset(params, data), "DESCRIPTION");
 }
 
 int Model::computeIntSetting(Params& params, Data const& data, IntSetting member) const {
-    return PRSMHelperUtils::s2i(data.getPssPresets(getPreset(params, data), memberName(member)));
+    return data.getPssPresetsInt(refPreset(params, data), static_cast<std::size_t>(member));
 }
 
 float Model::computeFloatSetting(Params& params, Data const& data, FloatSetting member) const {
-    return PRSMHelperUtils::s2f(data.getPssPresets(getPreset(params, data), memberName(member)));
+    return data.getPssPresetsFloat(refPreset(params, data), static_cast<std::size_t>(member));
 }
 
 std::string Model::computeStringSetting(Params& params, Data const& data, StringSetting member) const {
-    return data.getPssPresets(getPreset(params, data), memberName(member));
+    return data.getPssPresetsString(refPreset(params, data), static_cast<std::size_t>(member));
 }

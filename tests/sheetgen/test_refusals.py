@@ -31,6 +31,8 @@ INT_INPUT = '[cells.int]\ninputs = ["N"]\n[inputs.N]\ndefault = 0\n'
 OUTSIDE = '[warnings.outside.POWER]\nmessage = "m"\n'
 TABLE = '[[tables]]\nsetting = "CAP"\n'
 FAMILY = '[[families]]\nname = "Rail"\nmembers = ["VCCINT"]\n'
+DATA_SHEET = '[sheet]\ndescription = "x"\ndata_file = "d.cfg"\n'
+TEXT_TABLE = f'{DATA_SHEET}[[tables]]\nsetting = "SETS"\ntype = "string"\nkeys = ["set", "cell"]\n'
 
 # (fragment, what the message says), one case per place where the checker refuses a table.
 REFUSALS = [
@@ -83,6 +85,14 @@ REFUSALS = [
     (f'{TABLE}fixed = ["A.B"]  {MARK}', "table Cap: constant key 'A.B' must have 1 parts"),
     (f'{TABLE}fixed = ["A-B", "A_B"]  {MARK}', "table Cap: constant keys 'A-B' and 'A_B' share a name"),
     (TABLE, "sheet.data_file is required when the sheet has tables"),
+    (f'{TEXT_TABLE}columns = "Rail"  {MARK}\n{FAMILY}cells = ["{{}}"]', "table Sets: columns is a list of family names"),
+    (f'{DATA_SHEET}[[tables]]\nsetting = "SETS"\ncolumns = ["Rail"]  {MARK}\n{FAMILY}cells = ["{{}}"]',
+     "table Sets: columns are for a string table of two key parts"),
+    (f'{TEXT_TABLE}columns = ["Nope"]  {MARK}', "table Sets: columns: no family Nope"),
+    (f'{TEXT_TABLE}columns = ["Out"]  {MARK}\n[[families]]\nname = "Out"\nmembers = ["POW"]\ncells = ["{{}}ER"]',
+     "table Sets: columns: family Out has no cells of its own"),
+    (f'{TEXT_TABLE}columns = ["Rail", "Temp"]  {MARK}\n{FAMILY}cells = ["{{}}"]\n[[families]]\nname = "Temp"\n'
+     'members = ["TJ"]\ncells = ["{}"]', "table Sets: columns: families Rail and Temp are both float"),
     # [[families]]
     (f'[[families]]  {MARK}\nname = "Rail"', "families: a family has a name and members"),
     (f'{FAMILY}cells = ["POWER"]  {MARK}', "family Rail: pattern POWER has no {}"),
