@@ -124,9 +124,10 @@ Json sheetInputs(std::string const& name) {
 }
 
 bool sameWarnings(std::vector<design::Warning> const& a, std::vector<design::Warning> const& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](design::Warning const& x, design::Warning const& y) {
-        return x.block == y.block && x.cell == y.cell && x.message == y.message;
-    });
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](design::Warning const& x, design::Warning const& y) {
+                          return x.block == y.block && x.cell == y.cell && x.message == y.message;
+                      });
 }
 
 }  // namespace

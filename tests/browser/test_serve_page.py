@@ -287,8 +287,10 @@ def test_the_supply_view_draws_a_hand_written_report(served):
             renderSupplies(box, arguments[0]);
             const full = texts();
             renderSupplies(box, { rails: [] });  // a report without supplies: every table goes
-            return [full, texts()];""", HAND_WRITTEN)
-        full, bare = tables
+            const bare = texts();
+            renderSupplies(box, { decoupling: [{ rail: "VCCAUX", capacitors: [{ value: "10uF", count: 3 }] }] });
+            return [full, bare, texts()];""", HAND_WRITTEN)
+        full, bare, listed = tables
         assert bare == {}
 
         # VCCAUX draws nothing at power-up and holds nothing: not listed. VCCME under VCCINT.
@@ -306,5 +308,7 @@ def test_the_supply_view_draws_a_hand_written_report(served):
             ["held", "VCCME", "", "", "", "", "0.800", "0.2000", "0.1600", "0.5000"]]
         assert sorted(full["supply-decoupling"]["rows"]) == [  # the order of a JSON object's keys may not hold
             ["", "VCCINT", "100nF", "6"], ["", "VCCINT", "470uF", "count 1.2, whole 2"]]
+        # The same as lists: by rail, each capacitor with its value.
+        assert listed["supply-decoupling"]["rows"] == [["", "VCCAUX", "10uF", "count 3"]]
     finally:
         driver.quit()

@@ -75,15 +75,23 @@ function groupRows(groups) {
   return { rows, classes };
 }
 
-// Per rail, per capacitor value, the count: `decoupling` as an object by rail or a list of rails.
+// `value` less the member named `key`.
+const without = (value, key) => Object.fromEntries(Object.entries(value).filter(([k]) => k !== key));
+
+// Per rail, per capacitor value, the count. `decoupling` is an object by rail or a list of objects with a
+// `rail` (and the capacitors as its one other member, or as its members); a rail's capacitors an object
+// by value or a list of objects with a `value`.
 function decouplingRows(decoupling) {
-  const byRail = Array.isArray(decoupling)
-    ? decoupling.map((d) => [d.rail, Object.fromEntries(Object.entries(d).filter(([k]) => k !== "rail"))])
-    : Object.entries(decoupling);
+  const capacitorsOf = (d) => {
+    const rest = without(d, "rail"), members = Object.values(rest);
+    return members.length === 1 ? members[0] : rest;
+  };
+  const byRail = Array.isArray(decoupling) ? decoupling.map((d) => [d.rail, capacitorsOf(d)]) : Object.entries(decoupling);
   const rows = [];
   for (const [rail, capacitors] of byRail) {
-    const list = capacitors !== null && typeof capacitors === "object" && !Array.isArray(capacitors)
-      ? Object.entries(capacitors) : [["", capacitors]];
+    let list = [["", capacitors]];
+    if (Array.isArray(capacitors)) list = capacitors.map((c) => (c && c.value !== undefined ? [String(c.value), without(c, "value")] : ["", c]));
+    else if (capacitors !== null && typeof capacitors === "object") list = Object.entries(capacitors);
     for (const [value, count] of list) rows.push([rail, value, shown(count)]);
   }
   return { rows, classes: [] };
