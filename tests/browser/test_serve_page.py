@@ -1,7 +1,7 @@
 """The `prsm serve` page in a headless browser, used as a person would: edit a block's clock and see the
 total `prsm estimate` gives for the same edit, type a value the engine refuses and see it marked, add a
 block from the drop-down, save and reopen the design, see a regulator's load and the leakage chart's
-operating point follow an edit, and a request under a foreign Host refused. The supply view is also
+operating point follow the edit, and a request under a foreign Host refused. The supply view is also
 drawn from a hand-written report holding every part it shows. Skips, saying why, where chromium, its
 driver or selenium is not installed."""
 
@@ -35,35 +35,22 @@ def chromium_driver():
     return webdriver.Chrome(options=options)
 
 
-def serve(folder, name):
-    server = subprocess.Popen([HOST, "serve", name, "--port", "0"], cwd=folder,
-                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-    line = server.stdout.readline()
-    assert "http://127.0.0.1:" in line, line
-    return server, line.split(" at ")[1].split()[0]
-
-
-@pytest.fixture
-def served(tmp_path):
-    shutil.copy(os.path.join(EXAMPLES, "accelerator.json"), tmp_path)
-    server, url = serve(tmp_path, "accelerator.json")
-    yield url, tmp_path
-    server.terminate()
-    server.wait()
-
-
 # Regulators for the example when it declares none: the core rail alone and the auxiliary rails together.
 REGULATORS = [{"name": "VR_CORE", "rails": ["VCCINT"], "rating": 40, "efficiency": [[2, 0.8], [10, 0.9], [40, 0.87]]},
               {"name": "VR_AUX", "rails": ["VCCAUX", "VCCPMC"], "rating": 3, "efficiency": 0.85}]
 
 
 @pytest.fixture
-def served_with_regulators(tmp_path):
+def served(tmp_path):
     design = json.loads(open(os.path.join(EXAMPLES, "accelerator.json")).read())
     design.setdefault("regulators", REGULATORS)
-    (tmp_path / "regulated.json").write_text(json.dumps(design, indent=2))
-    server, url = serve(tmp_path, "regulated.json")
-    yield url, tmp_path, design
+    (tmp_path / "accelerator.json").write_text(json.dumps(design, indent=2))
+    server = subprocess.Popen([HOST, "serve", "accelerator.json", "--port", "0"], cwd=tmp_path,
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+    line = server.stdout.readline()
+    assert "http://127.0.0.1:" in line, line
+    url = line.split(" at ")[1].split()[0]
+    yield url, tmp_path
     server.terminate()
     server.wait()
 
@@ -83,11 +70,17 @@ def estimated_total(path):
     return f"{estimated(path)['totals']['total_power']:.4f} W"
 
 
-def table_text(driver, table_id):
-    """A table's rows as lists of cell texts, read in one step."""
-    return driver.execute_script(
-        "const t = document.getElementById(arguments[0]);"
-        "return t ? [...t.rows].map((r) => [...r.cells].map((c) => c.textContent)) : null;", table_id)
+def regulator_load(driver, name):
+    """The load the supply view shows for a regulator."""
+    return driver.execute_script("const row = [...document.querySelectorAll('#supply-regulators tr')]"
+                                 ".find((r) => r.cells[0].textContent === arguments[0]);"
+                                 "return row ? row.cells[2].textContent : null;", name)
+
+
+def operating_point(driver):
+    """The leakage chart's label of the design's operating point."""
+    return driver.execute_script("const m = document.querySelector('#chart-static circle.mark');"
+                                 "return m ? m.nextElementSibling.textContent : '';")
 
 
 def test_a_person_edits_adds_saves_and_reopens(served):
@@ -103,14 +96,26 @@ def test_a_person_edits_adds_saves_and_reopens(served):
         design = json.loads((folder / "accelerator.json").read_text())
         design["blocks"][0]["inputs"]["CLOCK_FREQ"] = 500
         (folder / "edited.json").write_text(json.dumps(design))
-        expected = estimated_total(folder / "edited.json")
+        report = estimated(folder / "edited.json")
+        expected = f"{report['totals']['total_power']:.4f} W"
         assert total() != expected
+        # The supply view and the leakage chart's operating point follow the same edit.
+        regulator = report["supplies"]["regulators"][0]
+        expected_load = f"{regulator['load']:.4f}" + (" OVER" if regulator["over_rating"] else "")
+        expected_point = f"{report['thermal']['junction_temperature']:.1f} °C, {report['totals']['static_power']:.3f}"
+        wait.until(lambda d: operating_point(d))
+        assert (regulator_load(driver, regulator["name"]), operating_point(driver)) != (expected_load, expected_point)
 
         driver.find_element(By.XPATH, f"//span[@class='name'][starts-with(., '{BLOCK} ')]").click()
         clock = wait.until(lambda d: d.find_element(By.CSS_SELECTOR, "[data-cell='CLOCK_FREQ']"))
         clock.clear()
         clock.send_keys("500")
         wait.until(lambda d: total() == expected)
+        wait.until(lambda d: regulator_load(d, regulator["name"]) == expected_load)
+        wait.until(lambda d: operating_point(d) == expected_point)  # drawn again once the typing pauses
+        driver.execute_script("document.getElementById('supplies').scrollIntoView()")
+        os.makedirs(ARTEFACTS, exist_ok=True)
+        driver.save_screenshot(os.path.join(ARTEFACTS, "serve-supplies.png"))
 
         clock.send_keys("x")  # "500x" is no number: refused, marked with the reason
         wait.until(lambda d: "invalid" in clock.get_attribute("class"))
@@ -209,43 +214,6 @@ def test_an_edit_on_a_large_design_is_measured(served_large):
             out.write("\n".join(lines) + "\n")
     finally:
         driver.quit()
-
-def test_the_supply_view_and_leakage_chart_follow_an_edit(served_with_regulators):
-    url, folder, design = served_with_regulators
-    name = design["regulators"][0]["name"]
-    design["blocks"][0]["inputs"]["CLOCK_FREQ"] = 500
-    (folder / "edited.json").write_text(json.dumps(design))
-    report = estimated(folder / "edited.json")
-    regulator = next(r for r in report["supplies"]["regulators"] if r["name"] == name)
-    expected_load = f"{regulator['load']:.4f}" + (" OVER" if regulator["over_rating"] else "")
-    expected_mark = (f"{report['thermal']['junction_temperature']:.1f} °C, "
-                     f"{report['totals']['static_power']:.3f}")
-
-    driver = chromium_driver()
-    wait = WebDriverWait(driver, 10)
-    load = lambda: next((row[2] for row in table_text(driver, "supply-regulators") or [] if row[0] == name), None)  # noqa: E731
-    mark = lambda: driver.execute_script(  # noqa: E731
-        "const m = document.querySelector('#chart-static circle.mark');"
-        "return m ? m.nextElementSibling.textContent : '';")
-    try:
-        driver.get(url)
-        wait.until(lambda d: load() is not None and mark())
-        assert load() != expected_load
-        assert mark() != expected_mark
-
-        driver.find_element(By.XPATH, f"//span[@class='name'][starts-with(., '{BLOCK} ')]").click()
-        clock = wait.until(lambda d: d.find_element(By.CSS_SELECTOR, "[data-cell='CLOCK_FREQ']"))
-        clock.clear()
-        clock.send_keys("500")
-        wait.until(lambda d: load() == expected_load)
-        # The chart is drawn again once the typing pauses, its operating point at the new figures.
-        wait.until(lambda d: mark() == expected_mark)
-        driver.execute_script("document.getElementById('supplies').scrollIntoView()")
-        os.makedirs(ARTEFACTS, exist_ok=True)
-        driver.save_screenshot(os.path.join(ARTEFACTS, "serve-supplies.png"))
-    finally:
-        driver.quit()
-
 
 # A report holding every part of the supply view, written by hand: a held rail, a regulator over its
 # rating at power-up only, the board's regulators, regulator groups and decoupling capacitors.
