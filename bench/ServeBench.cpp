@@ -1,6 +1,7 @@
 // `prsm serve` on a 1,000-block design, through its API without a socket: a block input edited (the
 // engine's update and the answer holding the blocks that moved), the whole report as the page first
-// reads it, and a block added (the engine rebuilt from the design). Run from the build tree:
+// reads it, a block added (the engine rebuilt from the design), and the leakage chart the page asks for
+// once the typing pauses. Run from the build tree:
 //   build-bench/bench/prsm_serve_bench [Google Benchmark options]
 #include <prsm/host/serve/Api.h>
 
@@ -62,9 +63,16 @@ void addBlock(benchmark::State& state) {
     }
 }
 
+// The design as edited read again, estimated afresh, and the static sheet at eleven junction temperatures.
+void staticCurve(benchmark::State& state) {
+    Api api = makeApi();
+    for (auto _ : state) benchmark::DoNotOptimize(api.handle({"GET", "/api/static-curve", ""}).body.size());
+}
+
 BENCHMARK(editInput)->Unit(benchmark::kMicrosecond);
 BENCHMARK(wholeReport)->Unit(benchmark::kMillisecond);
 BENCHMARK(addBlock)->Unit(benchmark::kMillisecond);
+BENCHMARK(staticCurve)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -11,6 +11,7 @@
 #include <prsm/host/Sweep.h>
 #include <prsm/host/SweepCommand.h>
 #include <prsm/host/serve/Api.h>
+#include <prsm/host/serve/LeakageCurve.h>
 
 #include <algorithm>
 #include <cctype>
@@ -45,10 +46,11 @@ std::string csvReport(DesignSession const& session) {
 // The page with its leakage chart, as `prsm estimate --html` draws it.
 std::string htmlReport(DesignSession const& session) {
     design::Report const& report = session.report();
+    design::Design const current = session.design();
     std::vector<std::pair<double, double>> const curve =
-        report.complete ? design::staticAgainstJunction(session.design(), design::reportJunctions())
+        report.complete ? design::staticAgainstJunction(current, design::reportJunctions())
                         : std::vector<std::pair<double, double>>{};
-    return design::toHtml(report, session.design(), curve);
+    return design::toHtml(report, current, curve);
 }
 
 constexpr Download kDownloads[] = {{"report.json", "application/json", jsonReport},
@@ -121,6 +123,13 @@ Json sheetInputs(std::string const& name) {
     return described;
 }
 
+bool sameWarnings(std::vector<design::Warning> const& a, std::vector<design::Warning> const& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](design::Warning const& x, design::Warning const& y) {
+                          return x.block == y.block && x.cell == y.cell && x.message == y.message;
+                      });
+}
+
 }  // namespace
 
 Api::Api(Workspace workspace, DesignSession session)
@@ -161,6 +170,7 @@ ApiResponse Api::route(ApiRequest const& request, Json const& body) {
             return ok(sheetInputs(path.substr(sizeof kSheetsPath - 1))
                           .dump(-1, ' ', false, Json::error_handler_t::replace));
         if (path == "/api/files") return ok(files().dump());
+        if (path == "/api/static-curve") return ok(leakageCurveJson(m_session));
     } else if (request.method == "POST") {
         if (path == "/api/input") return setInput(body);
         if (path == "/api/blocks/add") {
@@ -201,10 +211,12 @@ std::string Api::editedJson() const {
     return "{\"design\":" + designJson() + ",\"report\":" + design::toJson(m_session.report()) + "}";
 }
 
-// The report after an input edit with only the blocks whose figures moved: on a design of 1,000 blocks
-// the whole report is 300 kB, most of it unchanged.
+// The report after an input edit with only the blocks whose figures moved, and without the warnings
+// when they are the same as before: on a design of 1,000 blocks the whole report is 300 kB, most of it
+// unchanged.
 ApiResponse Api::setInput(Json const& body) {
     std::vector<design::BlockResult> const before = m_session.report().blocks;
+    std::vector<design::Warning> const warningsBefore = m_session.report().warnings;
     m_session.setInput(field(body, "block"), field(body, "cell"), field(body, "value"));
     design::Report const& after = m_session.report();
     design::Report changed = after;
@@ -216,7 +228,10 @@ ApiResponse Api::setInput(Json const& body) {
                           before[i].error == b.error && before[i].rails == b.rails;
         if (!same) changed.blocks.push_back(b);
     }
-    return ok("{\"blocks_changed_only\":true,\"report\":" + design::toJson(changed) + "}");
+    bool const warningsKept = sameWarnings(warningsBefore, after.warnings);
+    if (warningsKept) changed.warnings.clear();
+    return ok(std::string("{\"blocks_changed_only\":true,\"warnings_unchanged\":") +
+              (warningsKept ? "true" : "false") + ",\"report\":" + design::toJson(changed) + "}");
 }
 
 ApiResponse Api::sweep(Json const& body) {

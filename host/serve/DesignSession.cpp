@@ -64,6 +64,10 @@ DesignSession DesignSession::empty(std::string const& part) {
                          "new design");
 }
 
+design::Design DesignSession::design() const {
+    return asHostErrors([&] { return design::parseDesign(m_document.dump(), m_source); });
+}
+
 std::string DesignSession::text() const {
     return m_document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
@@ -97,7 +101,7 @@ DesignSession::Json& DesignSession::inputsOf(Json& document, std::string const& 
 }
 
 std::string DesignSession::modelOf(std::string const& block) const {
-    design::Design const& current = design();
+    design::Design const& current = m_engine->design();  // edits change inputs, never a block's model
     if (block == "static" && current.staticSheet) return current.staticSheet->model;
     if (block == "board" && current.board) return current.board->model;
     for (design::Block const& b : current.blocks)

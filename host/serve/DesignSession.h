@@ -24,7 +24,9 @@ public:
 
     Json const& document() const { return m_document; }
     std::string const& source() const { return m_source; }
-    design::Design const& design() const { return m_engine->design(); }
+    // The design as it now stands, the input edits included (the engine keeps the design it was built
+    // from and takes edits as inputs).
+    design::Design design() const;
     // The file's text: two-space indentation, keys in the order read, a final newline.
     std::string text() const;
 

@@ -1,31 +1,27 @@
 // The page of `prsm serve`: the design's blocks by region, a form per block built from its sheet's
 // input metadata, and the estimate refreshed after every edit. Each edit re-renders only what it
 // changed: an input edit updates figures in place; only a change of the block list rebuilds the list.
+// Tables, charts and the supply view are in tables.js, charts.js and supplies.js.
 "use strict";
 
-const state = { design: null, report: null, sheets: [], inputs: new Map(), rows: new Map(), open: new Set() };
+const state = { design: null, report: null, sheets: [], inputs: new Map(), rows: new Map(), open: new Set(),
+  keys: {}, reasons: null };
 const $ = (id) => document.getElementById(id);
 const watts = (w) => (w === null || w === undefined ? "-" : Number(w).toFixed(4) + " W");
-
-function el(tag, attrs = {}, ...children) {
-  const node = document.createElement(tag);
-  for (const [k, v] of Object.entries(attrs)) {
-    if (k.startsWith("on")) node.addEventListener(k.slice(2), v);
-    else node.setAttribute(k, v);
-  }
-  for (const c of children) node.append(c);
-  return node;
-}
 
 function status(text, isError = false) {
   $("status").textContent = text;
   $("status").className = isError ? "error" : "";
 }
 
-async function api(path, body) {
+// `timing`, when given, receives the moments the answer arrived and was read.
+async function api(path, body, timing = {}) {
   const response = await fetch("api/" + path, body === undefined ? {} : {
     method: "POST", headers: { "Content-Type": "application/json" }, body: JSON.stringify(body) });
-  const data = await response.json();
+  const text = await response.text();
+  timing.answered = performance.now();
+  const data = JSON.parse(text);
+  timing.read = performance.now();
   if (!response.ok) throw new Error(data.error || response.statusText);
   return data;
 }
@@ -51,7 +47,7 @@ function renderBlocks() {
   const container = $("regions");
   container.replaceChildren();
   for (const [region, blocks] of [...groups].sort()) {
-    const details = el("details", { class: "region", open: "" }, el("summary", {}, `${region} (${blocks.length})`));
+    const details = element("details", { class: "region", open: "" }, element("summary", {}, `${region} (${blocks.length})`));
     for (const block of blocks) details.append(blockRow(block));
     container.append(details);
   }
@@ -60,17 +56,17 @@ function renderBlocks() {
 }
 
 function blockRow(block) {
-  const power = el("span", { class: "power" });
-  const formSlot = el("div");
-  const row = el("div", { class: "block" },
-    el("div", { class: "block-head" },
-      el("span", { class: "name", title: block.model, onclick: () => toggleForm(block, formSlot) }, `${block.name} `,
-        el("small", {}, block.model)),
+  const power = element("span", { class: "power" });
+  const formSlot = element("div");
+  const row = element("div", { class: "block" },
+    element("div", { class: "block-head" },
+      element("span", { class: "name", title: block.model, onclick: () => toggleForm(block, formSlot) }, `${block.name} `,
+        element("small", {}, block.model)),
       power,
       ...(block.name === "static" ? [] : [
-        el("button", { onclick: () => edit("blocks/duplicate", { block: block.name }) }, "Duplicate"),
-        el("button", { onclick: () => rename(block.name) }, "Rename"),
-        el("button", { onclick: () => confirm(`Remove ${block.name}?`) && edit("blocks/remove", { block: block.name }) }, "Remove"),
+        element("button", { onclick: () => edit("blocks/duplicate", { block: block.name }) }, "Duplicate"),
+        element("button", { onclick: () => rename(block.name) }, "Rename"),
+        element("button", { onclick: () => confirm(`Remove ${block.name}?`) && edit("blocks/remove", { block: block.name }) }, "Remove"),
       ])),
     formSlot);
   state.rows.set(block.name, { row, power, form: null });
@@ -112,7 +108,7 @@ async function toggleForm(block, slot) {
   }
   state.open.add(block.name);
   const sheet = await sheetInputs(block.model);
-  const form = el("form", { class: "inputs", onsubmit: (e) => e.preventDefault() });
+  const form = element("form", { class: "inputs", onsubmit: (e) => e.preventDefault() });
   for (const cell of sheet.cells) {
     if (cell.design_owned) continue;
     const given = block.inputs[cell.name];
@@ -120,18 +116,18 @@ async function toggleForm(block, slot) {
       cell.choices ? "" : cell.valid_values].filter(Boolean).join("; ");
     let field;
     if (given !== null && typeof given === "object") {
-      field = el("input", { value: `from ${given.from}.${given.cell || cell.name}`, disabled: "" });
+      field = element("input", { value: `from ${given.from}.${given.cell || cell.name}`, disabled: "" });
     } else if (cell.choices) {
-      field = el("select", {}, el("option", { value: "" }, `(default ${cell.default})`),
-        ...cell.choices.map((c) => el("option", { value: c }, c)));
+      field = element("select", {}, element("option", { value: "" }, `(default ${cell.default})`),
+        ...cell.choices.map((c) => element("option", { value: c }, c)));
       field.value = given === undefined ? "" : String(given);
     } else {
-      field = el("input", { placeholder: cell.default, inputmode: cell.type === "string" ? "text" : "decimal" });
+      field = element("input", { placeholder: cell.default, inputmode: cell.type === "string" ? "text" : "decimal" });
       if (given !== undefined) field.value = String(given);
     }
     field.title = title;
     field.dataset.cell = cell.name;
-    const reason = el("span", { class: "reason" });
+    const reason = element("span", { class: "reason" });
     // Sent as typed; while an answer is awaited, the keystrokes after it coalesce into one more request.
     let busy = false, again = false;
     const send = async () => {
@@ -142,7 +138,7 @@ async function toggleForm(block, slot) {
       if (again) { again = false; send(); }
     };
     field.addEventListener("input", send);
-    form.append(el("label", { title }, cell.name, " ", el("span", { class: "unit" }, cell.unit ? `(${cell.unit})` : "")),
+    form.append(element("label", { title }, cell.name, " ", element("span", { class: "unit" }, cell.unit ? `(${cell.unit})` : "")),
       field, reason);
   }
   entry.form = form;
@@ -152,17 +148,17 @@ async function toggleForm(block, slot) {
 
 async function setInput(block, cell, field, reason) {
   if (field.value === "") return;  // an input once given keeps a value; the file holds it
-  const started = performance.now();
+  const started = performance.now(), timing = {};
   try {
-    const answer = await api("input", { block, cell, value: field.value });
+    const answer = await api("input", { block, cell, value: field.value }, timing);
     const doc = state.design.document;
     const target = block === "static" ? doc.static : doc.blocks.find((b) => b.name === block);
     target.inputs = target.inputs || {};
     target.inputs[cell] = field.value;
     delete field.dataset.refused;
-    showReport(answer.report, false, answer.blocks_changed_only);
-    // From the keystroke to the new figures on screen, for the browser test to report.
-    document.body.dataset.lastEditMs = (performance.now() - started).toFixed(1);
+    showReport(answer.report, false, answer.blocks_changed_only, answer.warnings_unchanged);
+    markWarnings(block);  // a value taken clears the field's refusal
+    recordEdit(started, timing);
   } catch (e) {
     field.dataset.refused = e.message;  // kept until the field takes a value, whatever else is edited
     field.classList.add("invalid");
@@ -170,12 +166,38 @@ async function setInput(block, cell, field, reason) {
   }
 }
 
+// From the keystroke to the new figures on screen, and where the time went (the request to the
+// server and back, reading the answer, updating the page, the browser drawing it), for the browser
+// test to report.
+function recordEdit(started, timing) {
+  const updated = performance.now();
+  const ms = (t) => (t - started).toFixed(1);
+  requestAnimationFrame(() => setTimeout(() => {
+    const drawn = performance.now();
+    document.body.dataset.lastEditPhases = JSON.stringify({
+      answered: +ms(timing.answered), read: +ms(timing.read), updated: +ms(updated), drawn: +ms(drawn) });
+    document.body.dataset.lastEditMs = ms(drawn);
+  }));
+}
+
+// The report's warnings by block and cell, for the forms.
+function reasonsOf(block) {
+  if (!state.reasons) {
+    state.reasons = new Map();
+    for (const w of state.report.warnings) {
+      if (!w.block || !w.cell) continue;
+      if (!state.reasons.has(w.block)) state.reasons.set(w.block, new Map());
+      state.reasons.get(w.block).set(w.cell, w.message);
+    }
+  }
+  return state.reasons.get(block) || new Map();
+}
+
 // Marks the open form's fields that the report warns about, with the reason.
 function markWarnings(block) {
   const entry = state.rows.get(block);
   if (!entry || !entry.form) return;
-  const reasons = new Map();
-  for (const w of state.report.warnings) if (w.block === block && w.cell) reasons.set(w.cell, w.message);
+  const reasons = reasonsOf(block);
   for (const field of entry.form.querySelectorAll("[data-cell]")) {
     const message = field.dataset.refused || reasons.get(field.dataset.cell);
     field.classList.toggle("invalid", Boolean(message));
@@ -185,76 +207,86 @@ function markWarnings(block) {
 
 // ---- the report ------------------------------------------------------------------------------------
 
-// `partial`: the report of an input edit, which holds only the blocks whose figures moved.
-function showReport(report, blocksChanged, partial = false) {
+// `partial`: the report of an input edit, which holds only the blocks whose figures moved, and no
+// warnings when `warningsKept` (they are those shown).
+function showReport(report, blocksChanged, partial = false, warningsKept = false) {
   const moved = report.blocks;
   if (partial) {
     const byName = new Map(moved.map((b) => [b.name, b]));
     report.blocks = state.report.blocks.map((b) => byName.get(b.name) || b);
   }
+  if (warningsKept) report.warnings = state.report.warnings;
+  else state.reasons = null;  // worked out again when a form needs them
   state.report = report;
   if (blocksChanged) renderBlocks();
   for (const b of blocksChanged ? report.blocks : moved) {
     const entry = state.rows.get(b.name);
     if (!entry) continue;
-    entry.power.textContent = b.error ? "FAILED" : watts(b.power);
+    const text = b.error ? "FAILED" : watts(b.power);
+    if (entry.power.textContent !== text) entry.power.textContent = text;
     entry.power.title = b.error || "";
     entry.row.classList.toggle("failed", Boolean(b.error));
   }
-  for (const name of state.open) markWarnings(name);
+  if (!warningsKept) for (const name of state.open) markWarnings(name);
 
   const t = report.totals;
-  $("totals").replaceChildren(
-    el("span", {}, "Total ", el("b", {}, watts(t.total_power))),
-    el("span", {}, "Dynamic ", el("b", {}, watts(t.dynamic_power))),
-    el("span", {}, "Static ", el("b", {}, watts(t.static_power))));
+  if (!$("totals").childElementCount) {
+    $("totals").append(...["Total", "Dynamic", "Static"].map((name) => element("span", {}, name + " ", element("b"))));
+  }
+  [t.total_power, t.dynamic_power, t.static_power].forEach((w, i) => {
+    const figure = $("totals").children[i].lastChild;
+    if (figure.textContent !== watts(w)) figure.textContent = watts(w);
+  });
   const th = report.thermal;
-  $("thermal").textContent = `Junction ${th.junction_temperature.toFixed(2)} °C` +
+  const thermal = `Junction ${th.junction_temperature.toFixed(2)} °C` +
     (th.solved ? ` (ambient ${th.ambient_temperature} °C, θja ${th.theta_ja} °C/W${th.runaway ? ", thermal runaway" : ""})` : " (given)");
+  if ($("thermal").textContent !== thermal) $("thermal").textContent = thermal;
   // A large design may carry a thousand warnings that an edit seldom changes.
-  const warningKey = JSON.stringify([report.failures, report.warnings]);
-  if (warningKey !== state.warningKey) renderWarnings(report, warningKey);
+  const keys = { failures: JSON.stringify(report.failures), warnings: warningsKept ? state.keys.warnings : JSON.stringify(report.warnings) };
+  if (keys.failures !== state.keys.failures || keys.warnings !== state.keys.warnings) renderWarnings(report, keys);
   table($("rails"), ["rail", "V", "dynamic A", "static A", "total A", "W"],
     report.rails.map((r) => [r.rail, r.voltage.toFixed(3), r.dynamic_current.toFixed(4), r.static_current.toFixed(4),
-      r.total_current.toFixed(4) + (r.over_limit ? " OVER" : ""), r.power.toFixed(4)]));
+      r.total_current.toFixed(4) + (r.over_limit ? " OVER" : ""), r.power.toFixed(4)]),
+    report.rails.map((r) => (r.over_limit ? "over" : "")));
+  renderSupplies($("supplies"), report);
   table($("region-table"), ["region", "dynamic W", "static W", "total W"],
     report.regions.map((r) => [r.region, r.dynamic_power.toFixed(4), r.static_power.toFixed(4),
       (r.dynamic_power + r.static_power).toFixed(4)]));
   bars($("chart-regions"), report.regions.map((r) => [r.region, r.dynamic_power + r.static_power]));
   bars($("chart-rails"), report.rails.map((r) => [r.rail, r.power]));
+  scheduleCurve();
 }
 
-function renderWarnings(report, key) {
-  state.warningKey = key;
+function renderWarnings(report, keys) {
+  state.keys = keys;
   $("warnings").replaceChildren(
-    ...report.failures.map((f) => el("li", {}, "error: " + f)),
-    ...report.warnings.map((w) => el("li", {}, (w.block ? `${w.block}: ` : "") + (w.cell ? `${w.cell}: ` : "") + w.message)));
+    ...report.failures.map((f) => element("li", {}, "error: " + f)),
+    ...report.warnings.map((w) => element("li", {}, (w.block ? `${w.block}: ` : "") + (w.cell ? `${w.cell}: ` : "") + w.message)));
 }
 
-function table(node, head, rows) {
-  node.replaceChildren(el("tr", {}, ...head.map((h) => el("th", {}, h))),
-    ...rows.map((r) => el("tr", {}, ...r.map((c) => el("td", {}, c)))));
+// ---- static power against the junction temperature ------------------------------------------------
+
+// The curve costs a whole estimate of the design (the blocks once, the static sheet at eleven
+// temperatures): it is fetched once the edits pause, so typing never waits behind it.
+const CURVE_PAUSE_MS = 400;
+
+function scheduleCurve() {
+  clearTimeout(state.curveTimer);
+  state.curveTimer = setTimeout(refreshCurve, CURVE_PAUSE_MS);
 }
 
-const SVG = "http://www.w3.org/2000/svg";
-function svg(tag, attrs, text) {
-  const node = document.createElementNS(SVG, tag);
-  for (const [k, v] of Object.entries(attrs)) node.setAttribute(k, v);
-  if (text !== undefined) node.textContent = text;
-  return node;
-}
-
-// Horizontal bars, one per name, scaled to the largest.
-function bars(node, items) {
-  const width = 350, row = 16, left = 90;
-  node.setAttribute("viewBox", `0 0 ${width} ${Math.max(1, items.length) * row + 4}`);
-  node.style.height = `${(items.length * row + 4) / 16}rem`;
-  const top = Math.max(...items.map(([, v]) => v), 1e-12);
-  node.replaceChildren(...items.flatMap(([name, value], i) => [
-    svg("text", { x: left - 4, y: i * row + 12, "text-anchor": "end" }, name),
-    svg("rect", { x: left, y: i * row + 2, height: row - 4, width: Math.max(0, (value / top) * (width - left - 60)), fill: "#3b6fb6" }),
-    svg("text", { x: left + Math.max(0, (value / top) * (width - left - 60)) + 3, y: i * row + 12 }, value.toFixed(3)),
-  ]));
+async function refreshCurve() {
+  try {
+    const curve = await api("static-curve");
+    const figure = curve.points.length
+      ? lineChart("Static power (W) against junction temperature (°C)", curve.points,
+        curve.static_power === null ? null : [curve.junction_temperature, curve.static_power])
+      : element("p", {}, "No curve: the design names no static sheet, or its estimate is not complete.");
+    figure.id = "chart-static";
+    $("chart-static").replaceWith(figure);
+  } catch (e) {
+    status(e.message, true);
+  }
 }
 
 // ---- sweeps ----------------------------------------------------------------------------------------
@@ -262,7 +294,7 @@ function bars(node, items) {
 function refreshVariables() {
   const names = ["junction_temperature", "ambient_temperature", "theta_ja",
     ...state.report.rails.map((r) => "rail." + r.rail)];
-  $("sweep-variables").replaceChildren(...names.map((n) => el("option", { value: n })));
+  $("sweep-variables").replaceChildren(...names.map((n) => element("option", { value: n })));
 }
 
 async function runSweep() {
@@ -281,32 +313,11 @@ async function runSweep() {
   }
 }
 
-function lineChart(title, points) {
-  const w = 350, h = 170, l = 55, b = 20, t = 8;
-  const xs = points.map((p) => Number(p[0])), ys = points.filter((p) => p[1] !== null).map((p) => p[1]);
-  const numericX = xs.every((v) => Number.isFinite(v));
-  const x0 = numericX ? Math.min(...xs) : 0, x1 = numericX ? Math.max(...xs) : points.length - 1;
-  const y0 = Math.min(...ys), y1 = Math.max(...ys);
-  const sx = (v, i) => l + ((numericX ? v : i) - x0) / (x1 - x0 || 1) * (w - l - 10);
-  const sy = (v) => h - b - (v - y0) / (y1 - y0 || 1) * (h - b - t);
-  const path = points.map((p, i) => (p[1] === null ? null : `${sx(Number(p[0]), i)},${sy(p[1])}`)).filter(Boolean).join(" ");
-  const chart = svg("svg", { viewBox: `0 0 ${w} ${h}`, role: "img" });
-  chart.append(
-    svg("line", { x1: l, y1: h - b, x2: w - 10, y2: h - b, stroke: "#889" }),
-    svg("line", { x1: l, y1: t, x2: l, y2: h - b, stroke: "#889" }),
-    svg("text", { x: l - 4, y: t + 8, "text-anchor": "end" }, y1.toPrecision(4)),
-    svg("text", { x: l - 4, y: h - b, "text-anchor": "end" }, y0.toPrecision(4)),
-    svg("text", { x: l, y: h - 4 }, String(points[0][0])),
-    svg("text", { x: w - 10, y: h - 4, "text-anchor": "end" }, String(points[points.length - 1][0])),
-    svg("polyline", { points: path, fill: "none", stroke: "#c0392b", "stroke-width": 1.5 }));
-  return el("figure", {}, el("figcaption", {}, title), chart);
-}
-
 // ---- files -----------------------------------------------------------------------------------------
 
 async function refreshFiles() {
   const files = await api("files");
-  $("open-file").replaceChildren(...files.map((f) => el("option", { value: f }, f)));
+  $("open-file").replaceChildren(...files.map((f) => element("option", { value: f }, f)));
 }
 
 async function openFile() {
@@ -329,15 +340,17 @@ async function start() {
   const [design, report, sheets] = await Promise.all([api("design"), api("report"), api("sheets")]);
   state.design = design;
   state.sheets = sheets;
-  $("add-model").replaceChildren(...sheets.map((s) => el("option", { value: s.name, title: s.description }, `${s.name} (${s.region})`)));
+  $("add-model").replaceChildren(...sheets.map((s) => element("option", { value: s.name, title: s.description }, `${s.name} (${s.region})`)));
   $("save-file").value = design.source.endsWith(".json") ? design.source : "design.json";
   showReport(report, true);
+  // From the navigation to the first figures drawn, for the browser test to report.
+  requestAnimationFrame(() => setTimeout(() => { document.body.dataset.loadedMs = performance.now().toFixed(0); }));
   $("add").addEventListener("click", () => edit("blocks/add", { model: $("add-model").value, name: $("add-name").value || null }));
   $("sweep").addEventListener("click", runSweep);
   $("open").addEventListener("click", openFile);
   $("save").addEventListener("click", saveFile);
   refreshFiles();
-  for (const name of await api("downloads")) $("downloads").append(" ", el("a", { href: "api/" + name, download: "" }, name));
+  for (const name of await api("downloads")) $("downloads").append(" ", element("a", { href: "api/" + name, download: "" }, name));
 }
 
 start().catch((e) => status(e.message, true));

@@ -1,6 +1,7 @@
 // `prsm serve` over a socket: the server on a free loopback port, asked with httplib's client. Only
 // what needs the HTTP layer is here: names and origins that are not the server's own, the body cap,
-// the page built into the program, and a refused file name coming back as the API's answer.
+// the page built into the program, answers sent uncompressed, and a refused file name coming back as
+// the API's answer.
 #ifdef PRSM_HOST_CORE_LINKED
 
 #include <prsm/host/serve/OriginGuard.h>
@@ -56,6 +57,18 @@ TEST(ServeHttp, RefusesForeignNamesLargeBodiesAndPathsOutOfTheFolder) {
     EXPECT_EQ(client.Get("/api/report", {{"Host", "attacker.example:" + std::to_string(port)}})->status, 403);
     EXPECT_EQ(client.Get("/api/report", {{"Origin", "http://attacker.example"}})->status, 403);
     EXPECT_EQ(client.Get("/api/report", {{"Origin", "http://" + own}})->status, 200);
+
+    // A browser accepts compressed answers; compressing costs more than the loopback saves.
+    client.set_decompress(false);
+    for (char const* path : {"/api/report", "/app.js", "/"}) {
+        auto plain = client.Get(path, {{"Accept-Encoding", "gzip, deflate, br"}});
+        ASSERT_TRUE(plain);
+        EXPECT_EQ(plain->get_header_value("Content-Encoding"), "") << path;
+        EXPECT_EQ(plain->get_header_value("Content-Length"), std::to_string(plain->body.size())) << path;
+    }
+    auto const report = client.Get("/api/report", {{"Accept-Encoding", "br"}});
+    EXPECT_EQ(report->body.front(), '{');
+    EXPECT_EQ(report->get_header_value("Content-Security-Policy").rfind("default-src 'self'", 0), 0u);
 
     auto large = client.Post("/api/input", std::string(2000, ' '), "application/json");
     ASSERT_TRUE(large);
