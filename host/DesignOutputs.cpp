@@ -119,7 +119,8 @@ void DesignOutputs::addReportFigures(design::Design const& design, std::vector<s
     };
     if (budget.totalPower) limited("budget.total_power", "", "W");
     for (auto const& entry : budget.railCurrents) limited("budget.rail." + entry.first, entry.first, "A");
-    add(prefix + "budget.exceeded", CellType::Int, "", from, [budget](Report const& r) {
+    // A float, so that a corner without figures reads NaN rather than "within".
+    add(prefix + "budget.exceeded", CellType::Float, "", from, [budget](Report const& r) {
         return design::anyExceeded(design::checkBudget(budget, r)) ? 1.0 : 0.0;
     });
 }
