@@ -2,7 +2,6 @@
 #include <prsm/design/Rails.h>
 #include <prsm/host/DesignOutputs.h>
 
-#include <cmath>
 #include <limits>
 
 namespace prsm::host {
@@ -11,12 +10,19 @@ namespace {
 
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 
-std::vector<design::RailResult> const& railsOf(design::Report const& r) { return r.rails; }
-std::vector<design::RegionResult> const& regionsOf(design::Report const& r) { return r.regions; }
-std::vector<design::RegulatorLoad> const& regulatorsOf(design::Report const& r) { return r.regulators; }
+std::vector<design::RailResult> const& railsOf(design::Report const& r) {
+    return r.rails;
+}
+std::vector<design::RegionResult> const& regionsOf(design::Report const& r) {
+    return r.regions;
+}
+std::vector<design::RegulatorLoad> const& regulatorsOf(design::Report const& r) {
+    return r.regulators;
+}
 
 // The budget line of `rail` ("" for the total power) at this report.
-design::BudgetLine budgetLine(design::Budget const& budget, design::Report const& report, std::string const& rail) {
+design::BudgetLine budgetLine(design::Budget const& budget, design::Report const& report,
+                              std::string const& rail) {
     for (design::BudgetLine const& line : design::checkBudget(budget, report))
         if (line.rail == rail) return line;
     return {rail, kMissing, kMissing, false};
@@ -84,20 +90,22 @@ void DesignOutputs::addReportFigures(design::Design const& design, std::vector<s
                          {"static_current", "A", [](RailResult const& r) { return r.staticCurrent; }},
                          {"current", "A", [](RailResult const& r) { return r.totalCurrent; }},
                          {"power", "W", [](RailResult const& r) { return r.power; }}});
-    addRows<RegionResult>(prefix, from, "region", design::regionNames(), &RegionResult::region, regionsOf,
-                          {{"dynamic", "W", [](RegionResult const& r) { return r.dynamicPower; }},
-                           {"static", "W", [](RegionResult const& r) { return r.staticPower; }},
-                           {"total", "W", [](RegionResult const& r) { return r.dynamicPower + r.staticPower; }}});
+    addRows<RegionResult>(
+        prefix, from, "region", design::regionNames(), &RegionResult::region, regionsOf,
+        {{"dynamic", "W", [](RegionResult const& r) { return r.dynamicPower; }},
+         {"static", "W", [](RegionResult const& r) { return r.staticPower; }},
+         {"total", "W", [](RegionResult const& r) { return r.dynamicPower + r.staticPower; }}});
 
     // The supplies: the declared regulators, and what the board draws for them.
     std::vector<std::string> regulators;
     for (design::Regulator const& regulator : design.regulators) regulators.push_back(regulator.name);
-    addRows<RegulatorLoad>(prefix, from, "regulator", regulators, &RegulatorLoad::name, regulatorsOf,
-                           {{"load", "A", [](RegulatorLoad const& r) { return r.load; }},
-                            {"margin", "A", [](RegulatorLoad const& r) { return r.margin; }},
-                            {"loss", "W", [](RegulatorLoad const& r) { return r.loss; }},
-                            {"input_power", "W", [](RegulatorLoad const& r) { return r.inputPower; }},
-                            {"powerup_current", "A", [](RegulatorLoad const& r) { return r.powerupCurrent; }}});
+    addRows<RegulatorLoad>(
+        prefix, from, "regulator", regulators, &RegulatorLoad::name, regulatorsOf,
+        {{"load", "A", [](RegulatorLoad const& r) { return r.load; }},
+         {"margin", "A", [](RegulatorLoad const& r) { return r.margin; }},
+         {"loss", "W", [](RegulatorLoad const& r) { return r.loss; }},
+         {"input_power", "W", [](RegulatorLoad const& r) { return r.inputPower; }},
+         {"powerup_current", "A", [](RegulatorLoad const& r) { return r.powerupCurrent; }}});
     if (!regulators.empty()) {
         add(prefix + "supplies.input_power", CellType::Float, "W", from,
             [](Report const& r) { return r.supplyInputPower; });

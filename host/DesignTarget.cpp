@@ -128,7 +128,7 @@ design::Report const& DesignEvaluation::apply() {
     }
     if (inputsDropped) m_engine->clearInputs();
     if (railsDropped) m_engine->clearRailVoltages();  // the rails still set are set again below
-    if (loadsDropped) m_engine->clearLoads();          // likewise the loads
+    if (loadsDropped) m_engine->clearLoads();         // likewise the loads
     // Every input again when one was dropped or a `*.CELL` changed (it may cover a block's own
     // setting); otherwise only the inputs whose values changed.
     bool force = inputsDropped || m_applied.empty();
@@ -214,8 +214,8 @@ void DesignTarget::describe() {
     // A load's figure as the file gives it: a power, or a current that follows its rail's voltage.
     for (design::Load const& load : m_design.loads) {
         bool const current = load.current.has_value();
-        variable("load." + load.name + (current ? ".current" : ".power"), CellType::Float, current ? "A" : "W",
-                 {current ? Setting::LoadCurrent : Setting::LoadPower, {}, load.name});
+        variable("load." + load.name + (current ? ".current" : ".power"), CellType::Float,
+                 current ? "A" : "W", {current ? Setting::LoadCurrent : Setting::LoadPower, {}, load.name});
     }
 
     struct Shared {

@@ -36,7 +36,9 @@ TEST(DesignSweepSupplies, ALoadsPowerMovesItsRegulatorAndTheBudgetByHand) {
     DesignTarget const supplies = target("supplies.json");
     SweepResult const rows = runSweep(
         supplies, {}, gridPoints({parseValues(*supplies.findVariable("load.fabric.power"), "0.4,0.8,1.2")}),
-        selectOutputs(supplies, "rail.VCCINT.current,regulator.*,supplies.*,budget.*"));
+        selectOutputs(
+            supplies,
+            "rail.VCCINT.current,regulator.*,supplies.*,budget.*,corner.typical.regulator.CORE.load"));
     ASSERT_EQ(rows.rows, 3u);
     // CORE carries I = 0.6 + P / 0.8 A at efficiency 0.8 + 0.1 * I / 2 up to 2 A and 0.9 beyond (the
     // curve is flat past its last point), out 0.8 I W:
@@ -49,6 +51,8 @@ TEST(DesignSweepSupplies, ALoadsPowerMovesItsRegulatorAndTheBudgetByHand) {
         double const power = 0.4 * static_cast<double>(row + 1);
         EXPECT_NEAR(column(rows, "rail.VCCINT.current", row), current[row], 1e-6) << row;
         EXPECT_NEAR(column(rows, "regulator.CORE.load", row), current[row], 1e-6) << row;
+        // The file is at the typical corner (its rails given, its junction given): the same load there.
+        EXPECT_NEAR(column(rows, "corner.typical.regulator.CORE.load", row), current[row], 1e-6) << row;
         EXPECT_NEAR(column(rows, "regulator.CORE.margin", row), 2.0 - current[row], 1e-6) << row;
         EXPECT_NEAR(column(rows, "regulator.CORE.input_power", row), input[row], 1e-6) << row;
         EXPECT_NEAR(column(rows, "regulator.CORE.loss", row), input[row] - 0.8 * current[row], 1e-6) << row;
@@ -82,6 +86,9 @@ TEST(DesignSweepSupplies, ALoadGivenAsACurrentFollowsItsRailAndFallsBackToTheFil
     // At 2 V the same 0.42 A (the leakage is a current): 0.84 W out, 1.12 W in; the load draws 0.6 W.
     evaluation->set("rail.VCCAUX", "2");
     EXPECT_NEAR(auxInput(), 1.12, 1e-6);
+    // The typical corner keeps the rail the point gives and the file's junction: the same 1.12 W.
+    EXPECT_NEAR(std::strtod(evaluation->read("corner.typical.regulator.AUX.input_power").c_str(), nullptr),
+                1.12, 1e-6);
     EXPECT_NEAR(std::strtod(evaluation->read("load.aux.power").c_str(), nullptr), 0.6, 1e-6);
     // Dropped from the point, the load is the file's 0.2 A again: 0.64 W in.
     evaluation->reset();
@@ -94,7 +101,8 @@ TEST(DesignSweepSupplies, ALoadGivenAsACurrentFollowsItsRailAndFallsBackToTheFil
     EXPECT_MENTIONS(supplies.notAVariable("load.aux.power"), "; sweep load.aux.current");
     EXPECT_MENTIONS(supplies.notAVariable("load.fabrik.power"),
                     "has no load \"fabrik\" (did you mean fabric?) (loads: fabric, aux)");
-    EXPECT_MENTIONS(supplies.notAVariable("load.fabric"), "load \"fabric\": a load's variable names its figure");
+    EXPECT_MENTIONS(supplies.notAVariable("load.fabric"),
+                    "load \"fabric\": a load's variable names its figure");
     EXPECT_MENTIONS(supplies.outputsHint(), "(regulators: CORE, AUX)");
     EXPECT_MENTIONS(supplies.outputsHint(), "budget.total_power, budget.rail.VCCINT, each with .headroom");
 }
@@ -116,9 +124,10 @@ TEST(DesignSweepSupplies, CornerFiguresFollowTheSweptClockByHand) {
     SweepResult const rows =
         runSweep(corners, {}, gridPoints({parseValues(*corners.findVariable("core.CLOCK_FREQ"), "100,200")}),
                  selectOutputs(corners, "total_power,corner.*.total_power,corner.worst.budget.exceeded"));
-    // 100 MHz: typical P_dyn = 1e-9 * 0.5625 * 1e8 + 0.016 = 0.07225 W, worst 1e-9 * 0.64 * 1e8 + 0.016 = 0.08 W.
-    // 200 MHz: 0.1125 + 0.016 = 0.1285 W and 0.128 + 0.016 = 0.144 W.
-    double const typical[] = {solvedTotal(25, 0.07225, 0.535, 0.0107), solvedTotal(25, 0.1285, 0.535, 0.0107)};
+    // 100 MHz: typical P_dyn = 1e-9 * 0.5625 * 1e8 + 0.016 = 0.07225 W, worst 1e-9 * 0.64 * 1e8 + 0.016 =
+    // 0.08 W. 200 MHz: 0.1125 + 0.016 = 0.1285 W and 0.128 + 0.016 = 0.144 W.
+    double const typical[] = {solvedTotal(25, 0.07225, 0.535, 0.0107),
+                              solvedTotal(25, 0.1285, 0.535, 0.0107)};
     double const worst[] = {solvedTotal(45, 0.08, 0.56, 0.0112), solvedTotal(45, 0.144, 0.56, 0.0112)};
     for (std::size_t row = 0; row < 2; ++row) {
         // Within the solve's grid step of 1/16384 degC, times the leakage slope.
