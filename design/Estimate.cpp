@@ -167,6 +167,7 @@ void Estimator::State::setup() {
     givenRails = design.rails;
     givenVoltage = voltage;
     givenSource = voltageSource;
+    givenLoads = design.loads;
     for (Warning& warning : checkDevice(design, rails, voltage)) deviceWarnings.push_back(std::move(warning));
     maxJunction = catalogue::maxJunctionTemperature();
 
@@ -611,6 +612,34 @@ void Estimator::clearRailVoltages() {
         if (s.design.loads[i].current)
             s.design.loads[i].power = *s.design.loads[i].current * s.voltage[s.loadRail[i]];
     if (SheetRunner* sheet = s.staticSheet()) sheet->revalidate();
+}
+
+void Estimator::setLoad(std::string const& load, LoadFigure figure, double value) {
+    State& s = *m_state;
+    auto const found = std::find_if(s.design.loads.begin(), s.design.loads.end(),
+                                    [&](Load const& l) { return l.name == load; });
+    if (found == s.design.loads.end()) throw DesignError("no load \"" + load + "\" in " + s.design.source);
+    bool const asCurrent = found->current.has_value();
+    if (asCurrent != (figure == LoadFigure::Current))
+        throw DesignError("load \"" + load + "\" is given as a " + (asCurrent ? "current" : "power") +
+                          ", not as a " + (asCurrent ? "power" : "current"));
+    if (!std::isfinite(value)) throw DesignError("load \"" + load + "\": the value is not a number");
+    std::size_t const i = static_cast<std::size_t>(found - s.design.loads.begin());
+    if (asCurrent) {
+        found->current = value;
+        found->power = value * s.voltage[s.loadRail[i]];
+    } else {
+        found->power = value;
+    }
+}
+
+void Estimator::clearLoads() {
+    State& s = *m_state;
+    for (std::size_t i = 0; i < s.design.loads.size(); ++i) {
+        Load& load = s.design.loads[i];
+        load.current = s.givenLoads[i].current;
+        load.power = load.current ? *load.current * s.voltage[s.loadRail[i]] : s.givenLoads[i].power;
+    }
 }
 
 std::vector<std::pair<std::string, double>> Estimator::railVoltages() const {

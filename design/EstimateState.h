@@ -93,6 +93,7 @@ struct EstimateState {
     std::vector<std::pair<std::string, double>> givenRails;  // design.rails as the file gives them
     std::vector<double> givenVoltage;                        // the voltages set-up settled on
     std::vector<VoltageSource> givenSource;
+    std::vector<Load> givenLoads;  // design.loads as the file gives them
     std::vector<std::string> tags{""};
 
     // Every sheet of the design: the blocks in file order, then the static sheet and the board.

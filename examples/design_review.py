@@ -40,3 +40,15 @@ clock = f"{first}.CLOCK_FREQ"
 if clock in design.variables:
     swept = design.sweep({clock: np.linspace(100, 500, 5)}, outputs=["dynamic_power", "total_power"])
     print(swept.to_dataframe() if hasattr(report.blocks, "sort_values") else dict(swept))
+
+# %% The supplies: each rail's power-up current and held leakage, and, for a design that declares its
+# regulators, their loads and what the board draws for them as the first block's clock moves.
+supplies = report.supplies
+print(supplies.rails)
+if supplies.input_power is not None:
+    print(supplies.regulators)
+    print(f"board input {supplies.input_power:.3f} W, rails without a regulator {supplies.unregulated_power:.3f} W")
+    if clock in design.variables:
+        loads = [name for name in design.outputs if name.startswith("regulator.") and name.endswith(".load")]
+        swept = design.sweep({clock: np.linspace(100, 500, 5)}, outputs=loads + ["supplies.input_power"])
+        print(swept.to_dataframe() if hasattr(report.blocks, "sort_values") else dict(swept))

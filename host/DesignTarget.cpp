@@ -1,6 +1,6 @@
 #include <prsm/design/Estimate.h>
-#include <prsm/design/Rails.h>
 #include <prsm/framework/PRSMException.h>
+#include <prsm/host/DesignPoint.h>
 #include <prsm/host/DesignTarget.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Suggest.h>
@@ -18,8 +18,8 @@ namespace prsm::host {
 namespace {
 
 constexpr char const* kVariableForms =
-    "a design's variables are BLOCK.CELL, static.CELL, board.CELL, *.CELL, rail.RAIL, device.process, "
-    "junction_temperature, ambient_temperature and theta_ja";
+    "a design's variables are BLOCK.CELL, static.CELL, board.CELL, *.CELL, rail.RAIL, load.NAME.power, "
+    "load.NAME.current, device.process, junction_temperature, ambient_temperature and theta_ja";
 
 // Runs `body`, turning the engine's and the library's exceptions into HostError.
 template <typename Body>
@@ -33,18 +33,6 @@ auto guarded(Body&& body) {
     }
 }
 
-design::RailResult const* findRail(design::Report const& report, std::string const& rail) {
-    for (design::RailResult const& r : report.rails)
-        if (r.rail == rail) return &r;
-    return nullptr;
-}
-
-design::RegionResult const* findRegion(design::Report const& report, std::string const& region) {
-    for (design::RegionResult const& r : report.regions)
-        if (r.region == region) return &r;
-    return nullptr;
-}
-
 std::string numberText(double value) {
     char text[40];
     std::snprintf(text, sizeof text, "%.17g", value);
@@ -55,8 +43,8 @@ std::string numberText(double value) {
 
 DesignEvaluation::DesignEvaluation(design::Design const& design,
                                    std::map<std::string, DesignTarget::Setting> const& settings,
-                                   std::map<std::string, DesignTarget::Reader> const& readers)
-    : m_design(design), m_settings(settings), m_readers(readers), m_thermal(design.thermal) {
+                                   DesignOutputs const& outputs)
+    : m_design(design), m_settings(settings), m_outputs(outputs), m_thermal(design.thermal) {
     std::string const* process = design.device.find("process");
     m_engine = &engineFor(process ? *process : "");
 }
@@ -84,6 +72,7 @@ design::Estimator& DesignEvaluation::engineFor(std::string const& process) {
 
 void DesignEvaluation::evaluate() {
     design::Report const& report = apply();
+    m_corners.reset();
     m_note.clear();
     // A runaway is an answer, not a failure: the sweep keeps the row (the heat-sink boundary a user
     // sweeps theta_ja for), without figures.
@@ -99,8 +88,16 @@ void DesignEvaluation::evaluate() {
 }
 
 std::string DesignEvaluation::read(std::string const& name) {
-    double const value = m_readers.at(name)(*m_report);
-    if (name == "thermal_iterations") return std::to_string(static_cast<long long>(value));
+    DesignOutput const& output = m_outputs.at(name);
+    design::Report const* report = m_report;
+    if (output.from != ReportOf::Point) {
+        // Two estimates from scratch, each corner with engines of its own: only when a corner is asked for.
+        if (!m_corners) m_corners = design::estimateCorners(designAtPoint(m_design, m_settings, m_applied));
+        report = output.from == ReportOf::TypicalCorner ? &m_corners->typical : &m_corners->worst;
+    }
+    double const value = report->complete ? output.read(*report) : std::nan("");
+    if (output.quantity.type == CellType::Int && std::isfinite(value))
+        return std::to_string(static_cast<long long>(value));
     return numberText(value);
 }
 
@@ -117,17 +114,21 @@ design::Report const& DesignEvaluation::apply() {
         m_engine = engine;
         m_engine->clearInputs();
         m_engine->clearRailVoltages();
+        m_engine->clearLoads();
         m_applied.clear();
     }
-    bool inputsDropped = false, railsDropped = false;
+    bool inputsDropped = false, railsDropped = false, loadsDropped = false;
     for (auto const& [name, text] : m_applied) {
         if (m_pending.count(name) != 0) continue;
-        DesignTarget::Setting const& setting = m_settings.at(name);
-        if (setting.kind == DesignTarget::Setting::Input) inputsDropped = true;
-        if (setting.kind == DesignTarget::Setting::Rail) railsDropped = true;
+        DesignTarget::Setting::Kind const kind = m_settings.at(name).kind;
+        if (kind == DesignTarget::Setting::Input) inputsDropped = true;
+        if (kind == DesignTarget::Setting::Rail) railsDropped = true;
+        if (kind == DesignTarget::Setting::LoadPower || kind == DesignTarget::Setting::LoadCurrent)
+            loadsDropped = true;
     }
     if (inputsDropped) m_engine->clearInputs();
     if (railsDropped) m_engine->clearRailVoltages();  // the rails still set are set again below
+    if (loadsDropped) m_engine->clearLoads();         // likewise the loads
     // Every input again when one was dropped or a `*.CELL` changed (it may cover a block's own
     // setting); otherwise only the inputs whose values changed.
     bool force = inputsDropped || m_applied.empty();
@@ -153,6 +154,12 @@ design::Report const& DesignEvaluation::apply() {
                 }
                 case DesignTarget::Setting::Rail:
                     m_engine->setRailVoltage(setting.name, number);
+                    break;
+                case DesignTarget::Setting::LoadPower:
+                    m_engine->setLoad(setting.name, design::Estimator::LoadFigure::Power, number);
+                    break;
+                case DesignTarget::Setting::LoadCurrent:
+                    m_engine->setLoad(setting.name, design::Estimator::LoadFigure::Current, number);
                     break;
                 case DesignTarget::Setting::Junction:
                     thermal.junction = number;
@@ -204,6 +211,12 @@ void DesignTarget::describe() {
     variable("device.process", CellType::String, "", {Setting::Process, {}, {}});
     for (auto const& [rail, volts] : rails)
         variable("rail." + rail, CellType::Float, "V", {Setting::Rail, {}, rail});
+    // A load's figure as the file gives it: a power, or a current that follows its rail's voltage.
+    for (design::Load const& load : m_design.loads) {
+        bool const current = load.current.has_value();
+        variable("load." + load.name + (current ? ".current" : ".power"), CellType::Float,
+                 current ? "A" : "W", {current ? Setting::LoadCurrent : Setting::LoadPower, {}, load.name});
+    }
 
     struct Shared {
         CellType type;
@@ -241,69 +254,34 @@ void DesignTarget::describe() {
             variable("*." + cell, shared.type, shared.unit, {Setting::Input, shared.blocks, cell});
     }
 
-    auto output = [&](std::string const& name, CellType type, std::string const& unit, Reader reader) {
-        m_outputs.push_back({name, type, unit});
-        m_readers.emplace(name, std::move(reader));
-    };
-    output("total_power", CellType::Float, "W", [](design::Report const& r) { return r.totalPower; });
-    output("dynamic_power", CellType::Float, "W", [](design::Report const& r) { return r.dynamicPower; });
-    output("static_power", CellType::Float, "W", [](design::Report const& r) { return r.staticPower; });
-    output("junction_temperature", CellType::Float, "degC",
-           [](design::Report const& r) { return r.thermal.junction; });
-    m_totals = m_outputs;
-    output("thermal_iterations", CellType::Int, "count",
-           [](design::Report const& r) { return static_cast<double>(r.thermal.iterations); });
-    for (auto const& [rail, volts] : rails) {
-        std::string const name = rail;  // a copy the readers keep
-        auto railOutput = [&](std::string const& figure, std::string const& unit,
-                              double design::RailResult::*member) {
-            output("rail." + name + "." + figure, CellType::Float, unit,
-                   [name, member](design::Report const& r) {
-                       design::RailResult const* found = findRail(r, name);
-                       return found ? found->*member : 0.0;
-                   });
-        };
-        railOutput("voltage", "V", &design::RailResult::voltage);
-        railOutput("dynamic_current", "A", &design::RailResult::dynamicCurrent);
-        railOutput("static_current", "A", &design::RailResult::staticCurrent);
-        railOutput("current", "A", &design::RailResult::totalCurrent);
-        railOutput("power", "W", &design::RailResult::power);
+    std::vector<std::string> railNames;
+    for (auto const& [rail, volts] : rails) railNames.push_back(rail);
+    m_outputs.emplace(m_design, railNames);
+}
+
+// `load.NAME.FIGURE` that is no variable: an unknown load, or a figure the file does not give it as.
+std::string DesignTarget::notALoadFigure(std::string const& name) const {
+    std::size_t const dot = name.rfind('.');  // a load's name may hold dots; its figure cannot
+    bool const hasFigure = dot > 4;
+    std::string const load = hasFigure ? name.substr(5, dot - 5) : name.substr(5);
+    std::string const figure = hasFigure ? name.substr(dot + 1) : "";
+    std::vector<std::string> loads;
+    std::string known;
+    for (design::Load const& l : m_design.loads) {
+        if (l.name == load) {
+            std::string const given = l.current ? "current" : "power";
+            std::string const why = figure.empty() ? "a load's variable names its figure"
+                                    : figure == "power" || figure == "current"
+                                        ? "it is given as a " + given + " in " + m_design.source
+                                        : "a load has no figure " + figure;
+            return "load \"" + load + "\": " + why + "; sweep load." + load + "." + given;
+        }
+        loads.push_back(l.name);
+        known += (known.empty() ? "" : ", ") + l.name;
     }
-    for (std::string const& region : design::regionNames()) {
-        auto regionOutput = [&](std::string const& figure, double dynamicShare, double staticShare) {
-            output("region." + region + "." + figure, CellType::Float, "W",
-                   [region, dynamicShare, staticShare](design::Report const& r) {
-                       design::RegionResult const* found = findRegion(r, region);
-                       return found ? dynamicShare * found->dynamicPower + staticShare * found->staticPower
-                                    : 0.0;
-                   });
-        };
-        regionOutput("dynamic", 1, 0);
-        regionOutput("static", 0, 1);
-        regionOutput("total", 1, 1);
-    }
-    if (m_design.board)
-        output("board.total_power", CellType::Float, "W",
-               [](design::Report const& r) { return r.board ? r.board->totalPower : std::nan(""); });
-    // Each budget's headroom, its limit less the figure: negative at a point that exceeds it.
-    if (std::optional<double> const limit = m_design.budget.totalPower)
-        output("budget.total_power.headroom", CellType::Float, "W",
-               [limit = *limit](design::Report const& r) { return limit - r.totalPower; });
-    for (auto const& [rail, limit] : m_design.budget.railCurrents)
-        output("budget.rail." + rail + ".headroom", CellType::Float, "A",
-               [rail = rail, limit = limit](design::Report const& r) {
-                   design::RailResult const* found = findRail(r, rail);
-                   return limit - (found ? found->totalCurrent : 0.0);
-               });
-    for (std::size_t i = 0; i < m_design.blocks.size(); ++i)
-        output("block." + m_design.blocks[i].name + ".power", CellType::Float, "W",
-               [i](design::Report const& r) { return r.blocks.at(i).power; });
-    for (std::size_t i = 0; i < m_design.loads.size(); ++i) {
-        if (m_design.loads[i].name.empty()) continue;
-        std::size_t const at = m_design.blocks.size() + i;
-        output("load." + m_design.loads[i].name + ".power", CellType::Float, "W",
-               [at](design::Report const& r) { return r.blocks.at(at).power; });
-    }
+    return m_design.source + " has no load \"" + load + "\"" + didYouMean(suggestNames(load, loads)) +
+           (known.empty() ? " (it has none)" : " (loads: " + known + ")") +
+           "; a load's variable is load.NAME.power or load.NAME.current, as the file gives the load";
 }
 
 std::string DesignTarget::notAVariable(std::string const& variable) const {
@@ -312,6 +290,9 @@ std::string DesignTarget::notAVariable(std::string const& variable) const {
     std::size_t const dot = name.rfind('.');
     if (dot != std::string::npos) {
         std::string const block = name.substr(0, dot), cell = name.substr(dot + 1);
+        bool const loadBlock = std::any_of(m_design.blocks.begin(), m_design.blocks.end(),
+                                           [](design::Block const& b) { return b.name == "load"; });
+        if (name.compare(0, 5, "load.") == 0 && !loadBlock) return notALoadFigure(name);
         if (block == "rail") {
             std::string used;
             for (Quantity const& variable : m_variables)
@@ -358,10 +339,26 @@ std::string DesignTarget::notAVariable(std::string const& variable) const {
 }
 
 std::string DesignTarget::outputsHint() const {
-    return "a design's outputs are total_power, dynamic_power, static_power, junction_temperature, "
-           "thermal_iterations, rail.RAIL.{voltage,dynamic_current,static_current,current,power}, "
-           "region.REGION.{dynamic,static,total}, block.NAME.power, load.NAME.power, board.total_power (on a module board) and, for a design with a "
-           "budget, budget.total_power.headroom and budget.rail.RAIL.headroom";
+    auto names = [](auto const& entries) {
+        std::string list;
+        for (auto const& entry : entries) list += (list.empty() ? "" : ", ") + entry.name;
+        return list;
+    };
+    std::string hint =
+        "a design's outputs are total_power, dynamic_power, static_power, junction_temperature, "
+        "thermal_iterations, rail.RAIL.{voltage,dynamic_current,static_current,current,power}, "
+        "region.REGION.{dynamic,static,total}, block.NAME.power, load.NAME.power";
+    if (m_design.board) hint += ", board.total_power";
+    if (!m_design.regulators.empty())
+        hint += ", regulator.NAME.{load,margin,loss,input_power,powerup_current} (regulators: " +
+                names(m_design.regulators) + "), supplies.{input_power,unregulated_power}";
+    if (!m_design.budget.empty()) {
+        std::string limited = m_design.budget.totalPower ? "budget.total_power" : "";
+        for (auto const& entry : m_design.budget.railCurrents)
+            limited += (limited.empty() ? "budget.rail." : ", budget.rail.") + entry.first;
+        hint += ", " + limited + ", each with .headroom, budget.exceeded";
+    }
+    return hint + "; and the report's figures at either corner: corner.typical.NAME, corner.worst.NAME";
 }
 
 std::string DesignTarget::conflict(std::vector<std::string> const& names) const {
@@ -377,7 +374,7 @@ std::unique_ptr<TargetEvaluation> DesignTarget::create() const {
 }
 
 std::unique_ptr<DesignEvaluation> DesignTarget::createDesign() const {
-    return guarded([&] { return std::make_unique<DesignEvaluation>(m_design, m_settings, m_readers); });
+    return guarded([&] { return std::make_unique<DesignEvaluation>(m_design, m_settings, *m_outputs); });
 }
 
 }  // namespace prsm::host

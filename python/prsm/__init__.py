@@ -17,9 +17,9 @@ command line prints.
 """
 
 from ._core import Cell, DataError, Error, InputError, _Design, _Sheet, data_dir, models
-from ._results import InputWarning, Report, SweepResult, design_warning_text, warn_invalid
+from ._results import InputWarning, Report, Supplies, SweepResult, design_warning_text, warn_invalid
 
-__all__ = ["Cell", "DataError", "Design", "Error", "InputError", "InputWarning", "Report", "Sheet",
+__all__ = ["Cell", "DataError", "Design", "Error", "InputError", "InputWarning", "Report", "Sheet", "Supplies",
            "SweepResult", "data_dir", "models"]
 
 

@@ -2,6 +2,7 @@
 lists of dicts otherwise, and an HTML view (`_repr_html_`) either way."""
 
 import html as _html
+import typing as _typing
 import warnings as _warnings
 
 
@@ -26,6 +27,8 @@ def _table(rows):
 def _cell(value):
     if value is None:
         return ""
+    if isinstance(value, list):  # a regulator's rails
+        return _html.escape(" ".join(str(v) for v in value))
     return _html.escape(f"{value:.6g}" if isinstance(value, float) else str(value))
 
 
@@ -53,11 +56,27 @@ def design_warning_text(warning):
     return f'block "{warning["block"]}": {cell}{warning["message"]}'
 
 
+class Supplies(_typing.NamedTuple):
+    """How the design is supplied: its declared regulators (a table: name, rails, rating, load, margin,
+    over_rating, powerup_current, output_power, efficiency, input_power, loss), each rail as a supply
+    (a table: rail, voltage, total_current, powerup_current, counted_in) and what the board draws for
+    the regulators and for the rails none of them feeds (W; None when the design declares none)."""
+
+    regulators: object
+    rails: object
+    input_power: _typing.Optional[float]
+    unregulated_power: _typing.Optional[float]
+
+
+_SUPPLY_RAIL_KEYS = ("rail", "voltage", "total_current", "powerup_current", "counted_in")
+
+
 class Report(dict):
     """A design's report: the object `prsm estimate --json` prints, with its tables at hand.
 
     `rails`, `blocks` and `regions` are DataFrames when pandas is installed (lists of dicts otherwise);
-    a block's per-rail power becomes one column per rail, "rails.VCCINT".
+    a block's per-rail power becomes one column per rail, "rails.VCCINT". `supplies` gathers the
+    regulators and the rails as supplies.
     """
 
     def _rows(self, section):
@@ -86,16 +105,34 @@ class Report(dict):
     def totals(self):
         return self["totals"]
 
+    def _supply_rows(self):
+        return [{key: rail.get(key) for key in _SUPPLY_RAIL_KEYS} for rail in self.get("rails", [])]
+
+    @property
+    def supplies(self):
+        declared = self.get("supplies", {})
+        return Supplies(regulators=_table([dict(r) for r in declared.get("regulators", [])]),
+                        rails=_table(self._supply_rows()), input_power=declared.get("input_power"),
+                        unregulated_power=declared.get("unregulated_power"))
+
     def _repr_html_(self):
         totals = [{"quantity": name, "W": value} for name, value in self["totals"].items()]
         warnings = [{"warning": design_warning_text(w)} for w in self["warnings"]]
         failures = [{"failure": f} for f in self["failures"]]
+        declared = self.get("supplies", {})
+        supply_totals = [{"quantity": name, "W": declared[name]}
+                         for name in ("input_power", "unregulated_power") if name in declared]
+        # Only the rails a supply must know more about: a power-up current, or leakage held elsewhere.
+        supply_rails = [row for row in self._supply_rows()
+                        if row["powerup_current"] or row["counted_in"] is not None]
         return "".join([
             f"<p><b>{_html.escape(str(self['design']))}</b>, junction "
             f"{self['thermal']['junction_temperature']:.1f} degC</p>",
             _html_table(failures, "failures"), _html_table(totals, "totals"), _html_table(warnings, "warnings"),
             _html_table(self._rows("rails"), "rails"), _html_table(self._rows("regions"), "regions"),
-            _html_table(self._rows("blocks"), "blocks")])
+            _html_table(self._rows("blocks"), "blocks"),
+            _html_table(declared.get("regulators", []), "regulators"), _html_table(supply_totals, "supplies"),
+            _html_table(supply_rails, "rails as supplies")])
 
 
 class SweepResult(dict):

@@ -110,3 +110,58 @@ def test_invalid_inputs_warn_as_the_command_line_prints_them(tmp_path):
         printed = [line.removeprefix("prsm: warning: ") for line in done.stderr.splitlines()
                    if line.startswith("prsm: warning: ")]
         assert printed == texts
+
+
+# The logic block alone at 85 degC, no leakage sheet: VCCINT carries the block's power and the PHY's.
+SUPPLIED = dict(LOGIC,
+                loads=[{"name": "phy", "rail": "VCCINT", "power": 0.5, "region": "io"}],
+                regulators=[{"name": "CORE", "rails": ["VCCINT"], "rating": 0.7, "efficiency": 0.9}],
+                budget={"total_power": 0.9})
+
+
+def test_supplies_are_tables_and_a_load_swept_moves_its_regulator(run_python):
+    design = prsm.Design.from_dict(SUPPLIED)
+    report = design.estimate()
+    logic = report["blocks"][0]["rails"]["VCCINT"]  # W, the block's own figure
+    supplies = report.supplies
+    # CORE carries (logic + 0.5 W) / 0.8 V; at 0.9 it draws its output over 0.9 from the board.
+    current = (logic + 0.5) / 0.8
+    (core,) = supplies.regulators.to_dict("records") if hasattr(supplies.regulators, "to_dict") \
+        else supplies.regulators
+    assert core["name"] == "CORE" and core["rails"] == ["VCCINT"]
+    assert core["load"] == pytest.approx(current, rel=1e-9)
+    assert core["margin"] == pytest.approx(0.7 - current, rel=1e-9)
+    assert supplies.input_power == pytest.approx(0.8 * current / 0.9, rel=1e-9)
+    rails = supplies.rails.to_dict("records") if hasattr(supplies.rails, "to_dict") else supplies.rails
+    assert [r["rail"] for r in rails] == [r["rail"] for r in report["rails"]]
+    assert all(r["counted_in"] is None for r in rails)  # no leakage sheet holds one rail in another
+
+    # The load stepping by 0.5 W moves CORE by 0.5 / 0.8 = 0.625 A and its input by 0.5 / 0.9 W; the
+    # 0.9 W budget holds the total (logic + load) until the load passes 0.9 W - logic.
+    steps = [0.5, 1.0, 1.5]
+    swept = design.sweep({"load.phy.power": steps},
+                         outputs=["regulator.CORE.load", "regulator.CORE.input_power", "supplies.input_power",
+                                  "budget.total_power", "budget.exceeded"])
+    for i, power in enumerate(steps):
+        assert swept["regulator.CORE.load"][i] == pytest.approx((logic + power) / 0.8, rel=1e-6)
+        assert swept["supplies.input_power"][i] == pytest.approx((logic + power) / 0.9, rel=1e-6)
+        assert swept["budget.total_power"][i] == pytest.approx(logic + power, rel=1e-6)
+        assert swept["budget.exceeded"][i] == (1 if logic + power > 0.9 else 0)
+    assert swept["regulator.CORE.input_power"][1] - swept["regulator.CORE.input_power"][0] == \
+        pytest.approx(0.5 / 0.9, rel=1e-5)
+    with pytest.raises(prsm.InputError, match=r'load "phy": it is given as a power'):
+        design.set("load.phy.current", 1)
+
+    page = report._repr_html_()
+    for caption in ("regulators", "supplies"):
+        assert f"<caption>{caption}</caption>" in page
+    assert "<td>CORE</td><td>VCCINT</td>" in page  # a regulator with its rails as text
+
+    # Without pandas the supplies are lists of dicts.
+    done = run_python(
+        "import sys; sys.modules['pandas'] = None\n"
+        "import prsm\n"
+        f"supplies = prsm.Design.from_dict({SUPPLIED!r}).estimate().supplies\n"
+        "assert isinstance(supplies.regulators, list) and supplies.regulators[0]['name'] == 'CORE'\n"
+        "assert isinstance(supplies.rails, list) and supplies.unregulated_power is not None\n")
+    assert done.returncode == 0, done.stderr

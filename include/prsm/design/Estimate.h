@@ -171,6 +171,14 @@ public:
     void setRailVoltage(std::string const& rail, double volts);
     // Back to the file's rail voltages: every setRailVoltage since is undone.
     void clearRailVoltages();
+    // An extra load's figure, as if the file gave it: its power (W) for a load the file gives as a power,
+    // its current (A, converted with its rail's voltage) for one given as a current. Only the sums of the
+    // next update() change; no block recalculates. Throws DesignError for an unknown load, the figure the
+    // load is not given as, or a value that is not finite.
+    enum class LoadFigure { Power, Current };
+    void setLoad(std::string const& load, LoadFigure figure, double value);
+    // Back to the file's loads: every setLoad since is undone.
+    void clearLoads();
     // Every rail in use, in the engine's order, with its voltage.
     std::vector<std::pair<std::string, double>> railVoltages() const;
 

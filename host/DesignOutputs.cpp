@@ -1,0 +1,136 @@
+#include <prsm/design/Budget.h>
+#include <prsm/design/Rails.h>
+#include <prsm/host/DesignOutputs.h>
+
+#include <limits>
+
+namespace prsm::host {
+
+namespace {
+
+constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
+
+std::vector<design::RailResult> const& railsOf(design::Report const& r) {
+    return r.rails;
+}
+std::vector<design::RegionResult> const& regionsOf(design::Report const& r) {
+    return r.regions;
+}
+std::vector<design::RegulatorLoad> const& regulatorsOf(design::Report const& r) {
+    return r.regulators;
+}
+
+// The budget line of `rail` ("" for the total power) at this report.
+design::BudgetLine budgetLine(design::Budget const& budget, design::Report const& report,
+                              std::string const& rail) {
+    for (design::BudgetLine const& line : design::checkBudget(budget, report))
+        if (line.rail == rail) return line;
+    return {rail, kMissing, kMissing, false};
+}
+
+}  // namespace
+
+template <typename Row>
+void DesignOutputs::addRows(std::string const& prefix, ReportOf from, std::string const& kind,
+                            std::vector<std::string> const& names, std::string Row::*key,
+                            std::vector<Row> const& (*rows)(design::Report const&),
+                            std::vector<RowFigure<Row>> const& figures) {
+    for (std::string const& name : names)
+        for (RowFigure<Row> const& figure : figures)
+            add(prefix + kind + "." + name + "." + figure.figure, CellType::Float, figure.unit, from,
+                [name, key, rows, value = figure.value](design::Report const& report) {
+                    for (Row const& row : rows(report))
+                        if (row.*key == name) return value(row);
+                    return kMissing;
+                });
+}
+
+DesignOutputs::DesignOutputs(design::Design const& design, std::vector<std::string> const& rails) {
+    addReportFigures(design, rails, "", ReportOf::Point);
+    add("thermal_iterations", CellType::Int, "count", ReportOf::Point,
+        [](design::Report const& r) { return static_cast<double>(r.thermal.iterations); });
+    if (design.board)
+        add("board.total_power", CellType::Float, "W", ReportOf::Point,
+            [](design::Report const& r) { return r.board ? r.board->totalPower : kMissing; });
+    // Blocks and loads by their place in the report: the blocks in file order, then the loads.
+    for (std::size_t i = 0; i < design.blocks.size(); ++i)
+        add("block." + design.blocks[i].name + ".power", CellType::Float, "W", ReportOf::Point,
+            [i](design::Report const& r) { return r.blocks.at(i).power; });
+    for (std::size_t i = 0; i < design.loads.size(); ++i) {
+        std::size_t const at = design.blocks.size() + i;
+        add("load." + design.loads[i].name + ".power", CellType::Float, "W", ReportOf::Point,
+            [at](design::Report const& r) { return r.blocks.at(at).power; });
+    }
+    addReportFigures(design, rails, "corner.typical.", ReportOf::TypicalCorner);
+    addReportFigures(design, rails, "corner.worst.", ReportOf::WorstCorner);
+}
+
+void DesignOutputs::add(std::string const& name, CellType type, std::string const& unit, ReportOf from,
+                        std::function<double(design::Report const&)> read) {
+    m_quantities.push_back({name, type, unit});
+    m_outputs.emplace(name, DesignOutput{m_quantities.back(), from, std::move(read)});
+}
+
+void DesignOutputs::addReportFigures(design::Design const& design, std::vector<std::string> const& rails,
+                                     std::string const& prefix, ReportOf from) {
+    using design::RailResult;
+    using design::RegionResult;
+    using design::RegulatorLoad;
+    using design::Report;
+    add(prefix + "total_power", CellType::Float, "W", from, [](Report const& r) { return r.totalPower; });
+    add(prefix + "dynamic_power", CellType::Float, "W", from, [](Report const& r) { return r.dynamicPower; });
+    add(prefix + "static_power", CellType::Float, "W", from, [](Report const& r) { return r.staticPower; });
+    add(prefix + "junction_temperature", CellType::Float, "degC", from,
+        [](Report const& r) { return r.thermal.junction; });
+    if (from == ReportOf::Point) m_totals = m_quantities;
+
+    addRows<RailResult>(prefix, from, "rail", rails, &RailResult::rail, railsOf,
+                        {{"voltage", "V", [](RailResult const& r) { return r.voltage; }},
+                         {"dynamic_current", "A", [](RailResult const& r) { return r.dynamicCurrent; }},
+                         {"static_current", "A", [](RailResult const& r) { return r.staticCurrent; }},
+                         {"current", "A", [](RailResult const& r) { return r.totalCurrent; }},
+                         {"power", "W", [](RailResult const& r) { return r.power; }}});
+    addRows<RegionResult>(
+        prefix, from, "region", design::regionNames(), &RegionResult::region, regionsOf,
+        {{"dynamic", "W", [](RegionResult const& r) { return r.dynamicPower; }},
+         {"static", "W", [](RegionResult const& r) { return r.staticPower; }},
+         {"total", "W", [](RegionResult const& r) { return r.dynamicPower + r.staticPower; }}});
+
+    // The supplies: the declared regulators, and what the board draws for them.
+    std::vector<std::string> regulators;
+    for (design::Regulator const& regulator : design.regulators) regulators.push_back(regulator.name);
+    addRows<RegulatorLoad>(
+        prefix, from, "regulator", regulators, &RegulatorLoad::name, regulatorsOf,
+        {{"load", "A", [](RegulatorLoad const& r) { return r.load; }},
+         {"margin", "A", [](RegulatorLoad const& r) { return r.margin; }},
+         {"loss", "W", [](RegulatorLoad const& r) { return r.loss; }},
+         {"input_power", "W", [](RegulatorLoad const& r) { return r.inputPower; }},
+         {"powerup_current", "A", [](RegulatorLoad const& r) { return r.powerupCurrent; }}});
+    if (!regulators.empty()) {
+        add(prefix + "supplies.input_power", CellType::Float, "W", from,
+            [](Report const& r) { return r.supplyInputPower; });
+        add(prefix + "supplies.unregulated_power", CellType::Float, "W", from,
+            [](Report const& r) { return r.unregulatedPower; });
+    }
+
+    // The budget: each limited figure as it is held against its limit, its headroom (negative past the
+    // limit) and the verdict, 1 when any figure exceeds its limit.
+    if (design.budget.empty()) return;
+    design::Budget const& budget = design.budget;
+    auto limited = [&](std::string const& name, std::string const& rail, char const* unit) {
+        add(prefix + name, CellType::Float, unit, from,
+            [budget, rail](Report const& r) { return budgetLine(budget, r, rail).value; });
+        add(prefix + name + ".headroom", CellType::Float, unit, from, [budget, rail](Report const& r) {
+            design::BudgetLine const line = budgetLine(budget, r, rail);
+            return line.limit - line.value;
+        });
+    };
+    if (budget.totalPower) limited("budget.total_power", "", "W");
+    for (auto const& entry : budget.railCurrents) limited("budget.rail." + entry.first, entry.first, "A");
+    // A float, so that a corner without figures reads NaN rather than "within".
+    add(prefix + "budget.exceeded", CellType::Float, "", from, [budget](Report const& r) {
+        return design::anyExceeded(design::checkBudget(budget, r)) ? 1.0 : 0.0;
+    });
+}
+
+}  // namespace prsm::host

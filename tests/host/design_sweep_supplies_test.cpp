@@ -1,0 +1,146 @@
+// A design sweep over its extra loads, read through the supplies, the budget and the corners, every
+// figure by hand on the test-only sheets. TestLeakage (TESTDEV): I_VCCINT = 0.5 + 0.01 (t - 25) A,
+// I_VCCAUX = 0.1 + 0.002 (t - 25) A, t = Tj - 2 degC/W * P_logic; TestLoad: C V^2 f on VCCINT,
+// AUX_MILLIAMPS on VCCAUX.
+#ifdef PRSM_HOST_CORE_LINKED
+
+#include <prsm/design/Design.h>
+#include <prsm/host/DesignTarget.h>
+#include <prsm/host/Sweep.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+namespace prsm::host {
+namespace {
+
+#define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
+
+DesignTarget target(char const* file) {
+    return DesignTarget(design::readDesignFile(std::string(PRSM_TEST_DESIGNDIR) + "/" + file));
+}
+
+double column(SweepResult const& result, std::string const& name, std::size_t row) {
+    for (Column const& c : result.outputs)
+        if (c.quantity.name == name) return c.numbers.at(row);
+    ADD_FAILURE() << "no column " << name;
+    return 0;
+}
+
+// supplies.json at Tj 35 degC, its loads in the noc region (no logic heating): VCCINT leaks
+// 0.5 + 0.01 * 10 = 0.6 A, VCCAUX 0.1 + 0.002 * 10 = 0.12 A; static power 0.8 * 0.6 + 1.5 * 0.12 = 0.66 W.
+TEST(DesignSweepSupplies, ALoadsPowerMovesItsRegulatorAndTheBudgetByHand) {
+    DesignTarget const supplies = target("supplies.json");
+    SweepResult const rows = runSweep(
+        supplies, {}, gridPoints({parseValues(*supplies.findVariable("load.fabric.power"), "0.4,0.8,1.2")}),
+        selectOutputs(
+            supplies,
+            "rail.VCCINT.current,regulator.*,supplies.*,budget.*,corner.typical.regulator.CORE.load"));
+    ASSERT_EQ(rows.rows, 3u);
+    // CORE carries I = 0.6 + P / 0.8 A at efficiency 0.8 + 0.1 * I / 2 up to 2 A and 0.9 beyond (the
+    // curve is flat past its last point), out 0.8 I W:
+    //   P 0.4: I 1.1, eff 0.855, out 0.88, in 0.88 / 0.855 = 1.0292398
+    //   P 0.8: I 1.6, eff 0.88,  out 1.28, in 1.28 / 0.88  = 1.4545455
+    //   P 1.2: I 2.1, eff 0.9,   out 1.68, in 1.68 / 0.9   = 1.8666667
+    double const current[] = {1.1, 1.6, 2.1}, input[] = {1.0292398, 1.4545455, 1.8666667};
+    // AUX is not moved: 0.12 + 0.2 = 0.32 A at 1.5 V is 0.48 W out, 0.48 / 0.75 = 0.64 W in.
+    for (std::size_t row = 0; row < 3; ++row) {
+        double const power = 0.4 * static_cast<double>(row + 1);
+        EXPECT_NEAR(column(rows, "rail.VCCINT.current", row), current[row], 1e-6) << row;
+        EXPECT_NEAR(column(rows, "regulator.CORE.load", row), current[row], 1e-6) << row;
+        // The file is at the typical corner (its rails given, its junction given): the same load there.
+        EXPECT_NEAR(column(rows, "corner.typical.regulator.CORE.load", row), current[row], 1e-6) << row;
+        EXPECT_NEAR(column(rows, "regulator.CORE.margin", row), 2.0 - current[row], 1e-6) << row;
+        EXPECT_NEAR(column(rows, "regulator.CORE.input_power", row), input[row], 1e-6) << row;
+        EXPECT_NEAR(column(rows, "regulator.CORE.loss", row), input[row] - 0.8 * current[row], 1e-6) << row;
+        EXPECT_NEAR(column(rows, "regulator.AUX.input_power", row), 0.64, 1e-6) << row;
+        EXPECT_NEAR(column(rows, "supplies.input_power", row), input[row] + 0.64, 1e-6) << row;
+        EXPECT_EQ(column(rows, "supplies.unregulated_power", row), 0.0) << row;
+        // The total: the load, VCCAUX's 0.2 A * 1.5 V, and 0.66 W of leakage; held against 1.9 W.
+        EXPECT_NEAR(column(rows, "budget.total_power", row), power + 0.3 + 0.66, 1e-6) << row;
+        EXPECT_NEAR(column(rows, "budget.total_power.headroom", row), 1.9 - (power + 0.96), 1e-6) << row;
+        EXPECT_NEAR(column(rows, "budget.rail.VCCINT.headroom", row), 2.2 - current[row], 1e-6) << row;
+    }
+    // VCCAUX powers up on twice its 0.1 A leakage at 25 degC; VCCINT has no such figure.
+    EXPECT_NEAR(column(rows, "regulator.AUX.powerup_current", 0), 0.2, 1e-6);
+    EXPECT_TRUE(std::isnan(column(rows, "regulator.CORE.powerup_current", 0)));
+    // 1.36 and 1.76 W are within 1.9 W, 2.16 W is not.
+    EXPECT_EQ(column(rows, "budget.exceeded", 0), 0.0);
+    EXPECT_EQ(column(rows, "budget.exceeded", 1), 0.0);
+    EXPECT_EQ(column(rows, "budget.exceeded", 2), 1.0);
+}
+
+TEST(DesignSweepSupplies, ALoadGivenAsACurrentFollowsItsRailAndFallsBackToTheFile) {
+    DesignTarget const supplies = target("supplies.json");
+    auto const evaluation = supplies.createDesign();
+    auto auxInput = [&] {
+        evaluation->evaluate();
+        return std::strtod(evaluation->read("regulator.AUX.input_power").c_str(), nullptr);
+    };
+    // 0.12 + 0.3 = 0.42 A at 1.5 V: 0.63 W out, 0.84 W in at 0.75.
+    evaluation->set("load.aux.current", "0.3");
+    EXPECT_NEAR(auxInput(), 0.84, 1e-6);
+    // At 2 V the same 0.42 A (the leakage is a current): 0.84 W out, 1.12 W in; the load draws 0.6 W.
+    evaluation->set("rail.VCCAUX", "2");
+    EXPECT_NEAR(auxInput(), 1.12, 1e-6);
+    // The typical corner keeps the rail the point gives and the file's junction: the same 1.12 W.
+    EXPECT_NEAR(std::strtod(evaluation->read("corner.typical.regulator.AUX.input_power").c_str(), nullptr),
+                1.12, 1e-6);
+    EXPECT_NEAR(std::strtod(evaluation->read("load.aux.power").c_str(), nullptr), 0.6, 1e-6);
+    // Dropped from the point, the load is the file's 0.2 A again: 0.64 W in.
+    evaluation->reset();
+    EXPECT_NEAR(auxInput(), 0.64, 1e-6);
+
+    // A figure the load is not given as, a misspelt load, a load without its figure.
+    EXPECT_FALSE(supplies.findVariable("load.aux.power"));
+    EXPECT_MENTIONS(supplies.notAVariable("load.aux.power"),
+                    "load \"aux\": it is given as a current in " + std::string(PRSM_TEST_DESIGNDIR));
+    EXPECT_MENTIONS(supplies.notAVariable("load.aux.power"), "; sweep load.aux.current");
+    EXPECT_MENTIONS(supplies.notAVariable("load.fabrik.power"),
+                    "has no load \"fabrik\" (did you mean fabric?) (loads: fabric, aux)");
+    EXPECT_MENTIONS(supplies.notAVariable("load.fabric"),
+                    "load \"fabric\": a load's variable names its figure");
+    EXPECT_MENTIONS(supplies.outputsHint(), "(regulators: CORE, AUX)");
+    EXPECT_MENTIONS(supplies.outputsHint(), "budget.total_power, budget.rail.VCCINT, each with .headroom");
+}
+
+// The solved junction u = Tj - 25 = (Ta - 25 + 2 (P_dyn + p25) - 2 s heat) / (1 - 2 s), heat = 2 P_dyn
+// (the test block is logic), and the total P_dyn + p25 + s (Tj - 25 - heat).
+double solvedTotal(double ambient, double dynamic, double p25, double slope) {
+    double const heat = 2 * dynamic;
+    double const tj = 25 + (ambient - 25 + 2 * (dynamic + p25) - 2 * slope * heat) / (1 - 2 * slope);
+    return dynamic + p25 + slope * (tj - 25 - heat);
+}
+
+TEST(DesignSweepSupplies, CornerFiguresFollowTheSweptClockByHand) {
+    // corners.json: typical at the file's 0.75 V, 1.6 V and 25 degC ambient, so that leakage is
+    // 0.75 (0.5 + 0.01 dt) + 1.6 (0.1 + 0.002 dt) = 0.535 + 0.0107 dt W; worst at the sheet's 0.8 V, the
+    // file's higher 1.6 V and the 45 degC hottest ambient: 0.56 + 0.0112 dt W. The block draws
+    // 1000 pF V^2 f on VCCINT and 10 mA * 1.6 V = 0.016 W on VCCAUX.
+    DesignTarget const corners = target("corners.json");
+    SweepResult const rows =
+        runSweep(corners, {}, gridPoints({parseValues(*corners.findVariable("core.CLOCK_FREQ"), "100,200")}),
+                 selectOutputs(corners, "total_power,corner.*.total_power,corner.worst.budget.exceeded"));
+    // 100 MHz: typical P_dyn = 1e-9 * 0.5625 * 1e8 + 0.016 = 0.07225 W, worst 1e-9 * 0.64 * 1e8 + 0.016 =
+    // 0.08 W. 200 MHz: 0.1125 + 0.016 = 0.1285 W and 0.128 + 0.016 = 0.144 W.
+    double const typical[] = {solvedTotal(25, 0.07225, 0.535, 0.0107),
+                              solvedTotal(25, 0.1285, 0.535, 0.0107)};
+    double const worst[] = {solvedTotal(45, 0.08, 0.56, 0.0112), solvedTotal(45, 0.144, 0.56, 0.0112)};
+    for (std::size_t row = 0; row < 2; ++row) {
+        // Within the solve's grid step of 1/16384 degC, times the leakage slope.
+        EXPECT_NEAR(column(rows, "corner.typical.total_power", row), typical[row], 1e-5) << row;
+        EXPECT_NEAR(column(rows, "corner.worst.total_power", row), worst[row], 1e-5) << row;
+        // The file is at the typical corner already.
+        EXPECT_NEAR(column(rows, "total_power", row), typical[row], 1e-5) << row;
+        // At worst VCCINT carries more than its 0.7 A budget: 0.08 + 0.5 + 0.01 * 21.6 = 0.796 A at 100 MHz.
+        EXPECT_EQ(column(rows, "corner.worst.budget.exceeded", row), 1.0) << row;
+    }
+}
+
+}  // namespace
+}  // namespace prsm::host
+
+#endif
