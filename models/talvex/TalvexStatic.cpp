@@ -21,6 +21,7 @@
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <string>
@@ -83,6 +84,31 @@ std::string_view component(Model const& model, Params& params, Data const& data,
     char const digit[2] = {static_cast<char>('0' + revision), '\0'};
     return prsm::concatKey(row.component, "_REV", std::string_view(digit, 1));
 }
+
+// The RailTerm rows ordered by rail, each rail's own in row order (an insertion sort keeps it): built
+// once, so that a rail's sum finds its terms by a binary search instead of reading every row.
+class TermsByRail {
+public:
+    using Rows = std::array<Model::RailTermRow const*, Model::kRailTermMembers>;
+
+    static Rows const& rows() {
+        static TermsByRail const sorted;
+        return sorted.m_rows;
+    }
+
+private:
+    TermsByRail() {
+        for (std::size_t term = 0; term < m_rows.size(); ++term) {
+            Model::RailTermRow const* row = &Model::row(static_cast<Model::RailTerm>(term));
+            std::size_t place = term;
+            for (; place > 0 && row->rail < m_rows[place - 1]->rail; --place)
+                m_rows[place] = m_rows[place - 1];
+            m_rows[place] = row;
+        }
+    }
+
+    Rows m_rows{};
+};
 
 }  // namespace
 
@@ -574,10 +600,11 @@ float Model::computePass1StaticPower(Params& params, Data const& data, Block blo
 float Model::computeStaticCurrent(Params& params, Data const& data, Rail rail) const {
     if (getRail(params, data, rail) == 0.0f) return 0.0f;
     float total = calculateCommonStaticCurrent(params, data, rail);
-    for (std::size_t term = 0; term < kRailTermMembers; ++term) {
-        RailTermRow const& termRow = row(static_cast<RailTerm>(term));
-        if (termRow.rail == rail) total += (this->*termRow.current)(params, data);
-    }
+    TermsByRail::Rows const& terms = TermsByRail::rows();
+    auto term = std::lower_bound(terms.begin(), terms.end(), rail,
+                                 [](RailTermRow const* row, Rail r) { return row->rail < r; });
+    for (; term != terms.end() && (*term)->rail == rail; ++term)
+        total += (this->*(*term)->current)(params, data);
     return total;
 }
 
