@@ -8,9 +8,9 @@
 // junction temperature less the rise. The rise is subtracted on purpose and the step is never iterated.
 //
 // Rail outputs are the rail's own leakage plus the currents the table's rail terms name (the blocks on
-// it, and the rails VCCINT holds); a rail at 0 V carries nothing. Under
-// the worst process ("MAX") the currents are also given scaled by the rail's total-power factor, and
-// every rail has a power-up current: its leakage at 25 degrees, scaled, plus a constant.
+// it, and the rails VCCINT holds); a rail at 0 V carries nothing. Under the worst process ("MAX") the
+// currents are also given scaled by the rail's total-power factor, and every rail has a power-up
+// current: its leakage at 25 degrees, scaled, plus a constant.
 #include <prsm/models/talvex/LeakageFormulas.h>
 #include <prsm/models/talvex/PRSMTalvexStaticModel.h>
 #include <prsm/models/talvex/PRSMTalvexStaticCells.h>
