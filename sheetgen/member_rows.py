@@ -7,8 +7,8 @@ formulas read `row(member).<column>` instead of restating the attributes in swit
     [rows.Block.columns]
     rail = "Rail"          # a member of the sheet's family of that name
     core = "text"          # a text; empty where a row leaves it out
-    count = "int cell"     # a cell of the sheet (int, float or string), read through its getter or
-                           # calculate function; none where a row leaves it out
+    count = "int cell"     # a cell of the sheet (int, float or string; a family member's too), read
+                           # through its getter or calculate function; none where a row leaves it out
     rule = ["used", "one"] # one of these choices (an enum of the family and column)
 
     [rows.Block.members]
@@ -112,8 +112,6 @@ def _row(where: str, row, columns: list[Column], sheet: Sheet) -> dict[str, str]
             cell = sheet.by_name.get(value)
             if cell is None or cell.type != column.cell_type:
                 raise SheetError(f"{where}.{column.name}: {value} is not one of the sheet's {column.cell_type} cells")
-            if cell.family is not None:
-                raise SheetError(f"{where}.{column.name}: {value} belongs to the family {cell.family.name}")
     return dict(row)
 
 

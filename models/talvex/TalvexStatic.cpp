@@ -7,9 +7,10 @@
 // share of the device's maximum power, sets a temperature rise, and the final leakage is taken at the
 // junction temperature less the rise. The rise is subtracted on purpose and the step is never iterated.
 //
-// Rail outputs are the rail's own leakage plus the blocks on it; a rail at 0 V carries nothing. Under
-// the worst process ("MAX") the currents are also given scaled by the rail's total-power factor, and
-// every rail has a power-up current: its leakage at 25 degrees, scaled, plus a constant.
+// Rail outputs are the rail's own leakage plus the currents the table's rail terms name (the blocks on
+// it, and the rails VCCINT holds); a rail at 0 V carries nothing. Under the worst process ("MAX") the
+// currents are also given scaled by the rail's total-power factor, and every rail has a power-up
+// current: its leakage at 25 degrees, scaled, plus a constant.
 #include <prsm/models/talvex/LeakageFormulas.h>
 #include <prsm/models/talvex/PRSMTalvexStaticModel.h>
 #include <prsm/models/talvex/PRSMTalvexStaticCells.h>
@@ -20,7 +21,9 @@
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -81,6 +84,31 @@ std::string_view component(Model const& model, Params& params, Data const& data,
     char const digit[2] = {static_cast<char>('0' + revision), '\0'};
     return prsm::concatKey(row.component, "_REV", std::string_view(digit, 1));
 }
+
+// The RailTerm rows ordered by rail, each rail's own in row order (an insertion sort keeps it): built
+// once, so that a rail's sum finds its terms by a binary search instead of reading every row.
+class TermsByRail {
+public:
+    using Rows = std::array<Model::RailTermRow const*, Model::kRailTermMembers>;
+
+    static Rows const& rows() {
+        static TermsByRail const sorted;
+        return sorted.m_rows;
+    }
+
+private:
+    TermsByRail() {
+        for (std::size_t term = 0; term < m_rows.size(); ++term) {
+            Model::RailTermRow const* row = &Model::row(static_cast<Model::RailTerm>(term));
+            std::size_t place = term;
+            for (; place > 0 && row->rail < m_rows[place - 1]->rail; --place)
+                m_rows[place] = m_rows[place - 1];
+            m_rows[place] = row;
+        }
+    }
+
+    Rows m_rows{};
+};
 
 }  // namespace
 
@@ -567,131 +595,16 @@ float Model::computePass1StaticPower(Params& params, Data const& data, Block blo
 
 // ---- Rail outputs ----
 
-// The rail's own leakage plus the blocks on it; nothing at 0 V (a NaN voltage computes as usual).
+// The rail's own leakage plus the currents its RailTerm rows name, added in row order (a float sum
+// depends on its order); nothing at 0 V (a NaN voltage computes as usual).
 float Model::computeStaticCurrent(Params& params, Data const& data, Rail rail) const {
     if (getRail(params, data, rail) == 0.0f) return 0.0f;
     float total = calculateCommonStaticCurrent(params, data, rail);
-    auto const add = [&](std::initializer_list<Block> blocks) {
-        for (Block const block : blocks) total += calculateStaticCurrent(params, data, block);
-    };
-    switch (rail) {
-        case Rail::VCCINT:
-            // All four block-RAM and all four UltraRAM block currents, as the sheet sums them.
-            add({Block::BRAM_ACTIVE_VCCINT, Block::BRAM_ACTIVE_VCCRAM, Block::BRAM_SLEEP_VCCINT,
-                 Block::BRAM_SLEEP_VCCRAM, Block::URAM_ACTIVE_VCCINT, Block::URAM_ACTIVE_VCCRAM,
-                 Block::URAM_SLEEP_VCCINT, Block::URAM_SLEEP_VCCRAM});
-            total += calculateGtyVccintStaticCurrent(params, data);
-            total += calculateGtypVccintStaticCurrent(params, data);
-            total += calculateGtmVccintStaticCurrent(params, data);
-            total += calculateStaticCurrent(params, data, Rail::VCCINTCPM);
-            total += calculateStaticCurrent(params, data, Rail::VCCME);
-            add({Block::BFR_CORE_ACTIVE_VCCINT});
-            break;
-        case Rail::VCCRAM:
-            add({Block::BRAM_ACTIVE_VCCRAM, Block::BRAM_SLEEP_VCCRAM, Block::URAM_ACTIVE_VCCRAM,
-                 Block::URAM_SLEEP_VCCRAM});
-            break;
-        // The second on-chip memory (OCM2) is reported apart and counted in the PS region on its own.
-        case Rail::VCCPSLP:
-            add({Block::RPU_ACTIVE_VCCPSLP, Block::OCM_ACTIVE_VCCPSLP, Block::TCM_ACTIVE_VCCPSLP,
-                 Block::XRAM_CORE_ACTIVE_VCCPSLP});
-            break;
-        case Rail::VCCPSFP:
-            add({Block::CPU_ACTIVE_VCCPSFP, Block::L2_ACTIVE_VCCPSFP});
-            break;
-        case Rail::VCCLPD:
-            add({Block::PSXL_OCM_ACTIVE_VCCLPD, Block::PSXL_RPU_ACTIVE_VCCLPD,
-                 Block::PSXL_TCM_ACTIVE_VCCLPD});
-            break;
-        case Rail::VCCFPD:
-            add({Block::PSXL_CPU_ACTIVE_VCCFPD, Block::PSXL_L3_ACTIVE_VCCFPD});
-            break;
-        case Rail::VCCHBM:
-            add({Block::HBM_4H_VCCHBM, Block::HBM_8H_VCCHBM});
-            break;
-        case Rail::VCCAUXHBM:
-            add({Block::HBM_4H_VCCAUXHBM, Block::HBM_8H_VCCAUXHBM});
-            break;
-        case Rail::VCCIOHBM:
-            total = calculateVcciohbmFpgaStaticCurrent(params, data) +
-                    calculateVcciohbmDramStaticCurrent(params, data);
-            break;
-        case Rail::VCCO33:
-            add({Block::HDIOBANK_ACTIVE_VCCO33});
-            break;
-        case Rail::VCCO25:
-            add({Block::HDIOBANK_ACTIVE_VCCO25});
-            break;
-        case Rail::VCCO18:
-            add({Block::HDIOBANK_ACTIVE_VCCO18});
-            break;
-        case Rail::VCCO15:
-            add({Block::XPIOBANK_ACTIVE_VCCO15});
-            break;
-        case Rail::VCCO135:
-            add({Block::XPIOBANK_ACTIVE_VCCO135});
-            break;
-        // The X5IO banks of these rails are reported in their VCCO1x_X5IO_ variants.
-        case Rail::VCCO12:
-            add({Block::XPIOBANK_ACTIVE_VCCO12});
-            break;
-        case Rail::VCCO11:
-            add({Block::XPIOBANK_ACTIVE_VCCO11});
-            break;
-        case Rail::VCCO10:
-            add({Block::XPIOBANK_ACTIVE_VCCO10});
-            break;
-        case Rail::MGTYAVCC:
-            add({Block::GTY_QUAD_MGTYAVCC});
-            break;
-        case Rail::MGTYAVTT:
-            add({Block::GTY_QUAD_MGTYAVTT});
-            break;
-        case Rail::MGTYVCCAUX:
-            add({Block::GTY_QUAD_MGTYVCCAUX});
-            break;
-        case Rail::MGTYPAVCC:
-            add({Block::GTYP_QUAD_MGTYPAVCC});
-            break;
-        case Rail::MGTYPAVTT:
-            add({Block::GTYP_QUAD_MGTYPAVTT});
-            break;
-        case Rail::MGTYPVCCAUX:
-            add({Block::GTYP_QUAD_MGTYPVCCAUX});
-            break;
-        case Rail::MGTMAVCC:
-            add({Block::GTM_QUAD_MGTMAVCC});
-            break;
-        case Rail::MGTMAVTT:
-            add({Block::GTM_QUAD_MGTMAVTT});
-            break;
-        case Rail::MGTMVCCAUX:
-            add({Block::GTM_QUAD_MGTMVCCAUX});
-            break;
-        case Rail::VCCINTGT:
-            add({Block::GTM_QUAD_VCCINTGT});
-            break;
-        case Rail::ADCAVCC:
-            add({Block::ADC_CORE_ACTIVE_ADCAVCC});
-            break;
-        case Rail::ADCAVCCAUX:
-            add({Block::ADC_CORE_ACTIVE_ADCAVCCAUX});
-            break;
-        case Rail::DACAVCC:
-            add({Block::DAC_CORE_ACTIVE_DACAVCC});
-            break;
-        case Rail::DACAVCCAUX:
-            add({Block::DAC_CORE_ACTIVE_DACAVCCAUX});
-            break;
-        case Rail::DACAVTT:
-            add({Block::DAC_CORE_ACTIVE_DACAVTT});
-            break;
-        case Rail::VCCHSAMS:
-            add({Block::ADC_CORE_ACTIVE_VCCHSAMS, Block::DAC_CORE_ACTIVE_VCCHSAMS});
-            break;
-        default:
-            break;
-    }
+    TermsByRail::Rows const& terms = TermsByRail::rows();
+    auto term = std::lower_bound(terms.begin(), terms.end(), rail,
+                                 [](RailTermRow const* row, Rail r) { return row->rail < r; });
+    for (; term != terms.end() && (*term)->rail == rail; ++term)
+        total += (this->*(*term)->current)(params, data);
     return total;
 }
 

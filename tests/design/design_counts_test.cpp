@@ -46,6 +46,12 @@ ResourceUse resource(Report const& report, std::string const& name) {
     throw std::runtime_error("no resource " + name);
 }
 
+RailResult rail(Report const& report, std::string const& name) {
+    for (RailResult const& r : report.rails)
+        if (r.rail == name) return r;
+    throw std::runtime_error("no rail " + name);
+}
+
 std::string warnings(Report const& report) {
     std::string text;
     for (Warning const& w : report.warnings) text += w.block + "|" + w.cell + "|" + w.message + "\n";
@@ -54,8 +60,12 @@ std::string warnings(Report const& report) {
 
 // A new leaking block is its own table and formulas: TestToyCore makes up toy_cores, a count no list
 // names, and the static sheet's USED_TOY_CORES receives it without the design naming it:
-// 3 instances x 4 cores = 12.
-TEST(DesignCounts, ANewBlocksCountReachesTheStaticSheetWithoutTheDesignNamingIt) {
+// 3 instances x 4 cores = 12. The static sheet's member rows turn the count into leakage on the rails
+// the rows name, at 50 degC (ZQVC1902 has no heating):
+//   VCCINT: own 0.5 + 0 * 25 = 0.5; a core 0.002 + 0.00004 * (50 - 25) = 0.003, x 12 = 0.036 -> 0.536 A
+//   VCCAUX: own 0;                   a core 0.001 + 0 * 25 = 0.001,             x 12 = 0.012 -> 0.012 A
+//   static power: 0.8 V * 0.536 A + 1.5 V * 0.012 A = 0.4288 + 0.018 = 0.4468 W
+TEST(DesignCounts, ANewBlocksCountReachesTheStaticSheetAndLeaksOnItsRowsRails) {
     Estimator estimator(parseDesign(R"({"schema_version": 1, "device": {"part": "ZQVC1902"},
         "thermal": {"junction_temperature": 50}, "rails": {"VCCINT": 0.8, "VCCAUX": 1.5},
         "static": {"model": "TestLeakage", "inputs": {}},
@@ -65,6 +75,10 @@ TEST(DesignCounts, ANewBlocksCountReachesTheStaticSheetWithoutTheDesignNamingIt)
     ASSERT_TRUE(report.complete) << report.failures[0];
     EXPECT_EQ(held(report, "USED_TOY_CORES"), 12.0);
     EXPECT_EQ(held(report, "USED_BRAMS"), std::nullopt);  // no block makes up block RAMs
+
+    EXPECT_NEAR(rail(report, "VCCINT").staticCurrent, 0.536, 1e-6);
+    EXPECT_NEAR(rail(report, "VCCAUX").staticCurrent, 0.012, 1e-6);
+    EXPECT_NEAR(report.staticPower, 0.4468, 1e-6);
 }
 
 TEST(DesignCounts, BlocksAddUpTheCountsTheStaticSheetReceives) {

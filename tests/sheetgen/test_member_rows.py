@@ -101,12 +101,13 @@ class MemberRows(unittest.TestCase):
                 sheet_with(rows)
             self.assertIn(message, str(caught.exception), case)
 
-    def test_a_cell_of_a_family_is_refused(self):
-        rows = '[rows.Block.columns]\nvolts = "float cell"\n[rows.Block.members]\nA = { volts = "VCCINT" }\nB = {}\n'
-        with self.assertRaises(SheetError) as caught:
-            sheet_with(rows)
-        self.assertIn("VCCINT belongs to the family Rail", str(caught.exception))
-
+    def test_a_cell_column_may_name_one_member_of_a_family(self):
+        # The member's own function: a row can add up another family's cells (a rail's sum of its blocks).
+        rows = '[rows.Block.columns]\nvolts = "float cell"\nshare = "float cell"\n[rows.Block.members]\n' \
+               'A = { volts = "VCCINT", share = "B_CURRENT" }\nB = {}\n'
+        defined = member_rows.definitions(sheet_with(rows), "M")
+        self.assertIn("{&M::getVccint, &M::calculateBCurrent}", defined)
+        self.assertIn("{nullptr, nullptr}", defined)
 
 if __name__ == "__main__":
     unittest.main()
