@@ -184,6 +184,14 @@ void describeBoard(State const& s, Report& out) {
                           regulator.name.c_str(), regulator.overLimit);
             out.warnings.push_back({board.model, sheet.sheet().cells()[cell].name, text});
         }
+        // The view's load can exceed the rating where the sheet's over-limit figure does not (a buck that
+        // also carries its LDOs): said here, once per regulator.
+        if (regulator.margin < 0 && !(regulator.overLimit > 0)) {
+            char text[240];
+            std::snprintf(text, sizeof text, "regulator %s: load %.4g A exceeds its rating %.4g A",
+                          regulator.label.c_str(), regulator.load, regulator.rating);
+            out.warnings.push_back({board.model, "", text});
+        }
     }
     out.warnings.insert(out.warnings.end(), sheet.warnings().begin(), sheet.warnings().end());
     out.board = board;  // into the last report's board, whose storage it reuses

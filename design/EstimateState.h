@@ -61,8 +61,8 @@ struct EstimateState {
     // The board's current inputs with the rail each takes (by name: the design may lack it), its total
     // and its regulators' cells.
     struct BoardRegulatorCells {
-        std::string name;
         std::size_t load, efficiency, loss, overLimit;
+        std::size_t inputVoltage;  // the input cell it is fed from, when not another regulator
     };
     struct BoardWiring {
         std::vector<std::pair<std::size_t, std::string>> inputs;
