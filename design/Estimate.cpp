@@ -3,6 +3,7 @@
 #include <prsm/design/DeviceChecks.h>
 #include <prsm/design/EstimateState.h>
 #include <prsm/design/Grades.h>
+#include <prsm/design/RailLimits.h>
 #include <prsm/design/Rails.h>
 #include <prsm/design/References.h>
 #include <prsm/framework/PRSMReservedValues.h>
@@ -170,6 +171,7 @@ void Estimator::State::setup() {
     givenSource = voltageSource;
     for (Warning& warning : checkDevice(design, rails, voltage)) deviceWarnings.push_back(std::move(warning));
     maxJunction = catalogue::maxJunctionTemperature();
+    railMaxCurrent = railMaxCurrents(design.device, rails);
 
     setupAggregates();
     setupLinks();

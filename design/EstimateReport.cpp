@@ -127,18 +127,19 @@ void describeRails(State const& s, Report& out) {
         rail.staticCurrent = f.staticCurrent[r];
         rail.totalCurrent = rail.dynamicCurrent + rail.staticCurrent;
         rail.power = s.voltage[r] * rail.totalCurrent;
-        if (sheet && s.statics.maxCurrentCell[r] != kNoIndex) {
-            double const limit = sheet->instance().storedNumber(s.statics.maxCurrentCell[r]);
-            if (limit > 0 && limit < kFloatNotSet) {
-                rail.maxCurrent = limit;
-                rail.overLimit = rail.totalCurrent > limit;
-            }
-            if (rail.overLimit) {
-                char text[160];
-                std::snprintf(text, sizeof text, "total current %.4g A exceeds the device's maximum %.4g A",
-                              rail.totalCurrent, limit);
-                out.warnings.push_back({"", "/rails/" + s.rails[r], text});
-            }
+        // The device's maximum: the catalogue's figure for the rail, else the static sheet's limit cell.
+        double limit = r < s.railMaxCurrent.size() ? s.railMaxCurrent[r] : 0.0;
+        if (!(limit > 0) && sheet && s.statics.maxCurrentCell[r] != kNoIndex)
+            limit = sheet->instance().storedNumber(s.statics.maxCurrentCell[r]);
+        if (limit > 0 && limit < kFloatNotSet) {
+            rail.maxCurrent = limit;
+            rail.overLimit = rail.totalCurrent > limit;
+        }
+        if (rail.overLimit) {
+            char text[160];
+            std::snprintf(text, sizeof text, "total current %.4g A exceeds the device's maximum %.4g A",
+                          rail.totalCurrent, limit);
+            out.warnings.push_back({"", "/rails/" + s.rails[r], text});
         }
         bool const declaredByDesign = std::any_of(s.design.rails.begin(), s.design.rails.end(),
                                                   [&](auto const& e) { return e.first == s.rails[r]; });

@@ -111,6 +111,7 @@ struct EstimateState {
     std::vector<std::vector<std::size_t>> readers;  // per block, the blocks that read from it
     CountTally tally;
     std::optional<DeviceResources> deviceResources;
+    std::vector<double> railMaxCurrent;  // A per rail, from the device catalogue; 0 where it has none
 
     std::vector<Warning> deviceWarnings;  // found once, at set-up
     double maxJunction = 0;               // degC, the device's limit; 0 when unknown
