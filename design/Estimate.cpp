@@ -1,7 +1,9 @@
+#include <prsm/design/BoardRegulators.h>
 #include <prsm/design/Catalogue.h>
 #include <prsm/design/DeviceChecks.h>
 #include <prsm/design/EstimateState.h>
 #include <prsm/design/Grades.h>
+#include <prsm/design/RailLimits.h>
 #include <prsm/design/Rails.h>
 #include <prsm/design/References.h>
 #include <prsm/framework/PRSMReservedValues.h>
@@ -170,6 +172,7 @@ void Estimator::State::setup() {
     givenLoads = design.loads;
     for (Warning& warning : checkDevice(design, rails, voltage)) deviceWarnings.push_back(std::move(warning));
     maxJunction = catalogue::maxJunctionTemperature();
+    railMaxCurrent = railMaxCurrents(design.device, rails);
 
     setupAggregates();
     setupLinks();
@@ -210,9 +213,13 @@ void Estimator::State::setupBoard() {
         board.inputs.emplace_back(cellIndex(*sheet, cell), railName);
     if (!declared.boardTotal.empty()) board.totalCell = cellIndex(*sheet, declared.boardTotal);
     auto index = [&](std::string const& name) { return name.empty() ? kNone : cellIndex(*sheet, name); };
+    auto isRegulator = [&](std::string const& name) {
+        return std::any_of(declared.boardRegulators.begin(), declared.boardRegulators.end(),
+                           [&](BoardRegulator const& r) { return r.name == name; });
+    };
     for (BoardRegulator const& r : declared.boardRegulators)
-        board.regulators.push_back(
-            {r.name, index(r.load), index(r.efficiency), index(r.loss), index(r.overLimit)});
+        board.regulators.push_back({index(r.load), index(r.efficiency), index(r.loss), index(r.overLimit),
+                                    isRegulator(r.fedFrom) ? kNone : index(r.fedFrom)});
 }
 
 // Every block output, load and feed on the aggregates of rail, region and tag, the static sheet's
@@ -509,9 +516,12 @@ void Estimator::State::calculateBoard() {
         },
         [&](SheetInstance&) {
             result.totalPower = read(board.totalCell);
+            std::vector<RegulatorReadings> readings;
+            readings.reserve(board.regulators.size());
             for (BoardRegulatorCells const& r : board.regulators)
-                result.regulators.push_back(
-                    {r.name, read(r.load), read(r.efficiency), read(r.loss), read(r.overLimit)});
+                readings.push_back({read(r.load), read(r.efficiency), read(r.loss), read(r.overLimit),
+                                    read(r.inputVoltage)});
+            result.regulators = regulatorView(sheet.sheet().design().boardRegulators, readings);
         });
     if (!sheet.error().empty()) return;
     if (sheet.validityDue()) sheet.checkValidity({});

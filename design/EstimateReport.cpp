@@ -127,18 +127,19 @@ void describeRails(State const& s, Report& out) {
         rail.staticCurrent = f.staticCurrent[r];
         rail.totalCurrent = rail.dynamicCurrent + rail.staticCurrent;
         rail.power = s.voltage[r] * rail.totalCurrent;
-        if (sheet && s.statics.maxCurrentCell[r] != kNoIndex) {
-            double const limit = sheet->instance().storedNumber(s.statics.maxCurrentCell[r]);
-            if (limit > 0 && limit < kFloatNotSet) {
-                rail.maxCurrent = limit;
-                rail.overLimit = rail.totalCurrent > limit;
-            }
-            if (rail.overLimit) {
-                char text[160];
-                std::snprintf(text, sizeof text, "total current %.4g A exceeds the device's maximum %.4g A",
-                              rail.totalCurrent, limit);
-                out.warnings.push_back({"", "/rails/" + s.rails[r], text});
-            }
+        // The device's maximum: the catalogue's figure for the rail, else the static sheet's limit cell.
+        double limit = r < s.railMaxCurrent.size() ? s.railMaxCurrent[r] : 0.0;
+        if (!(limit > 0) && sheet && s.statics.maxCurrentCell[r] != kNoIndex)
+            limit = sheet->instance().storedNumber(s.statics.maxCurrentCell[r]);
+        if (limit > 0 && limit < kFloatNotSet) {
+            rail.maxCurrent = limit;
+            rail.overLimit = rail.totalCurrent > limit;
+        }
+        if (rail.overLimit) {
+            char text[160];
+            std::snprintf(text, sizeof text, "total current %.4g A exceeds the device's maximum %.4g A",
+                          rail.totalCurrent, limit);
+            out.warnings.push_back({"", "/rails/" + s.rails[r], text});
         }
         bool const declaredByDesign = std::any_of(s.design.rails.begin(), s.design.rails.end(),
                                                   [&](auto const& e) { return e.first == s.rails[r]; });
@@ -183,6 +184,14 @@ void describeBoard(State const& s, Report& out) {
             std::snprintf(text, sizeof text, "regulator %s is loaded %.1f mW beyond its rating",
                           regulator.name.c_str(), regulator.overLimit);
             out.warnings.push_back({board.model, sheet.sheet().cells()[cell].name, text});
+        }
+        // The view's load can exceed the rating where the sheet's over-limit figure does not (a buck that
+        // also carries its LDOs): said here, once per regulator.
+        if (regulator.margin < 0 && !(regulator.overLimit > 0)) {
+            char text[240];
+            std::snprintf(text, sizeof text, "regulator %s: load %.4g A exceeds its rating %.4g A",
+                          regulator.label.c_str(), regulator.load, regulator.rating);
+            out.warnings.push_back({board.model, "", text});
         }
     }
     out.warnings.insert(out.warnings.end(), sheet.warnings().begin(), sheet.warnings().end());

@@ -61,8 +61,8 @@ struct EstimateState {
     // The board's current inputs with the rail each takes (by name: the design may lack it), its total
     // and its regulators' cells.
     struct BoardRegulatorCells {
-        std::string name;
         std::size_t load, efficiency, loss, overLimit;
+        std::size_t inputVoltage;  // the input cell it is fed from, when not another regulator
     };
     struct BoardWiring {
         std::vector<std::pair<std::size_t, std::string>> inputs;
@@ -112,6 +112,7 @@ struct EstimateState {
     std::vector<std::vector<std::size_t>> readers;  // per block, the blocks that read from it
     CountTally tally;
     std::optional<DeviceResources> deviceResources;
+    std::vector<double> railMaxCurrent;  // A per rail, from the device catalogue; 0 where it has none
 
     std::vector<Warning> deviceWarnings;  // found once, at set-up
     double maxJunction = 0;               // degC, the device's limit; 0 when unknown

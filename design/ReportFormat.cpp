@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <sstream>
+#include <tuple>
 
 namespace prsm::design {
 
@@ -135,7 +136,16 @@ std::string toJson(Report const& report) {
                                   {"load", figure(r.load)},
                                   {"efficiency", figure(r.efficiency)},
                                   {"loss", figure(r.loss)},
-                                  {"over_limit_mw", figure(r.overLimit)}});
+                                  {"over_limit_mw", figure(r.overLimit)},
+                                  {"label", r.label},
+                                  {"rail", r.rail.empty() ? Json(nullptr) : Json(r.rail)},
+                                  {"kind", r.kind.empty() ? Json(nullptr) : Json(r.kind)},
+                                  {"voltage", figure(r.voltage)},
+                                  {"input", r.input.empty() ? Json(nullptr) : Json(r.input)},
+                                  {"input_voltage", figure(r.inputVoltage)},
+                                  {"rating", figure(r.rating)},
+                                  {"margin", figure(r.margin)},
+                                  {"over_rating", r.margin < 0}});
         out["board"] = {{"model", b.model},
                         {"total_power", figure(b.totalPower)},
                         {"currents", currents},
@@ -211,6 +221,12 @@ std::string toCsv(Report const& report) {
             if (!std::isnan(r.loss)) line("regulator", r.name, "", "loss", number(r.loss), "W");
             if (!std::isnan(r.overLimit))
                 line("regulator", r.name, "", "over_limit", number(r.overLimit), "mW");
+            if (!r.kind.empty()) line("regulator", r.name, r.rail, "kind", r.kind, "");
+            if (!r.input.empty()) line("regulator", r.name, r.rail, "input", r.input, "");
+            for (auto const& [quantity, value, unit] :
+                 {std::tuple{"voltage", r.voltage, "V"}, std::tuple{"input_voltage", r.inputVoltage, "V"},
+                  std::tuple{"rating", r.rating, "A"}, std::tuple{"margin", r.margin, "A"}})
+                if (!std::isnan(value)) line("regulator", r.name, r.rail, quantity, number(value), unit);
         }
         if (!std::isnan(b.totalPower)) line("board", b.model, "", "total_power", number(b.totalPower), "W");
     }

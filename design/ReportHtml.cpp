@@ -138,11 +138,15 @@ void supplies(std::ostream& out, Report const& report) {
     std::vector<std::vector<Cell>> rows;
     std::vector<bool> over;
     for (RegulatorResult const& r : board.regulators) {
-        rows.push_back({{r.name}, num(r.load, 4), num(r.efficiency, 3), num(r.loss, 4), num(r.overLimit, 1)});
-        over.push_back(r.overLimit > 0);
+        rows.push_back({{r.label.empty() ? r.name : r.label}, {r.kind.empty() ? "-" : r.kind}, num(r.voltage, 3),
+                        {r.input.empty() ? "-" : r.input}, num(r.rating, 3), num(r.load, 4),
+                        num(r.margin, 4), num(r.efficiency, 3), num(r.loss, 4), num(r.overLimit, 1)});
+        over.push_back(r.overLimit > 0 || r.margin < 0);
     }
     out << "<section id=\"supplies\">\n<h2>Regulators of " << escapeHtml(board.model) << "</h2>\n"
-        << table({"regulator", "load (A)", "efficiency", "loss (W)", "over limit (mW)"}, rows, over);
+        << table({"regulator", "kind", "voltage (V)", "input", "rating (A)", "load (A)", "margin (A)", "efficiency",
+                  "dissipation (W)", "over limit (mW)"},
+                 rows, over);
     std::vector<std::vector<Cell>> fed;
     for (auto const& [cell, value] : board.currents) fed.push_back({{cell}, num(value, 4)});
     if (!fed.empty()) out << table({"board input", "current (A)"}, fed);

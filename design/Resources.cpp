@@ -8,17 +8,25 @@
 
 namespace prsm::design {
 
-DeviceResources::DeviceResources(Device const& device, std::vector<std::string> const& resources) {
+std::vector<std::string> catalogueNames(Device const& device) {
     std::vector<std::string> names;
+    if (std::string const* part = device.find("part")) {
+        if (std::string const* package = device.find("package")) names.push_back(*part + "_" + *package);
+        names.push_back(*part);
+        try {
+            std::string const alias = PRSMCommonParamControlData::getGlobal().getDeviceAliasOrError(*part);
+            if (alias != kStringNotSet) names.push_back(alias);
+        } catch (...) {  // no catalogue: no alias
+        }
+    }
+    if (std::string const* internal = device.find("internal_part")) names.push_back(*internal);
+    return names;
+}
+
+DeviceResources::DeviceResources(Device const& device, std::vector<std::string> const& resources) {
+    std::vector<std::string> const names = catalogueNames(device);
     try {
         PRSMCommonParamControlData const& catalogue = PRSMCommonParamControlData::getGlobal();
-        if (std::string const* part = device.find("part")) {
-            if (std::string const* package = device.find("package")) names.push_back(*part + "_" + *package);
-            names.push_back(*part);
-            std::string const alias = catalogue.getDeviceAliasOrError(*part);
-            if (alias != kStringNotSet) names.push_back(alias);
-        }
-        if (std::string const* internal = device.find("internal_part")) names.push_back(*internal);
         for (std::string const& resource : resources)
             for (std::string const& name : names) {
                 int const count = catalogue.getParamVarsIntOrError(name, resource);

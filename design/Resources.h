@@ -13,6 +13,11 @@ namespace prsm::design {
 
 class CountTally;
 
+// The names the catalogue may list the design's device under, in the order they are looked up: the part
+// in its package (<part>_<package>: what the package bonds out), the part, the part an alias stands for,
+// then the internal part (a module's base device).
+std::vector<std::string> catalogueNames(Device const& device);
+
 class DeviceResources {
 public:
     // Looks the resources up under the part in its package (<part>_<package>: what the package bonds

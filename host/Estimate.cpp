@@ -148,12 +148,16 @@ std::string renderEstimateTable(design::Report const& report) {
         };
         std::vector<TextRow> regulators;
         for (design::RegulatorResult const& r : b.regulators)
-            regulators.push_back({r.name, figure(r.load, 4), figure(r.efficiency, 3), figure(r.loss, 4),
+            regulators.push_back({r.label.empty() ? r.name : r.label, r.kind.empty() ? "-" : r.kind, figure(r.voltage, 3),
+                                  r.input.empty() ? "-" : r.input, figure(r.rating, 3), figure(r.load, 4),
+                                  r.margin < 0 ? fixed(r.margin, 4) + " OVER" : figure(r.margin, 4),
+                                  figure(r.efficiency, 3), figure(r.loss, 4),
                                   std::isnan(r.overLimit) ? "-"
                                   : r.overLimit > 0       ? fixed(r.overLimit, 1) + " OVER"
                                                           : "0"});
         text << "\nBoard: " << b.model << "\n"
-             << formatTable({"regulator", "load (A)", "efficiency", "loss (W)", "over limit (mW)"},
+             << formatTable({"regulator", "kind", "voltage (V)", "input", "rating (A)", "load (A)", "margin (A)",
+                             "efficiency", "dissipation (W)", "over limit (mW)"},
                             regulators);
         std::vector<TextRow> fed;
         for (auto const& [cell, value] : b.currents)

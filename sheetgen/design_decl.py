@@ -63,6 +63,28 @@ COUNTS = {
 
 
 @dataclass
+class BoardRegulatorDecl:
+    """One regulator output of a module board: the computed cells of its figures ("" when it has none) and
+    what it is: the rail it makes, buck or LDO, its output voltage and rating, and what feeds it (another
+    of the board's regulators, or the float input holding the board's input voltage)."""
+    name: str
+    load: str = ""
+    efficiency: str = ""
+    loss: str = ""
+    over_limit: str = ""
+    rail: str = ""
+    kind: str = ""
+    voltage: float = 0.0
+    rating: float = 0.0
+    fed_from: str = ""
+    load_includes_fed: bool = False  # the load cell already holds what the regulators it feeds draw
+
+
+REGULATOR_CELLS = ("load", "efficiency", "loss", "over_limit")
+REGULATOR_KINDS = ("buck", "ldo")
+
+
+@dataclass
 class DesignDecl:
     region: str = ""
     tag: str = ""  # what sets the block's power apart within its region: "ip" for hard IP
@@ -81,7 +103,7 @@ class DesignDecl:
     board_architecture: str = ""
     board_currents: list[tuple[str, str]] = field(default_factory=list)
     board_total: str = ""
-    board_regulators: list[tuple[str, str, str, str, str]] = field(default_factory=list)
+    board_regulators: list["BoardRegulatorDecl"] = field(default_factory=list)
     requires: list[tuple[str, list[str]]] = field(default_factory=list)  # catalogue feature -> its values
     # (count, cell of one instance's share, resource, string input that gates it, the values it counts at)
     counts: list[tuple[str, str, str, str, list[str]]] = field(default_factory=list)
@@ -321,22 +343,66 @@ def load(doc: dict, sheet) -> DesignDecl:
         decl.board_total = design.get("board_total", "")
         if decl.board_total:
             cell(decl.board_total, "design.board_total", ("float",), False)
-        regulators = design.get("board_regulators", {})
-        if not isinstance(regulators, dict):
-            raise SheetError("design.board_regulators: a table of regulator = { load, efficiency, loss, over_limit }",
-                             ("design", "board_regulators"))
-        for reg, figures in regulators.items():
-            if not isinstance(figures, dict) or not figures:
-                raise SheetError(f"design.board_regulators.{reg}: a table of load, efficiency, loss, over_limit",
-                                 ("design", "board_regulators", reg))
-            if unknown := set(figures) - {"load", "efficiency", "loss", "over_limit"}:
-                raise SheetError(f"design.board_regulators.{reg}: unknown keys {sorted(unknown)}",
-                                 ("design", "board_regulators", reg, min(unknown)))
-            for key, name in figures.items():
-                cell(name, f"design.board_regulators.{reg}.{key}", ("float",), False)
-            decl.board_regulators.append((reg, figures.get("load", ""), figures.get("efficiency", ""),
-                                          figures.get("loss", ""), figures.get("over_limit", "")))
+        decl.board_regulators = _board_regulators(design.get("board_regulators", {}), cell)
     return decl
+
+
+def _board_regulators(regulators, cell) -> list[BoardRegulatorDecl]:
+    """design.board_regulators = { REG = { load, efficiency, loss, over_limit, rail, kind, voltage, rating,
+    fed_from, load_includes_fed } }: each output's computed cells and what it is."""
+    at = ("design", "board_regulators")
+    if not isinstance(regulators, dict):
+        raise SheetError("design.board_regulators: a table of regulator = { load, efficiency, loss, over_limit, "
+                         "rail, kind, voltage, rating, fed_from }", at)
+    declared = []
+    for reg, figures in regulators.items():
+        where = f"design.board_regulators.{reg}"
+        if not isinstance(figures, dict) or not figures:
+            raise SheetError(f"{where}: a table of load, efficiency, loss, over_limit, rail, kind, voltage, rating, "
+                             "fed_from", at + (reg,))
+        if unknown := set(figures) - set(REGULATOR_CELLS) - {"rail", "kind", "voltage", "rating", "fed_from",
+                                                               "load_includes_fed"}:
+            raise SheetError(f"{where}: unknown keys {sorted(unknown)}", at + (reg, min(unknown)))
+        for key in REGULATOR_CELLS:
+            if key in figures:
+                cell(figures[key], f"{where}.{key}", ("float",), False)
+        r = BoardRegulatorDecl(reg, *(figures.get(key, "") for key in REGULATOR_CELLS))
+        r.rail = figures.get("rail", "")
+        if r.rail and not (isinstance(r.rail, str) and RAIL.fullmatch(r.rail)):
+            raise SheetError(f"{where}.rail: {r.rail!r} is not an upper-case rail name", at + (reg, "rail"))
+        r.kind = figures.get("kind", "")
+        if r.kind and r.kind not in REGULATOR_KINDS:
+            raise SheetError(f"{where}.kind: {r.kind!r} is none of {', '.join(REGULATOR_KINDS)}", at + (reg, "kind"))
+        if r.kind == "ldo" and r.loss:
+            raise SheetError(f"{where}.loss: an LDO dissipates its drop times its load; it declares no loss cell",
+                             at + (reg, "loss"))
+        for key in ("voltage", "rating"):
+            value = figures.get(key, 0.0)
+            if key in figures and (isinstance(value, bool) or not isinstance(value, (int, float)) or not value > 0):
+                raise SheetError(f"{where}.{key}: {value!r} is not a number above 0", at + (reg, key))
+            setattr(r, key, float(value))
+        includes = figures.get("load_includes_fed", False)
+        if not isinstance(includes, bool):
+            raise SheetError(f"{where}.load_includes_fed: true or false", at + (reg, "load_includes_fed"))
+        r.load_includes_fed = includes
+        r.fed_from = figures.get("fed_from", "")
+        if not isinstance(r.fed_from, str):
+            raise SheetError(f"{where}.fed_from: a regulator of the board or its input-voltage cell",
+                             at + (reg, "fed_from"))
+        declared.append(r)
+    names = {r.name for r in declared}
+    for r in declared:
+        where = f"design.board_regulators.{r.name}.fed_from"
+        if r.fed_from and r.fed_from not in names:
+            cell(r.fed_from, where, ("float",), True)  # the board's input voltage
+        chain, upstream = [r.name], r.fed_from
+        while upstream in names:
+            chain.append(upstream)
+            if upstream in chain[:-1]:
+                raise SheetError(f"{where}: a regulator fed from itself: {' <- '.join(chain)}",
+                                 at + (r.name, "fed_from"))
+            upstream = next(u.fed_from for u in declared if u.name == upstream)
+    return declared
 
 
 def _architecture(design: dict, sheet: Sheet) -> str:
@@ -379,6 +445,18 @@ def _cpp_tuples(rows: list[tuple[str, ...]]) -> str:
     return "{" + ", ".join("{" + ", ".join(f'"{x}"' for x in row) + "}" for row in rows) + "}"
 
 
+def _cpp_number(value: float) -> str:
+    return repr(float(value))
+
+
+def _cpp_board_regulators(regulators: list[BoardRegulatorDecl]) -> str:
+    """Each as prsm::BoardRegulator, member by member in declaration order."""
+    return "{" + ", ".join(
+        f'{{"{r.name}", "{r.load}", "{r.efficiency}", "{r.loss}", "{r.over_limit}", "{r.rail}", "{r.kind}", '
+        f'{_cpp_number(r.voltage)}, {_cpp_number(r.rating)}, "{r.fed_from}", '
+        f'{"true" if r.load_includes_fed else "false"}}}' for r in regulators) + "}"
+
+
 def _cpp_requires(features: list[tuple[str, list[str]]]) -> str:
     return "{" + ", ".join(f'{{"{f}", {_cpp_tuples([tuple(values)])[1:-1]}}}' for f, values in features) + "}"
 
@@ -404,7 +482,7 @@ def initializer(decl: DesignDecl) -> str:
             f'{_cpp_pairs(decl.current)}, {_cpp_pairs(decl.device)}, "{decl.temperature}", '
             f'"{decl.static_current}", "{decl.max_current}", "{decl.static_total}", {_cpp_pairs(decl.static_regions)}, '
             f'{_cpp_pairs(decl.feeds)}, {_cpp_selectors(decl.feeds)}, "{decl.board_architecture}", {_cpp_pairs(decl.board_currents)}, '
-            f'"{decl.board_total}", {_cpp_tuples(decl.board_regulators)}, {_cpp_requires(decl.requires)}, '
+            f'"{decl.board_total}", {_cpp_board_regulators(decl.board_regulators)}, {_cpp_requires(decl.requires)}, '
             "{" + ", ".join(f'{{"{c}", "{cell}", "{r}", "{w}", {_cpp_strings(v)}}}'
                             for c, cell, r, w, v in decl.counts) + "}, "
             "{" + ", ".join(f'{{"{i}", {_cpp_strings(n)}, "{r}", {"true" if share else "false"}}}'

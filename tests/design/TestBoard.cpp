@@ -23,7 +23,20 @@ float Model::computeCoreOverlimit(Params& params, Data const& data) const {
 }
 
 float Model::computeAuxLoad(Params& params, Data const& data) const {
-    return getAuxCurrent(params, data) + getIoCurrent(params, data);
+    return getAuxCurrent(params, data);
+}
+
+float Model::computeMainLoad(Params& params, Data const& data) const {
+    return getIoCurrent(params, data);
+}
+
+float Model::computeMainEfficiency(Params&, Data const&) const {
+    return 0.9f;
+}
+
+float Model::computeMainLoss(Params& params, Data const& data) const {
+    float const delivered = (calculateMainLoad(params, data) + calculateAuxLoad(params, data)) * 3.3f;
+    return delivered * (1.0f / calculateMainEfficiency(params, data) - 1.0f);
 }
 
 float Model::computeAuxLoss(Params& params, Data const& data) const {
@@ -35,6 +48,7 @@ float Model::computeAuxOverlimit(Params& params, Data const& data) const {
 }
 
 float Model::computeBoardPower(Params& params, Data const& data) const {
-    return calculateCoreLoad(params, data) * 0.8f + calculateAuxLoad(params, data) * 1.5f +
-           calculateCoreLoss(params, data) + calculateAuxLoss(params, data) + getOtherPower(params, data);
+    return calculateCoreLoad(params, data) * 0.8f + calculateMainLoad(params, data) * 3.3f +
+           calculateAuxLoad(params, data) * 1.5f + calculateCoreLoss(params, data) + calculateAuxLoss(params, data) +
+           calculateMainLoss(params, data) + getOtherPower(params, data);
 }

@@ -1,5 +1,6 @@
-// The board view on the test-only board (TestBoard, two regulators): the rail currents it is fed, its
-// regulators' loads, losses and over-limit power, and the designs that are refused.
+// The board view on the test-only board (TestBoard, three regulators): the rail currents it is fed, its
+// regulators' loads with what they feed, dissipation, margins and over-limit power, and the designs that
+// are refused.
 #include <prsm/design/Estimate.h>
 #include <prsm/design/ReportFormat.h>
 
@@ -35,37 +36,62 @@ TEST(DesignBoard, RailCurrentsFeedTheRegulatorsByHand) {
     EXPECT_NEAR(boardInput(board, "AUX_CURRENT"), aux, 1e-6);
     EXPECT_EQ(boardInput(board, "IO_CURRENT"), 0.0);
 
-    ASSERT_EQ(board.regulators.size(), 2u);
+    ASSERT_EQ(board.regulators.size(), 3u);
     RegulatorResult const& c = board.regulators[0];
     EXPECT_EQ(c.name, "CORE_REG");
+    EXPECT_EQ(c.label, "CORE REG (V0V8)");
+    EXPECT_EQ(c.kind, "buck");
+    EXPECT_EQ(c.input, "VIN");
+    EXPECT_NEAR(c.inputVoltage, 5.0, 1e-6);  // the board's VIN input, 5 V by default
     EXPECT_NEAR(c.load, 1.6, 1e-6);
+    EXPECT_NEAR(c.margin, 1.5 - 1.6, 1e-6);
     EXPECT_NEAR(c.efficiency, 0.8, 1e-6);
-    EXPECT_NEAR(c.loss, 1.6 * 0.8 * (1 / 0.8 - 1), 1e-5);      // 0.32 W
+    EXPECT_NEAR(c.loss, 1.6 * 0.8 * (1 / 0.8 - 1), 1e-5);      // 0.32 W, the sheet's
     EXPECT_NEAR(c.overLimit, (1.6 - 1.5) * 0.8 * 1000, 1e-3);  // 80 mW beyond 1.5 A
     RegulatorResult const& a = board.regulators[1];
-    EXPECT_EQ(a.name, "AUX_REG");
-    EXPECT_TRUE(std::isnan(a.efficiency));          // not declared
+    EXPECT_EQ(a.label, "AUX REG (V1V5)");
+    EXPECT_EQ(a.kind, "ldo");
+    EXPECT_EQ(a.input, "MAIN_REG");
+    EXPECT_NEAR(a.inputVoltage, 3.3, 1e-9);  // the main regulator's output
+    EXPECT_TRUE(std::isnan(a.efficiency));   // an LDO has none
+    EXPECT_NEAR(a.load, 0.32, 1e-6);
     EXPECT_NEAR(a.loss, 0.32 * (3.3 - 1.5), 1e-5);  // 0.576 W dropped from 3.3 V
-    EXPECT_EQ(a.overLimit, 0.0);                    // 0.32 A within 0.5 A
-    // 1.6 * 0.8 + 0.32 * 1.5 + 0.32 + 0.576 + 0.5 = 3.156 W
-    EXPECT_NEAR(board.totalPower, 3.156, 1e-5);
+    EXPECT_NEAR(a.margin, 0.5 - 0.32, 1e-6);
+    EXPECT_EQ(a.overLimit, 0.0);
+    // The 3.3 V buck's own load is VCCO33's 0 A; it also carries the LDO's 0.32 A, beyond its 0.3 A.
+    RegulatorResult const& m = board.regulators[2];
+    EXPECT_NEAR(m.load, 0.0 + 0.32, 1e-6);
+    EXPECT_NEAR(m.margin, 0.3 - 0.32, 1e-6);
+    EXPECT_NEAR(m.loss, 0.32 * 3.3 * (1 / 0.9 - 1), 1e-5);  // 0.1173 W, the sheet's
+    EXPECT_TRUE(std::isnan(m.overLimit));                    // the sheet works none out
+    // 1.6 * 0.8 + 0.32 * 1.5 + 0.32 + 0.576 + 0.1173 + 0.5 = 3.2733 W
+    EXPECT_NEAR(board.totalPower, 1.28 + 0.48 + 0.32 + 0.576 + 0.32 * 3.3 / 9 + 0.5, 1e-5);
 
-    // Only the regulator beyond its rating is a warning, naming it and the milliwatts.
+    // Each regulator beyond its rating is one warning naming it: the sheet's over-limit figure for the
+    // core, the view's load for the 3.3 V buck, whose sheet does not see the LDO against its rating.
     int flagged = 0;
     for (Warning const& w : report.warnings)
         if (w.block == "TestBoard") {
             ++flagged;
-            EXPECT_EQ(w.cell, "CORE_OVERLIMIT");
-            EXPECT_MENTIONS(w.message, "regulator CORE_REG is loaded 80.0 mW beyond its rating");
+            if (w.cell == "CORE_OVERLIMIT")
+                EXPECT_MENTIONS(w.message, "regulator CORE_REG is loaded 80.0 mW beyond its rating");
+            else
+                EXPECT_MENTIONS(w.message, "regulator MAIN REG (V3V3): load 0.32 A exceeds its rating 0.3 A");
         }
-    EXPECT_EQ(flagged, 1);
+    EXPECT_EQ(flagged, 2);
 
-    EXPECT_MENTIONS(toJson(report), "\"name\": \"AUX_REG\"");
-    EXPECT_MENTIONS(toCsv(report), "regulator,CORE_REG,,over_limit,80");
+    std::string const json = toJson(report);
+    EXPECT_MENTIONS(json, "\"name\": \"AUX_REG\"");
+    EXPECT_MENTIONS(json, "\"label\": \"AUX REG (V1V5)\"");
+    EXPECT_MENTIONS(json, "\"over_rating\": true");
+    std::string const csv = toCsv(report);
+    EXPECT_MENTIONS(csv, "regulator,CORE_REG,,over_limit,80");
+    EXPECT_MENTIONS(csv, "regulator,AUX_REG,V1V5,input,MAIN_REG,");
+    EXPECT_MENTIONS(csv, "regulator,MAIN_REG,V3V3,margin,-0.0199");  // 0.3 - 0.32 in float
 
-    // The board's own inputs can change; the next update recalculates it: 3.156 + 1.0 - 0.5 W.
+    // The board's own inputs can change; the next update recalculates it: 1.0 W instead of 0.5 W.
     estimator.setInput("board", "OTHER_POWER", "1.0");
-    EXPECT_NEAR(estimator.update().board->totalPower, 3.656, 1e-5);
+    EXPECT_NEAR(estimator.update().board->totalPower, board.totalPower + 0.5, 1e-5);
 }
 
 TEST(DesignBoard, RefusesWhatIsNotABoardDesign) {

@@ -39,6 +39,15 @@ std::string design(std::string const& device) {
       "blocks": [{"name": "core", "model": "TestLoad"}]})";
 }
 
+// The warnings about the grades and voltages: the test data's leakage is not the shipped device's, so
+// its rails may pass the shipped catalogue's maximum currents, which these cases do not check.
+std::vector<Warning> gradeWarnings(Report const& report) {
+    std::vector<Warning> kept;
+    for (Warning const& w : report.warnings)
+        if (w.cell.rfind("/rails/", 0) != 0) kept.push_back(w);
+    return kept;
+}
+
 RailResult const& rail(Report const& report, std::string const& name) {
     for (RailResult const& r : report.rails)
         if (r.rail == name) return r;
@@ -50,7 +59,7 @@ TEST(DesignGrades, GradesSelectTheSkuAndTheCornerItsVoltages) {
     // has no NOM row (the sheet gives 0 V), so it is the catalogue's nominal. The test block's core
     // power follows: 1000 pF * 0.78^2 V^2 * 100 MHz = 0.06084 W.
     Report const nominal = Estimator(parseDesign(design(R"("grade": "-S2L-E")"), "n.json")).estimate();
-    EXPECT_TRUE(nominal.warnings.empty()) << nominal.warnings[0].message;
+    EXPECT_TRUE(gradeWarnings(nominal).empty()) << gradeWarnings(nominal)[0].message;
     EXPECT_EQ(nominal.voltageCorner, "nominal");
     EXPECT_DOUBLE_EQ(rail(nominal, "VCCINT").voltage, 0.78);
     EXPECT_EQ(rail(nominal, "VCCINT").voltageSource, VoltageSource::Corner);
@@ -63,17 +72,18 @@ TEST(DesignGrades, GradesSelectTheSkuAndTheCornerItsVoltages) {
         "temperature_grade": "extended", "voltage_corner": "max")"),
                                              "m.json"))
                            .estimate();
-    EXPECT_TRUE(max.warnings.empty()) << max.warnings[0].message;
+    EXPECT_TRUE(gradeWarnings(max).empty()) << gradeWarnings(max)[0].message;
     EXPECT_DOUBLE_EQ(rail(max, "VCCINT").voltage, 0.8);
     EXPECT_EQ(rail(max, "VCCAUX").voltageSource, VoltageSource::Corner);
     EXPECT_NEAR(max.blocks[0].rails[0].second, 0.064, 1e-7);
 
     // A grade the sheet's list lacks is named with the list; the sheet keeps its default (LP).
     Report const high = Estimator(parseDesign(design(R"("grade": "-S2H-E")"), "h.json")).estimate();
-    ASSERT_EQ(high.warnings.size(), 1u);
-    EXPECT_EQ(high.warnings[0].block, "static");
-    EXPECT_EQ(high.warnings[0].cell, "VOLTAGE_GRADE");
-    EXPECT_NE(high.warnings[0].message.find("LP, MP"), std::string::npos) << high.warnings[0].message;
+    std::vector<Warning> const named = gradeWarnings(high);
+    ASSERT_EQ(named.size(), 1u);
+    EXPECT_EQ(named[0].block, "static");
+    EXPECT_EQ(named[0].cell, "VOLTAGE_GRADE");
+    EXPECT_NE(named[0].message.find("LP, MP"), std::string::npos) << named[0].message;
 
     // Refused: a grade given whole and by parts, a grade of neither form, a corner the engine lacks.
     EXPECT_THROW(parseDesign(design(R"("grade": "-S2L-E", "speed_grade": "2")"), "x.json"), DesignError);

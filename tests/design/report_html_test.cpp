@@ -78,14 +78,21 @@ TEST(ReportHtml, AnIncompleteReportListsItsFailuresAndNoTotals) {
     report.failures.push_back("block \"core\": calculating TestLoad failed: <bad>");
     BoardResult board;
     board.model = "TestBoard";
-    board.regulators.push_back({"VCC_CORE", 2.0, 0.9, 0.2, 150.0});
+    RegulatorResult core;
+    core.name = "VCC_CORE";
+    core.label = "VCC CORE (VCCINT)";
+    core.load = 2.0;
+    core.efficiency = 0.9;
+    core.loss = 0.2;
+    core.overLimit = 150.0;
+    board.regulators.push_back(core);
     report.board = board;
     std::string const page = toHtml(report, Design{});
 
     EXPECT_TRUE(has(page, "<li>block &quot;core&quot;: calculating TestLoad failed: &lt;bad&gt;</li>"));
     EXPECT_FALSE(has(page, "total power (W)"));
     EXPECT_TRUE(has(page, "<section id=\"supplies\">"));
-    EXPECT_TRUE(has(page, "<tr class=\"over\"><td>VCC_CORE</td>"))
+    EXPECT_TRUE(has(page, "<tr class=\"over\"><td>VCC CORE (VCCINT)</td>"))
         << "a regulator over its rating stands out";
 }
 

@@ -116,6 +116,43 @@ TEST(PrsmEstimateCli, ModuleExampleFeedsItsBoard) {
     EXPECT_FALSE(board["regulators"].empty());
 }
 
+// The camera example on the smaller module, from block sheets alone: the board's core and processor
+// regulators carry the block-built rail currents. On this board the 0.72 V channel feeds VCCINT alone;
+// the 0.85 V channel the processor's full-power, low-power and memory-controller domains and, as
+// branches, its transceivers' core (VCCPSGTA), VCCBRAM and VCCINTIO.
+TEST(PrsmEstimateCli, CameraExampleOnTheSmallerModuleFeedsItsBoard) {
+    nlohmann::json const report = estimateExample("camera-s24.json");
+    ASSERT_TRUE(report.value("complete", false)) << report["failures"].dump();
+    EXPECT_TRUE(report["warnings"].empty()) << report["warnings"].dump();
+    for (auto const& block : report["blocks"]) EXPECT_NE(block["model"], "load") << block["name"];
+    ASSERT_TRUE(report.contains("board"));
+    nlohmann::json const& board = report["board"];
+    EXPECT_EQ(board["model"], "DravikS24");
+    auto railCurrent = [&](char const* name) {
+        for (auto const& rail : report["rails"])
+            if (rail["rail"] == name) return rail["total_current"].get<double>();
+        return 0.0;  // a rail the design does not draw from
+    };
+    auto regulator = [&](char const* name) {
+        for (auto const& r : board["regulators"])
+            if (r["name"] == name) return r;
+        return nlohmann::json();
+    };
+    EXPECT_GT(railCurrent("VCCINT"), 0.1);
+    EXPECT_NEAR(regulator("DA9131_CH2")["load"].get<double>(), railCurrent("VCCINT"), 1e-6);
+    EXPECT_NEAR(regulator("DA9131_CH1")["load"].get<double>(),
+                railCurrent("VCCPSINTFP") + railCurrent("VCCPSINTLP") + railCurrent("VCCPSINTDDR") +
+                    railCurrent("VCCPSGTA") + railCurrent("VCCBRAM") + railCurrent("VCCINTIO"),
+                1e-6);
+    EXPECT_EQ(regulator("DA9131_CH2")["label"], "DA9131 CH2 (VCC_PL_0V72)");
+    EXPECT_EQ(regulator("DA9062_LDO2")["input"], "DA9062_BUCK3");
+    // A camera-class design: a watt or two in the device, a few watts for the module.
+    double const device = report["totals"]["total_power"].get<double>();
+    EXPECT_GT(device, 0.5);
+    EXPECT_LT(device, 4.0);
+    EXPECT_GT(board["total_power"].get<double>(), device);
+}
+
 // The design file that docs/design-files.md shows runs clean: its grades reach the static sheet in the
 // sheet's own spelling, so the SKU is found and the rails it leaves out take the SKU's nominal voltage.
 TEST(PrsmEstimateCli, DocumentedDesignFileRunsClean) {

@@ -74,9 +74,18 @@ feeds = { FED = "rail:VCCINT,VCCSOC !region:aie tag:ip" }
                            'board_total = "POWER"\nboard_regulators = { R1 = { load = "AUX_CURRENT", '
                            'over_limit = "POWER" } }\n').design
         self.assertEqual(board.board_currents, [("FED", "VCCINT")])
-        self.assertEqual(board.board_regulators, [("R1", "AUX_CURRENT", "", "", "POWER")])
+        self.assertEqual(board.board_regulators, [design_decl.BoardRegulatorDecl("R1", "AUX_CURRENT", "", "", "POWER")])
         self.assertTrue(design_decl.initializer(board).endswith(
-            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER"}}, {}, {}, {}, "", "", "", {}}'))
+            '"ARCH", {{"FED", "VCCINT"}}, "POWER", {{"R1", "AUX_CURRENT", "", "", "POWER", "", "", 0.0, 0.0, "", '
+            'false}}, {}, {}, {}, "", "", "", {}}'))
+        # What a regulator is: a buck from the input, and an LDO it feeds.
+        tree = sheet_with('[design]\nboard_currents = { FED = "VCCINT" }\nboard_regulators = { '
+                          'B = { rail = "V3V3", kind = "buck", voltage = 3.3, rating = 2, fed_from = "FED" }, '
+                          'L = { kind = "ldo", voltage = 1.8, fed_from = "B", load_includes_fed = true } }\n').design
+        self.assertEqual([(r.name, r.rail, r.kind, r.voltage, r.rating, r.fed_from, r.load_includes_fed)
+                          for r in tree.board_regulators],
+                         [("B", "V3V3", "buck", 3.3, 2.0, "FED", False), ("L", "", "ldo", 1.8, 0.0, "B", True)])
+        self.assertIn('{"B", "", "", "", "", "V3V3", "buck", 3.3, 2.0, "FED", false}', design_decl.initializer(tree))
         # The list form: each cell is its rail's name, braces expanded.
         listed = sheet_with('[rails]\nvoltage = ["VCC{INT,_SOC}"]\n').design
         self.assertEqual(listed.voltage, [("VCCINT", "VCCINT"), ("VCC_SOC", "VCC_SOC")])

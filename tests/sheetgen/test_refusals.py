@@ -164,6 +164,17 @@ REFUSALS = [
     (f'{BOARD}board_regulators = 3  {MARK}', "design.board_regulators: a table of regulator"),
     (f'{BOARD}board_regulators = {{ R = 3 }}  {MARK}', "design.board_regulators.R: a table of load, efficiency"),
     (f'{BOARD}board_regulators = {{ R = {{ volts = "POWER" }} }}  {MARK}', "design.board_regulators.R: unknown keys"),
+    (f'{BOARD}board_regulators = {{ R = {{ rail = "v1" }} }}  {MARK}', "design.board_regulators.R.rail: 'v1' is not"),
+    (f'{BOARD}board_regulators = {{ R = {{ kind = "boost" }} }}  {MARK}', "R.kind: 'boost' is none of buck, ldo"),
+    (f'{BOARD}board_regulators = {{ R = {{ kind = "ldo", loss = "POWER" }} }}  {MARK}', "R.loss: an LDO dissipates"),
+    (f'{BOARD}board_regulators = {{ R = {{ voltage = 0 }} }}  {MARK}', "R.voltage: 0 is not a number above 0"),
+    (f'{BOARD}board_regulators = {{ R = {{ rating = "2" }} }}  {MARK}', "R.rating: '2' is not a number above 0"),
+    (f'{BOARD}board_regulators = {{ R = {{ load_includes_fed = 1 }} }}  {MARK}', "R.load_includes_fed: true or false"),
+    (f'{BOARD}board_regulators = {{ R = {{ fed_from = 5 }} }}  {MARK}', "R.fed_from: a regulator of the board"),
+    (f'{BOARD}board_regulators = {{ R = {{ fed_from = "NOPE" }} }}  {MARK}', "R.fed_from: no cell NOPE"),
+    (f'{BOARD}board_regulators = {{ R = {{ fed_from = "POWER" }} }}  {MARK}', "R.fed_from: POWER is not a float input"),
+    (f'{BOARD}board_regulators = {{ R = {{ fed_from = "S" }}, S = {{ fed_from = "R" }} }}  {MARK}',
+     "R.fed_from: a regulator fed from itself: R <- S <- R"),
 ]
 
 

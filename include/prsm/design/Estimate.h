@@ -69,13 +69,22 @@ struct ThermalResult {
     bool runaway = false;  // the solve found no steady state
 };
 
-// One regulator output of the module board; a figure its sheet does not declare is NaN.
+// One regulator output of the module board; a figure that neither its sheet nor its declaration gives
+// is NaN.
 struct RegulatorResult {
-    std::string name;
-    double load = 0;        // A
-    double efficiency = 0;  // fraction
-    double loss = 0;        // W
-    double overLimit = 0;   // mW beyond the output's rating; 0 within it
+    std::string name;       // as the board's table names it: "DA9062_LDO2"
+    double load = 0;        // A: its own loads and what the regulators it feeds draw
+    double efficiency = 0;  // fraction, the sheet's; NaN for an LDO
+    double loss = 0;        // W dissipated: a buck's conversion loss, an LDO's (V_in - V_out) * load
+    double overLimit = 0;   // mW beyond the output's rating, as the sheet works it out; 0 within it
+    std::string label;      // what it is: "DA9062 LDO2 (VCC_PS_1V80)"
+    std::string rail;       // the rail it makes; "" when not declared
+    std::string kind;       // "buck" or "ldo"; "" when not declared
+    double voltage = std::numeric_limits<double>::quiet_NaN();       // V out
+    std::string input;      // what feeds it: another regulator's name or the board's input cell
+    double inputVoltage = std::numeric_limits<double>::quiet_NaN();  // V in
+    double rating = std::numeric_limits<double>::quiet_NaN();        // A
+    double margin = std::numeric_limits<double>::quiet_NaN();        // A: rating - load, negative over it
 };
 
 struct BoardResult {

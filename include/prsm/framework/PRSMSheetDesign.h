@@ -13,13 +13,23 @@
 namespace prsm {
 
 // One regulator output of a module board as its report shows it: the computed cells of its load (A),
-// efficiency (fraction), conversion loss (W) and power beyond its rating (mW); an empty name: none.
+// efficiency (fraction), conversion loss (W) and power beyond its rating (mW), an empty name: none; and
+// what it is: the rail it makes, its kind ("buck" or "ldo"), output voltage (V) and rating (A), 0 when
+// not declared, and what feeds it: another regulator of the board, or the input cell holding the board's
+// input voltage. The load cell holds the output's own loads, and with `loadIncludesFed` also what the
+// regulators fed from it draw.
 struct BoardRegulator {
     std::string name;
     std::string load;
     std::string efficiency;
     std::string loss;
     std::string overLimit;
+    std::string rail;
+    std::string kind;
+    double voltage = 0;
+    double rating = 0;
+    std::string fedFrom;
+    bool loadIncludesFed = false;
 };
 
 // A feature the device catalogue must give a part for the sheet to apply to it: FEATURE.<part>.<feature>
