@@ -7,6 +7,7 @@
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <cmath>
+#include <cstdint>
 #include <string_view>
 
 namespace prsm::link {
@@ -21,6 +22,82 @@ float railVoltageFactor(Data const& data, std::string_view rail, float volts) {
     return std::pow(volts / nominal, vpow);
 }
 
+
+// ---- A transceiver sheet's lanes and quads ---------------------------------------------------------
+// Both architectures' transceiver sheets: LANES lanes per link, INSTANCE_COUNT links, LANE_USE naming the
+// halves that run; each link powers its own whole quads of four lanes.
+
+inline constexpr int kLanesPerQuad = 4;
+
+inline std::int64_t wideProduct(int a, int b) {
+    return static_cast<std::int64_t>(a) * static_cast<std::int64_t>(b);
+}
+
+// Formed in 64 bits; a figure beyond the int range wraps as the cell stores it.
+inline int truncatedProduct(int a, int b) {
+    return static_cast<int>(wideProduct(a, b));
+}
+
+template <typename Model>
+int quadsPerInstance(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    int const lanes = model.getLanes(params, data);
+    return lanes <= 0 ? 0 : (lanes + kLanesPerQuad - 1) / kLanesPerQuad;
+}
+
+template <typename Model>
+int txLanes(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    std::string_view const use = model.refLaneUse(params, data);
+    return use == "TX_RX" || use == "TX_ONLY" ? model.getLanes(params, data) : 0;
+}
+
+template <typename Model>
+int rxLanes(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    std::string_view const use = model.refLaneUse(params, data);
+    return use == "TX_RX" || use == "RX_ONLY" ? model.getLanes(params, data) : 0;
+}
+
+template <typename Model>
+int laneCount(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return truncatedProduct(model.getInstanceCount(params, data), model.getLanes(params, data));
+}
+
+// The quads the links power, counted under their own family only.
+template <typename Model, typename Family>
+int usedQuads(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, Family family) {
+    if (Model::memberName(family) != model.refGtType(params, data)) return 0;
+    return truncatedProduct(model.getInstanceCount(params, data), model.calculateQuadsPerInstance(params, data));
+}
+
+template <typename Model>
+float minLanes(Model const&, ParamsOf<Model>&, DataOf<Model> const&) {
+    return 1.0f;
+}
+
+template <typename Model>
+float maxLanes(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return static_cast<float>(kLanesPerQuad * model.calculateAvailableQuads(params, data));
+}
+
+// At least one lane, and the links' quads within the part's.
+template <typename Model>
+bool lanesFit(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return model.getLanes(params, data) >= 1 &&
+           wideProduct(model.getInstanceCount(params, data), model.calculateQuadsPerInstance(params, data)) <=
+               model.calculateAvailableQuads(params, data);
+}
+
+// One lane's share of a link's power, in the link's unit.
+template <typename Model>
+float powerPerLane(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    int const lanes = model.getLanes(params, data);
+    return lanes > 0 ? model.calculateInstancePower(params, data) / static_cast<float>(lanes) : 0.0f;
+}
+
+// A RATE_LIMIT figure of the link's family; 0 when the file lacks it.
+template <typename Model>
+float rateLimit(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, std::string_view key) {
+    return PRSMHelperUtils::IFERROR(data.getRateLimitOrError(model.refGtType(params, data), key), 0.0f);
+}
 
 // ---- A transceiver lane's analog and coding power at nominal voltages --------------------------------
 // Both architectures' transceiver sheets read LANE_POWER.<family>.<key> (mW, or mW per GBd for the

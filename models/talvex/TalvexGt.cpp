@@ -11,12 +11,12 @@
 #include "LinkFormulas.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 using PRSMHelperUtils::IFERROR;
+using prsm::link::rateLimit;
 using Model = PRSMTalvexGtModel;
 using Data = Model::Data;
 using Rail = Model::Rail;
@@ -24,8 +24,6 @@ using Role = Model::Role;
 using GtFamily = Model::GtFamily;
 
 namespace {
-
-constexpr int kLanesPerQuad = 4;
 
 // The rail each role draws from, per family: the quads' three analog rails, then the coding sublayer's
 // digital rail (the fabric's VCCINT for GTY and GTYP, GTM's own VCCINTGT).
@@ -51,10 +49,6 @@ Rail railOf(FamilyRails const& rails, Role role) {
     return rails.rails[static_cast<int>(role)];
 }
 
-float rateLimit(Model const& model, Model::Params& params, Data const& data, std::string_view key) {
-    return IFERROR(data.getRateLimitOrError(model.refGtType(params, data), key), 0.0f);
-}
-
 bool hasPam4(Model const& model, Model::Params& params, Data const& data) {
     return rateLimit(model, params, data, "MAX_PAM4") > 0.0f;
 }
@@ -63,61 +57,17 @@ bool isPam4(Model const& model, Model::Params& params, Data const& data) {
     return model.refModulation(params, data) == "PAM4";
 }
 
-std::int64_t product(int a, int b) {
-    return static_cast<std::int64_t>(a) * static_cast<std::int64_t>(b);
-}
-
-// Formed in 64 bits; a figure beyond the int range wraps as the cell stores it.
-int truncatedProduct(int a, int b) {
-    return static_cast<int>(product(a, b));
-}
-
 }  // namespace
 
-// ---- Lanes, quads and the counts for the static sheet -----------------------------------------------
-
-int Model::computeQuadsPerInstance(Params& params, Data const& data) const {
-    int const lanes = getLanes(params, data);
-    return lanes <= 0 ? 0 : (lanes + kLanesPerQuad - 1) / kLanesPerQuad;
-}
-
-int Model::computeTxLanes(Params& params, Data const& data) const {
-    std::string_view const use = refLaneUse(params, data);
-    return use == "TX_RX" || use == "TX_ONLY" ? getLanes(params, data) : 0;
-}
-
-int Model::computeRxLanes(Params& params, Data const& data) const {
-    std::string_view const use = refLaneUse(params, data);
-    return use == "TX_RX" || use == "RX_ONLY" ? getLanes(params, data) : 0;
-}
-
-int Model::computeLaneCount(Params& params, Data const& data) const {
-    return truncatedProduct(getInstanceCount(params, data), getLanes(params, data));
-}
-
-// Each link powers its own whole quads, counted under its family only.
-int Model::computeUsedPowerQuads(Params& params, Data const& data, GtFamily family) const {
-    if (memberName(family) != refGtType(params, data)) return 0;
-    return truncatedProduct(getInstanceCount(params, data), calculateQuadsPerInstance(params, data));
-}
+// ---- The part's quads (the lane and quad counts are prsm::link's) ---------------------------------
 
 int Model::computeAvailableQuads(Params& params, Data const& data) const {
     return IFERROR(
         data.getQuadsOrError(refDevice(params, data), refPackage(params, data), refGtType(params, data)), 0);
 }
 
-float Model::computeGetMinLanes(Params&, Data const&) const {
-    return 1.0f;
-}
-
-float Model::computeGetMaxLanes(Params& params, Data const& data) const {
-    return static_cast<float>(kLanesPerQuad * calculateAvailableQuads(params, data));
-}
-
 bool Model::isValidLanes(Params& params, Data const& data) const {
-    return getLanes(params, data) >= 1 &&
-           product(getInstanceCount(params, data), calculateQuadsPerInstance(params, data)) <=
-               calculateAvailableQuads(params, data);
+    return prsm::link::lanesFit(*this, params, data);
 }
 
 // The packages of the part: the second level of QUADS below it.
@@ -220,11 +170,6 @@ float Model::computeInstancePower(Params& params, Data const& data, Role role) c
 float Model::computeInstancePower(Params& params, Data const& data) const {
     return calculateAvccInstancePower(params, data) + calculateAvttInstancePower(params, data) +
            calculateVccauxInstancePower(params, data) + calculatePcsInstancePower(params, data);
-}
-
-float Model::computeLanePower(Params& params, Data const& data) const {
-    int const lanes = getLanes(params, data);
-    return lanes > 0 ? calculateInstancePower(params, data) / static_cast<float>(lanes) : 0.0f;
 }
 
 // The roles the block's family draws from this rail, for all the links, in W.
