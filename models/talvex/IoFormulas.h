@@ -81,11 +81,11 @@ inline float inputTermination(float driver, float odt, float level) {
     return (1.0f - meanLine) * level / odt;
 }
 
-// The part's own scale, else the DEFAULT row's, else 1.
-template <typename Data>
-float deviceScale(Data const& data, std::string_view device, typename Data::BlockPowerScaleKey fallback,
-                  std::string_view key) {
-    return PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError(device, key),
+// The part's own scale of one rail's figure, else the DEFAULT row's, else 1.
+template <typename Model>
+float deviceScale(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                  typename DataOf<Model>::BlockPowerScaleKey fallback, std::string_view key) {
+    return PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError(model.refDevice(params, data), key),
                                     PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError(fallback), 1.0f));
 }
 

@@ -15,7 +15,9 @@
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <cmath>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace prsm::ram {
 
@@ -124,6 +126,22 @@ bool eccAllowed(Model const& model, ParamsOf<Model>& params, DataOf<Model> const
     constexpr int kEccWidth = 72;
     return maxPortWidth(model, params, data, Model::Port::A, block) >= kEccWidth &&
            maxPortWidth(model, params, data, Model::Port::B, block) >= kEccWidth;
+}
+
+// The ECC input's choices: YES only where error correction is allowed.
+template <typename Model>
+std::vector<std::string> eccChoices(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                                    std::string_view block) {
+    if (eccAllowed(model, params, data, block)) return {"NO", "YES"};
+    return {"NO"};
+}
+
+// A chain of one block up to the longest cascade the block allows (none when the file has no limit).
+template <typename Model>
+bool isValidChainDepth(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                       std::string_view block) {
+    int const depth = model.getCascadeDepth(params, data);
+    return depth >= 1 && depth <= PRSMHelperUtils::IFERROR(data.getMaxCascadeDepthOrError(block), 0);
 }
 
 // ---- Events per port, per awake block -----------------------------------------------------------
