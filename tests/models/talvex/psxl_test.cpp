@@ -21,10 +21,7 @@ namespace {
 using Params = PRSMTalvexPsxlParams;
 using prsm::test::expectRel;
 
-class Psxl : public prsm::test::ModelFixture<PRSMTalvexPsxlModel> {
-protected:
-    int valid(char const* flag) { return model.intDispatchTable(p, data, flag); }
-};
+class Psxl : public prsm::test::ModelFixture<PRSMTalvexPsxlModel> {};
 
 // Defaults: four application cores at 2 GHz and half load, two real-time cores, two TCM and two OCM
 // banks at a quarter load, one of each peripheral but SPI at a tenth.
