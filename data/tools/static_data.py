@@ -21,7 +21,7 @@ import sys
 import tomllib
 from pathlib import Path
 
-from cfg_writer import data_file, spread_to, write_or_check
+from cfg_writer import data_file, description_arguments, spread_to, write_or_check
 
 LETTERS = ("A", "B", "C", "D", "E", "CONST")  # coefficients of T^5 .. T^0
 
@@ -324,15 +324,14 @@ def render(desc: dict, tables: dict) -> str:
 
 
 def main() -> int:
-    args = [a for a in sys.argv[1:] if a != "--check"]
-    if len(args) != 2:
-        print(__doc__.splitlines()[2], file=sys.stderr)
+    arguments = description_arguments(__doc__.splitlines()[2])
+    if arguments is None:
         return 2
-    with open(args[0], "rb") as f:
+    description, out, check = arguments
+    with open(description, "rb") as f:
         desc = tomllib.load(f)
     gen = GENERATORS[desc["sheet"].get("grades", "sku")](desc)
-    check = "--check" in sys.argv
-    status = write_or_check({Path(args[1]): render(desc, gen.tables())}, check, Path(__file__).name, args[0])
+    status = write_or_check({out: render(desc, gen.tables())}, check, Path(__file__).name, str(description))
     if not check:
         print(gen.report(), file=sys.stderr)
     return status
