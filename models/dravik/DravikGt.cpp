@@ -18,30 +18,9 @@ using PRSMHelperUtils::IFERROR;
 using prsm::link::rateLimit;
 using Model = PRSMDravikGtModel;
 using Data = Model::Data;
-using Rail = Model::Rail;
 using Role = Model::Role;
-using GtFamily = Model::GtFamily;
 
 namespace {
-
-// The rail each role draws from, per family: the quads' three analog rails, then the coding sublayer's
-// digital rail (the fabric's VCCINT, or the processing system's full-power domain for the PS-GTR).
-struct FamilyRails {
-    std::string_view family;
-    Rail rails[4];  // in the order of Role
-};
-
-constexpr FamilyRails kFamilyRails[] = {
-    {"GTH", {Rail::MGTAVCC, Rail::MGTAVTT, Rail::MGTVCCAUX, Rail::VCCINT}},
-    {"GTY", {Rail::MGTYAVCC, Rail::MGTYAVTT, Rail::MGTYVCCAUX, Rail::VCCINT}},
-    {"PSGTR", {Rail::VCCPSGTA, Rail::VTTPSGTA, Rail::VCCPSAUX, Rail::VCCPSINTFP}},
-};
-
-FamilyRails const* familyRails(std::string_view family) {
-    for (FamilyRails const& entry : kFamilyRails)
-        if (entry.family == family) return &entry;
-    return nullptr;
-}
 
 bool hasQuadPll(Data const& data, std::string_view family) {
     return IFERROR(data.getLanePowerOrError(family, "LC_PLL_AVCC"), -1.0f) >= 0.0f;
@@ -89,7 +68,7 @@ bool Model::isValidLineRate(Params& params, Data const& data) const {
            rate <= calculateGetMaxLineRate(params, data);
 }
 
-// ---- One link at nominal voltages, then on its rails ------------------------------------------------------
+// ---- One link at nominal voltages (on its family's rails: LinkFormulas.h) -------------------------------
 
 float Model::computeNominalPower(Params& params, Data const& data, Role role) const {
     switch (role) {
@@ -103,38 +82,4 @@ float Model::computeNominalPower(Params& params, Data const& data, Role role) co
             return prsm::link::pcsPower(*this, params, data);
     }
     return 0.0f;
-}
-
-float Model::computeDeviceScale(Params& params, Data const& data) const {
-    std::string_view const family = refGtType(params, data);
-    return IFERROR(data.getBlockPowerScaleOrError(refDevice(params, data), family),
-                   IFERROR(data.getBlockPowerScaleOrError("DEFAULT", family), 1.0f));
-}
-
-// The role's figure on the rail its family draws it from, at the rail's voltage.
-float Model::computeInstancePower(Params& params, Data const& data, Role role) const {
-    FamilyRails const* rails = familyRails(refGtType(params, data));
-    if (rails == nullptr) return 0.0f;
-    Rail const rail = rails->rails[static_cast<int>(role)];
-    float const factor = prsm::link::railVoltageFactor(data, memberName(rail), getRail(params, data, rail));
-    return calculateNominalPower(params, data, role) * factor * calculateDeviceScale(params, data);
-}
-
-float Model::computeInstancePower(Params& params, Data const& data) const {
-    return calculateAvccInstancePower(params, data) + calculateAvttInstancePower(params, data) +
-           calculateVccauxInstancePower(params, data) + calculatePcsInstancePower(params, data);
-}
-
-// The roles the block's family draws from this rail, for all the links, in W.
-float Model::computePower(Params& params, Data const& data, Rail rail) const {
-    FamilyRails const* rails = familyRails(refGtType(params, data));
-    if (rails == nullptr) return 0.0f;
-    float milliwatts = 0.0f;
-    for (Role role : {Role::AVCC, Role::AVTT, Role::VCCAUX, Role::PCS})
-        if (rails->rails[static_cast<int>(role)] == rail) milliwatts += calculateInstancePower(params, data, role);
-    return static_cast<float>(getInstanceCount(params, data)) * milliwatts * 0.001f;
-}
-
-float Model::computeTotalPower(Params& params, Data const& data) const {
-    return static_cast<float>(getInstanceCount(params, data)) * calculateInstancePower(params, data) * 0.001f;
 }

@@ -7,6 +7,7 @@
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -97,6 +98,82 @@ float powerPerLane(Model const& model, ParamsOf<Model>& params, DataOf<Model> co
 template <typename Model>
 float rateLimit(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, std::string_view key) {
     return PRSMHelperUtils::IFERROR(data.getRateLimitOrError(model.refGtType(params, data), key), 0.0f);
+}
+
+// ---- A transceiver sheet's rails ---------------------------------------------------------------------
+// Each family's row ([rows.GtFamily] of the table) names the rail each role draws from: the quads' three
+// analog rails, then the coding sublayer's digital rail. Figures are per link in mW at nominal
+// voltages; a rail's and the sheet's totals are in W for all the links.
+
+// The row of the link's family (GT_TYPE); none for a family the sheet does not know.
+template <typename Model>
+typename Model::GtFamilyRow const* familyRow(Model const& model, ParamsOf<Model>& params,
+                                             DataOf<Model> const& data) {
+    std::string_view const type = model.refGtType(params, data);
+    for (std::size_t i = 0; i < Model::kGtFamilyMembers; ++i) {
+        auto const family = static_cast<typename Model::GtFamily>(i);
+        if (Model::memberName(family) == type) return &Model::row(family);
+    }
+    return nullptr;
+}
+
+template <typename Row, typename Role>
+auto railOf(Row const& row, Role role) {
+    switch (role) {
+        case Role::AVCC:
+            return row.avcc;
+        case Role::AVTT:
+            return row.avtt;
+        case Role::VCCAUX:
+            return row.vccaux;
+        case Role::PCS:
+            break;
+    }
+    return row.pcs;
+}
+
+// The part's own scale of the family's figures, else the DEFAULT row's, else 1.
+template <typename Model>
+float familyDeviceScale(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    std::string_view const family = model.refGtType(params, data);
+    return PRSMHelperUtils::IFERROR(
+        data.getBlockPowerScaleOrError(model.refDevice(params, data), family),
+        PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError("DEFAULT", family), 1.0f));
+}
+
+// The role's figure on the rail its family draws it from, at the rail's voltage.
+template <typename Model>
+float roleInstancePower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                        typename Model::Role role) {
+    auto const* row = familyRow(model, params, data);
+    if (row == nullptr) return 0.0f;
+    auto const rail = railOf(*row, role);
+    float const factor = railVoltageFactor(data, Model::memberName(rail), model.getRail(params, data, rail));
+    return model.calculateNominalPower(params, data, role) * factor * model.calculateDeviceScale(params, data);
+}
+
+template <typename Model>
+float linkInstancePower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return model.calculateAvccInstancePower(params, data) + model.calculateAvttInstancePower(params, data) +
+           model.calculateVccauxInstancePower(params, data) + model.calculatePcsInstancePower(params, data);
+}
+
+// The roles the link's family draws from this rail, for all the links.
+template <typename Model>
+float railPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, typename Model::Rail rail) {
+    using Role = typename Model::Role;
+    auto const* row = familyRow(model, params, data);
+    if (row == nullptr) return 0.0f;
+    float milliwatts = 0.0f;
+    for (Role role : {Role::AVCC, Role::AVTT, Role::VCCAUX, Role::PCS})
+        if (railOf(*row, role) == rail) milliwatts += model.calculateInstancePower(params, data, role);
+    return static_cast<float>(model.getInstanceCount(params, data)) * milliwatts * 0.001f;
+}
+
+template <typename Model>
+float linksPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return static_cast<float>(model.getInstanceCount(params, data)) * model.calculateInstancePower(params, data) *
+           0.001f;
 }
 
 // ---- A transceiver lane's analog and coding power at nominal voltages --------------------------------

@@ -19,35 +19,9 @@ using PRSMHelperUtils::IFERROR;
 using prsm::link::rateLimit;
 using Model = PRSMTalvexGtModel;
 using Data = Model::Data;
-using Rail = Model::Rail;
 using Role = Model::Role;
-using GtFamily = Model::GtFamily;
 
 namespace {
-
-// The rail each role draws from, per family: the quads' three analog rails, then the coding sublayer's
-// digital rail (the fabric's VCCINT for GTY and GTYP, GTM's own VCCINTGT).
-struct FamilyRails {
-    std::string_view family;
-    Rail rails[4];  // in the order of Role
-};
-
-constexpr FamilyRails kFamilyRails[] = {
-    {"GTY", {Rail::MGTYAVCC, Rail::MGTYAVTT, Rail::MGTYVCCAUX, Rail::VCCINT}},
-    {"GTYP", {Rail::MGTYPAVCC, Rail::MGTYPAVTT, Rail::MGTYPVCCAUX, Rail::VCCINT}},
-    {"GTM", {Rail::MGTMAVCC, Rail::MGTMAVTT, Rail::MGTMVCCAUX, Rail::VCCINTGT}},
-};
-
-// The rails of the block's family; none for a family the sheet does not know.
-FamilyRails const* familyRails(std::string_view family) {
-    for (FamilyRails const& entry : kFamilyRails)
-        if (entry.family == family) return &entry;
-    return nullptr;
-}
-
-Rail railOf(FamilyRails const& rails, Role role) {
-    return rails.rails[static_cast<int>(role)];
-}
 
 bool hasPam4(Model const& model, Model::Params& params, Data const& data) {
     return rateLimit(model, params, data, "MAX_PAM4") > 0.0f;
@@ -121,7 +95,7 @@ float Model::computeSymbolRate(Params& params, Data const& data) const {
     return getLineRate(params, data) / (isPam4(*this, params, data) ? 2.0f : 1.0f);
 }
 
-// ---- One link at nominal voltages -------------------------------------------------------------------
+// ---- One link at nominal voltages (on its family's rails: LinkFormulas.h) ----------------------------
 
 namespace {
 
@@ -148,40 +122,4 @@ float Model::computeNominalPower(Params& params, Data const& data, Role role) co
             return prsm::link::pcsPower(*this, params, data);
     }
     return 0.0f;
-}
-
-// ---- On the rails ------------------------------------------------------------------------------------
-
-float Model::computeDeviceScale(Params& params, Data const& data) const {
-    std::string_view const family = refGtType(params, data);
-    return IFERROR(data.getBlockPowerScaleOrError(refDevice(params, data), family),
-                   IFERROR(data.getBlockPowerScaleOrError("DEFAULT", family), 1.0f));
-}
-
-// The role's figure on the rail its family draws it from, at the rail's voltage.
-float Model::computeInstancePower(Params& params, Data const& data, Role role) const {
-    FamilyRails const* rails = familyRails(refGtType(params, data));
-    if (rails == nullptr) return 0.0f;
-    Rail const rail = railOf(*rails, role);
-    float const factor = prsm::link::railVoltageFactor(data, memberName(rail), getRail(params, data, rail));
-    return calculateNominalPower(params, data, role) * factor * calculateDeviceScale(params, data);
-}
-
-float Model::computeInstancePower(Params& params, Data const& data) const {
-    return calculateAvccInstancePower(params, data) + calculateAvttInstancePower(params, data) +
-           calculateVccauxInstancePower(params, data) + calculatePcsInstancePower(params, data);
-}
-
-// The roles the block's family draws from this rail, for all the links, in W.
-float Model::computePower(Params& params, Data const& data, Rail rail) const {
-    FamilyRails const* rails = familyRails(refGtType(params, data));
-    if (rails == nullptr) return 0.0f;
-    float milliwatts = 0.0f;
-    for (Role role : {Role::AVCC, Role::AVTT, Role::VCCAUX, Role::PCS})
-        if (railOf(*rails, role) == rail) milliwatts += calculateInstancePower(params, data, role);
-    return static_cast<float>(getInstanceCount(params, data)) * milliwatts * 0.001f;
-}
-
-float Model::computeTotalPower(Params& params, Data const& data) const {
-    return static_cast<float>(getInstanceCount(params, data)) * calculateInstancePower(params, data) * 0.001f;
 }
