@@ -272,15 +272,7 @@ float Model::computeFpdTotalDynamicPower(Params& params, Data const& data) const
 }
 
 float Model::computeLpdTotalDynamicPower(Params& params, Data const& data) const {
-    float total = calculateRpuDynamicPower(params, data) + calculateTcmMemoryDynamicPower(params, data) +
-                  calculateOcmMemoryDynamicPower(params, data) +
-                  calculateLpInterconnectDynamicPower(params, data) + calculateLpdPllCorePower(params, data);
-    for (std::size_t i = 0; i < kPeripheralCount; ++i) {
-        auto const peripheral = static_cast<Peripheral>(i);
-        total += calculateDynamicPower(params, data, prsm::ps::blockOf<Model>(peripheral)) +
-                 calculateIoCorePower(params, data, peripheral);
-    }
-    return total;
+    return prsm::ps::lowPowerDomainPower(*this, params, data);
 }
 
 float Model::computeTotalDynamicPower(Params& params, Data const& data) const {

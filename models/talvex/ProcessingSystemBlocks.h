@@ -165,4 +165,21 @@ float pinBankPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> co
     return static_cast<float>(dynamic * ratio * ratio + standing * ratio);
 }
 
+// ---- The low-power domain's total ----
+
+// Its blocks, its PLL's core, and each peripheral controller with its pins' core side.
+template <typename Model>
+float lowPowerDomainPower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    float total = model.calculateRpuDynamicPower(params, data) + model.calculateTcmMemoryDynamicPower(params, data) +
+                  model.calculateOcmMemoryDynamicPower(params, data) +
+                  model.calculateLpInterconnectDynamicPower(params, data) +
+                  model.calculateLpdPllCorePower(params, data);
+    for (std::size_t i = 0; i < kPeripheralCount; ++i) {
+        auto const peripheral = static_cast<typename Model::Peripheral>(i);
+        total += model.calculateDynamicPower(params, data, blockOf<Model>(peripheral)) +
+                 model.calculateIoCorePower(params, data, peripheral);
+    }
+    return total;
+}
+
 }  // namespace prsm::ps
