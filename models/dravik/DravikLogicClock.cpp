@@ -7,6 +7,8 @@
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
+#include "DravikLogicClockFormulas.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -144,14 +146,6 @@ float Model::computeLoadPinCap(Params& params, Data const& data) const {
            count(getDspsUsingClk(params, data)) * loadCap(data, Key::DSP);
 }
 
-float Model::computeBufferCap(Params& params, Data const& data) const {
-    return IFERROR(data.getBufferCapOrError(refBufType(params, data)), 0.0f);
-}
-
-float Model::computeRunningFreq(Params& params, Data const& data) const {
-    return getClockFreq(params, data) * (1.0f - getGatingProb(params, data));
-}
-
 // ---- Components: C x f x V^VPOW x 0.001 x device scale ------------------------------------------------
 
 float Model::computeVccintFactor(Params& params, Data const& data) const {
@@ -167,40 +161,19 @@ float Model::computeVccintScale(Params& params, Data const& data) const {
 
 namespace {
 
+// The buffer's part, at the full clock (the network's parts: LogicClockFormulas.h).
 float milliwatts(Model const& model, Model::Params& params, Data const& data, float cap, float mhz) {
     return cap * mhz * model.derivedVccintFactor(params, data) * 0.001f *
            model.calculateVccintScale(params, data);
 }
 
-float networkComponent(Model const& model, Model::Params& params, Data const& data, float cap) {
-    return milliwatts(model, params, data, cap, model.calculateRunningFreq(params, data));
-}
-
 }  // namespace
 
-float Model::computeDistributionComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateDistributionCap(params, data));
-}
-float Model::computeLeafComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateLeafCap(params, data));
-}
-float Model::computeSliceComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateSliceCap(params, data));
-}
-float Model::computeLoadPinComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateLoadPinCap(params, data));
-}
 float Model::computeBufferComponent(Params& params, Data const& data) const {
     return milliwatts(*this, params, data, calculateBufferCap(params, data), getClockFreq(params, data));
 }
 
 // ---- One clock and the group ----------------------------------------------------------------------------
-
-float Model::computeClockInstancePower(Params& params, Data const& data) const {
-    return calculateDistributionComponent(params, data) + calculateLeafComponent(params, data) +
-           calculateSliceComponent(params, data) + calculateLoadPinComponent(params, data) +
-           calculateBufferComponent(params, data);
-}
 
 float Model::computeVccintClockPower(Params& params, Data const& data) const {
     return count(getInstanceCount(params, data)) * calculateClockInstancePower(params, data) * 0.001f;

@@ -7,6 +7,8 @@
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
+#include "LogicClockFormulas.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -165,14 +167,6 @@ float Model::computeLoadPinCap(Params& params, Data const& data) const {
            count(getDspsUsingClk(params, data)) * loadCap(data, Key::DSP);
 }
 
-float Model::computeBufferCap(Params& params, Data const& data) const {
-    return IFERROR(data.getBufferCapOrError(refBufType(params, data)), 0.0f);
-}
-
-float Model::computeRunningFreq(Params& params, Data const& data) const {
-    return getClockFreq(params, data) * (1.0f - getGatingProb(params, data));
-}
-
 // ---- Components: C x f x V^VPOW x 0.001 x device scale ------------------------------------------------
 
 float Model::computeVccintFactor(Params& params, Data const& data) const {
@@ -191,40 +185,13 @@ float Model::computeVccauxScale(Params& params, Data const& data) const {
                    IFERROR(data.getBlockPowerScaleOrError(Data::BlockPowerScaleKey::DEFAULT_CLOCK_VCCAUX), 1.0f));
 }
 
-namespace {
-
-float networkComponent(Model const& model, Model::Params& params, Data const& data, float cap) {
-    return cap * model.calculateRunningFreq(params, data) * model.derivedVccintFactor(params, data) * 0.001f *
-           model.calculateVccintScale(params, data);
-}
-
-}  // namespace
-
-float Model::computeDistributionComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateDistributionCap(params, data));
-}
-float Model::computeLeafComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateLeafCap(params, data));
-}
-float Model::computeSliceComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateSliceCap(params, data));
-}
-float Model::computeLoadPinComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateLoadPinCap(params, data));
-}
-
+// The buffer at the full clock, on VCCAUX (the network's parts: LogicClockFormulas.h).
 float Model::computeBufferComponent(Params& params, Data const& data) const {
     return calculateBufferCap(params, data) * getClockFreq(params, data) * derivedVccauxFactor(params, data) *
            0.001f * calculateVccauxScale(params, data);
 }
 
 // ---- One clock and the group ----------------------------------------------------------------------------
-
-float Model::computeClockInstancePower(Params& params, Data const& data) const {
-    return calculateDistributionComponent(params, data) + calculateLeafComponent(params, data) +
-           calculateSliceComponent(params, data) + calculateLoadPinComponent(params, data) +
-           calculateBufferComponent(params, data);
-}
 
 float Model::computeVccintClockPower(Params& params, Data const& data) const {
     float const perClock = calculateDistributionComponent(params, data) + calculateLeafComponent(params, data) +

@@ -1,0 +1,40 @@
+#pragma once
+// What the logic-clock sheets of both architectures share: the network below the buffer runs only in the
+// cycles the clock is not gated off, and each of its parts is C (pF) x f (MHz) x V^VPOW x 0.001 x the
+// part's VCCINT scale, in mW per clock.
+
+#include <prsm/framework/PRSMModelTypes.h>
+#include <prsm/sheetfunc/PRSMHelperUtils.h>
+
+namespace prsm::logicclock {
+
+template <typename Model>
+using FloatCell = float (Model::*)(ParamsOf<Model>&, DataOf<Model> const&) const;
+
+template <typename Model>
+float runningFreq(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return model.getClockFreq(params, data) * (1.0f - model.getGatingProb(params, data));
+}
+
+// The buffer type's capacitance; 0 for a type the file lacks.
+template <typename Model>
+float bufferCap(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return PRSMHelperUtils::IFERROR(data.getBufferCapOrError(model.refBufType(params, data)), 0.0f);
+}
+
+// One part of the network, of the capacitance `cap` gives, at the running clock.
+template <typename Model>
+float networkComponent(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                       FloatCell<Model> cap) {
+    return (model.*cap)(params, data) * model.calculateRunningFreq(params, data) *
+           model.derivedVccintFactor(params, data) * 0.001f * model.calculateVccintScale(params, data);
+}
+
+template <typename Model>
+float clockInstancePower(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    return model.calculateDistributionComponent(params, data) + model.calculateLeafComponent(params, data) +
+           model.calculateSliceComponent(params, data) + model.calculateLoadPinComponent(params, data) +
+           model.calculateBufferComponent(params, data);
+}
+
+}  // namespace prsm::logicclock
