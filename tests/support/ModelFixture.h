@@ -28,9 +28,13 @@ protected:
         return q[cell];
     }
 
-    // A validity flag (IS_VALID_<INPUT>) of the inputs as they stand, or of other inputs `q`.
-    int valid(char const* flag) { return model.intDispatchTable(p, data, flag); }
-    int valid(Params& q, char const* flag) { return model.intDispatchTable(q, data, flag); }
+    // A validity flag (IS_VALID_<INPUT>) of the inputs as they stand, or of other inputs `q`; calculated
+    // first, since a calculation clears the flags cached before.
+    int valid(char const* flag) { return valid(p, flag); }
+    int valid(Params& q, char const* flag) {
+        model.calculate(q);
+        return model.intDispatchTable(q, data, flag);
+    }
 
     Model const& model = Model::getGlobal();
     Data const& data = Data::getGlobal();
