@@ -4,6 +4,8 @@
 #include <prsm/design/Estimate.h>
 #include <prsm/design/Grades.h>
 
+#include "ReportLookup.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -12,6 +14,7 @@
 namespace {
 
 using namespace prsm::design;
+using prsm::test::rail;
 using List = std::vector<std::string>;
 
 TEST(DesignGrades, DesignWordsMatchEachSheetsList) {
@@ -37,12 +40,6 @@ std::string design(std::string const& device) {
     return R"({"schema_version": 1, "device": {"part": "ZQVP1502", )" + device + R"(},
       "thermal": {"junction_temperature": 25}, "static": {"model": "TalvexStatic"},
       "blocks": [{"name": "core", "model": "TestLoad"}]})";
-}
-
-RailResult const& rail(Report const& report, std::string const& name) {
-    for (RailResult const& r : report.rails)
-        if (r.rail == name) return r;
-    throw std::runtime_error("no rail " + name);
 }
 
 TEST(DesignGrades, GradesSelectTheSkuAndTheCornerItsVoltages) {
