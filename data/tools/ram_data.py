@@ -15,10 +15,9 @@ from __future__ import annotations
 
 import math
 import sys
-import tomllib
 from pathlib import Path
 
-from cfg_writer import data_file, description_arguments, spread_to, write_or_check
+from cfg_writer import data_file, description_command_line, spread_to, write_or_check
 
 
 def array_energy(law: dict, nominal: dict, blk: dict, array_rail: str) -> dict[str, float]:
@@ -81,12 +80,10 @@ def render(desc: dict, stem: str, sheet: dict) -> str:
 
 
 def main() -> int:
-    arguments = description_arguments(__doc__.splitlines()[2])
-    if arguments is None:
+    command = description_command_line(__doc__.splitlines()[2])
+    if command is None:
         return 2
-    description, out, check = arguments
-    with open(description, "rb") as f:
-        desc = tomllib.load(f)
+    desc, description, out, check = command
     files = {out / f"PRSM{stem}Data.cfg": render(desc, stem, sheet) for stem, sheet in desc["sheets"].items()}
     return write_or_check(files, check, Path(__file__).name, str(description))
 

@@ -18,10 +18,9 @@ from __future__ import annotations
 
 import math
 import sys
-import tomllib
 from pathlib import Path
 
-from cfg_writer import data_file, description_arguments, spread_to, write_or_check
+from cfg_writer import data_file, description_command_line, spread_to, write_or_check
 
 LETTERS = ("A", "B", "C", "D", "E", "CONST")  # coefficients of T^5 .. T^0
 
@@ -324,12 +323,10 @@ def render(desc: dict, tables: dict) -> str:
 
 
 def main() -> int:
-    arguments = description_arguments(__doc__.splitlines()[2])
-    if arguments is None:
+    command = description_command_line(__doc__.splitlines()[2])
+    if command is None:
         return 2
-    description, out, check = arguments
-    with open(description, "rb") as f:
-        desc = tomllib.load(f)
+    desc, description, out, check = command
     gen = GENERATORS[desc["sheet"].get("grades", "sku")](desc)
     status = write_or_check({out: render(desc, gen.tables())}, check, Path(__file__).name, str(description))
     if not check:
