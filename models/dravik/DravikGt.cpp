@@ -51,10 +51,6 @@ std::vector<std::string> Model::validListPllType(Params& params, Data const& dat
     return choices;
 }
 
-float Model::computeGetMinLineRate(Params& params, Data const& data) const {
-    return rateLimit(*this, params, data, "MIN");
-}
-
 // The family's limit; a ring PLL lowers it to its own.
 float Model::computeGetMaxLineRate(Params& params, Data const& data) const {
     float const limit = rateLimit(*this, params, data, "MAX");
@@ -63,9 +59,7 @@ float Model::computeGetMaxLineRate(Params& params, Data const& data) const {
 }
 
 bool Model::isValidLineRate(Params& params, Data const& data) const {
-    float const rate = getLineRate(params, data);
-    return rate > 0.0f && rate >= calculateGetMinLineRate(params, data) &&
-           rate <= calculateGetMaxLineRate(params, data);
+    return prsm::link::lineRateInRange(*this, params, data);
 }
 
 // ---- One link at nominal voltages (on its family's rails: LinkFormulas.h) -------------------------------

@@ -100,6 +100,14 @@ float rateLimit(Model const& model, ParamsOf<Model>& params, DataOf<Model> const
     return PRSMHelperUtils::IFERROR(data.getRateLimitOrError(model.refGtType(params, data), key), 0.0f);
 }
 
+// A line rate within the family's limits (GET_MIN_LINE_RATE, GET_MAX_LINE_RATE).
+template <typename Model>
+bool lineRateInRange(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data) {
+    float const rate = model.getLineRate(params, data);
+    return rate > 0.0f && rate >= model.calculateGetMinLineRate(params, data) &&
+           rate <= model.calculateGetMaxLineRate(params, data);
+}
+
 // ---- A transceiver sheet's rails ---------------------------------------------------------------------
 // Each family's row ([rows.GtFamily] of the table) names the rail each role draws from: the quads' three
 // analog rails, then the coding sublayer's digital rail. Figures are per link in mW at nominal

@@ -74,10 +74,6 @@ std::vector<std::string> Model::validListModulation(Params& params, Data const& 
     return choices;
 }
 
-float Model::computeGetMinLineRate(Params& params, Data const& data) const {
-    return rateLimit(*this, params, data, "MIN");
-}
-
 // The modulation's limit; a ring PLL lowers it to its own.
 float Model::computeGetMaxLineRate(Params& params, Data const& data) const {
     float const limit = rateLimit(*this, params, data, isPam4(*this, params, data) ? "MAX_PAM4" : "MAX_NRZ");
@@ -86,9 +82,7 @@ float Model::computeGetMaxLineRate(Params& params, Data const& data) const {
 }
 
 bool Model::isValidLineRate(Params& params, Data const& data) const {
-    float const rate = getLineRate(params, data);
-    return rate > 0.0f && rate >= calculateGetMinLineRate(params, data) &&
-           rate <= calculateGetMaxLineRate(params, data);
+    return prsm::link::lineRateInRange(*this, params, data);
 }
 
 float Model::computeSymbolRate(Params& params, Data const& data) const {
