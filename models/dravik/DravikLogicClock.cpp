@@ -16,21 +16,16 @@
 using PRSMHelperUtils::IFERROR;
 using Model = PRSMDravikLogicClockModel;
 using Data = Model::Data;
+using prsm::logicclock::kFlipFlopsPerSlice;
+using prsm::logicclock::kMemoryLutsPerSlice;
+using prsm::logicclock::loadCap;
+using prsm::logicclock::sliceClockCap;
 
 namespace {
-
-constexpr int kFlipFlopsPerSlice = 16;
-constexpr int kMemoryLutsPerSlice = 8;
 
 // Coefficients fall back to 0 when the file lacks them.
 float segmentCap(Data const& data, Data::SegmentCapKey key) {
     return IFERROR(data.getSegmentCapOrError(key), 0.0f);
-}
-float loadCap(Data const& data, Data::LoadCapKey key) {
-    return IFERROR(data.getLoadCapOrError(key), 0.0f);
-}
-float sliceClockCap(Data const& data, Data::SliceClockCapKey key) {
-    return IFERROR(data.getSliceClockCapOrError(key), 0.0f);
 }
 
 // The part's network figure: its row, else the DEFAULT row, else 0.

@@ -8,6 +8,20 @@
 
 namespace prsm::logicclock {
 
+// A slice holds sixteen flip-flops or eight memory look-up tables.
+inline constexpr int kFlipFlopsPerSlice = 16;
+inline constexpr int kMemoryLutsPerSlice = 8;
+
+// Coefficients fall back to 0 when the file lacks them.
+template <typename Data>
+float loadCap(Data const& data, typename Data::LoadCapKey key) {
+    return PRSMHelperUtils::IFERROR(data.getLoadCapOrError(key), 0.0f);
+}
+template <typename Data>
+float sliceClockCap(Data const& data, typename Data::SliceClockCapKey key) {
+    return PRSMHelperUtils::IFERROR(data.getSliceClockCapOrError(key), 0.0f);
+}
+
 template <typename Model>
 using FloatCell = float (Model::*)(ParamsOf<Model>&, DataOf<Model> const&) const;
 

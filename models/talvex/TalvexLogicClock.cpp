@@ -16,20 +16,13 @@
 using PRSMHelperUtils::IFERROR;
 using Model = PRSMTalvexLogicClockModel;
 using Data = Model::Data;
+using prsm::logicclock::kFlipFlopsPerSlice;
+using prsm::logicclock::kMemoryLutsPerSlice;
+using prsm::logicclock::loadCap;
+using prsm::logicclock::sliceClockCap;
 using Segment = Model::Segment;
 
 namespace {
-
-constexpr int kFlipFlopsPerSlice = 16;
-constexpr int kMemoryLutsPerSlice = 8;
-
-// Coefficients fall back to 0 when the file lacks them.
-float loadCap(Data const& data, Data::LoadCapKey key) {
-    return IFERROR(data.getLoadCapOrError(key), 0.0f);
-}
-float sliceClockCap(Data const& data, Data::SliceClockCapKey key) {
-    return IFERROR(data.getSliceClockCapOrError(key), 0.0f);
-}
 
 // The members of the Segment family in order, SEGMENT_CAP's constant keys in the same order.
 float segmentsCap(Model const& model, Model::Params& params, Data const& data, Segment first, Segment last) {
