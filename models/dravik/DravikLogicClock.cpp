@@ -148,12 +148,6 @@ float Model::computeVccintFactor(Params& params, Data const& data) const {
                     IFERROR(data.getConstantsOrError(Data::ConstantsKey::VPOW), 2.0f));
 }
 
-float Model::computeVccintScale(Params& params, Data const& data) const {
-    return IFERROR(
-        data.getBlockPowerScaleOrError(refDevice(params, data), "CLOCK_VCCINT"),
-        IFERROR(data.getBlockPowerScaleOrError(Data::BlockPowerScaleKey::DEFAULT_CLOCK_VCCINT), 1.0f));
-}
-
 namespace {
 
 // The buffer's part, at the full clock (the network's parts: LogicClockFormulas.h).

@@ -11,6 +11,7 @@
 #include <prsm/models/dravik/PRSMDravikPsModel.h>
 #include <prsm/models/dravik/PRSMDravikPsCells.h>
 
+#include <prsm/models/talvex/DeviceScale.h>
 #include <prsm/models/talvex/ProcessingSystemBlocks.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
@@ -49,12 +50,6 @@ double squareLaw(double supply, float characterised) {
     return ratio * ratio;
 }
 
-float deviceScale(Model const& model, Model::Params& params, Data const& data, std::string_view key,
-                  Data::BlockPowerScaleKey fallback) {
-    return IFERROR(data.getBlockPowerScaleOrError(model.refDevice(params, data), key),
-                   IFERROR(data.getBlockPowerScaleOrError(fallback), 1.0f));
-}
-
 // A DDR_DATA figure of the memory type; 0 when the file lacks it.
 double ddrData(Model const& model, Model::Params& params, Data const& data, std::string_view key) {
     return IFERROR(data.getDdrDataOrError(model.refMemoryType(params, data), key), 0.0f);
@@ -77,15 +72,15 @@ float Model::computeVccpsintddrVoltageScaling(Params& params, Data const& data) 
 }
 
 float Model::computeFpdDeviceScale(Params& params, Data const& data) const {
-    return deviceScale(*this, params, data, "PS_FPD", Data::BlockPowerScaleKey::DEFAULT_PS_FPD);
+    return prsm::deviceScale(*this, params, data, Data::BlockPowerScaleKey::DEFAULT_PS_FPD, "PS_FPD");
 }
 
 float Model::computeLpdDeviceScale(Params& params, Data const& data) const {
-    return deviceScale(*this, params, data, "PS_LPD", Data::BlockPowerScaleKey::DEFAULT_PS_LPD);
+    return prsm::deviceScale(*this, params, data, Data::BlockPowerScaleKey::DEFAULT_PS_LPD, "PS_LPD");
 }
 
 float Model::computeDdrDeviceScale(Params& params, Data const& data) const {
-    return deviceScale(*this, params, data, "PS_DDR", Data::BlockPowerScaleKey::DEFAULT_PS_DDR);
+    return prsm::deviceScale(*this, params, data, Data::BlockPowerScaleKey::DEFAULT_PS_DDR, "PS_DDR");
 }
 
 namespace {

@@ -4,6 +4,7 @@
 // part's VCCINT scale, in mW per clock.
 
 #include <prsm/framework/PRSMModelTypes.h>
+#include <prsm/models/talvex/DeviceScale.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 namespace prsm::logicclock {

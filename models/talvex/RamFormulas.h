@@ -12,6 +12,7 @@
 // Only the blocks that are awake draw dynamic power.
 
 #include <prsm/framework/PRSMModelTypes.h>
+#include <prsm/models/talvex/DeviceScale.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <cmath>
@@ -284,15 +285,6 @@ float energyVoltageFactor(Data const& data, float volts, Key nominalKey) {
 template <typename Data>
 float capacitanceVoltageFactor(Data const& data, float volts) {
     return std::pow(volts, voltageExponent(data));
-}
-
-// The device's scale of one rail's figure: its own row, else the DEFAULT row, else 1.
-template <typename Model, typename Key>
-float deviceScale(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, Key defaultKey,
-                  char const* key) {
-    return PRSMHelperUtils::IFERROR(
-        data.getBlockPowerScaleOrError(model.refDevice(params, data), key),
-        PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError(defaultKey), 1.0f));
 }
 
 // mW of one awake block: the figure x the voltage factor x 0.001 x the device scale.

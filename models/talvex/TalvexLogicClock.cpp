@@ -169,15 +169,6 @@ float Model::computeVccauxFactor(Params& params, Data const& data) const {
     return voltageFactor(data, getVccaux(params, data));
 }
 
-float Model::computeVccintScale(Params& params, Data const& data) const {
-    return IFERROR(data.getBlockPowerScaleOrError(refDevice(params, data), "CLOCK_VCCINT"),
-                   IFERROR(data.getBlockPowerScaleOrError(Data::BlockPowerScaleKey::DEFAULT_CLOCK_VCCINT), 1.0f));
-}
-float Model::computeVccauxScale(Params& params, Data const& data) const {
-    return IFERROR(data.getBlockPowerScaleOrError(refDevice(params, data), "CLOCK_VCCAUX"),
-                   IFERROR(data.getBlockPowerScaleOrError(Data::BlockPowerScaleKey::DEFAULT_CLOCK_VCCAUX), 1.0f));
-}
-
 // The buffer at the full clock, on VCCAUX (the network's parts: LogicClockFormulas.h).
 float Model::computeBufferComponent(Params& params, Data const& data) const {
     return calculateBufferCap(params, data) * getClockFreq(params, data) * derivedVccauxFactor(params, data) *

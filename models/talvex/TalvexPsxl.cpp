@@ -13,6 +13,7 @@
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
+#include "DeviceScale.h"
 #include "ProcessingSystemBlocks.h"
 
 #include <cstddef>
@@ -50,15 +51,11 @@ float Model::computeVcclpdVoltageScaling(Params& params, Data const& data) const
 }
 
 float Model::computeFpdDeviceScale(Params& params, Data const& data) const {
-    return IFERROR(
-        data.getBlockPowerScaleOrError(refDevice(params, data), "PSXL_VCCFPD"),
-        IFERROR(data.getBlockPowerScaleOrError(Data::BlockPowerScaleKey::DEFAULT_PSXL_VCCFPD), 1.0f));
+    return prsm::deviceScale(*this, params, data, Data::BlockPowerScaleKey::DEFAULT_PSXL_VCCFPD, "PSXL_VCCFPD");
 }
 
 float Model::computeLpdDeviceScale(Params& params, Data const& data) const {
-    return IFERROR(
-        data.getBlockPowerScaleOrError(refDevice(params, data), "PSXL_VCCLPD"),
-        IFERROR(data.getBlockPowerScaleOrError(Data::BlockPowerScaleKey::DEFAULT_PSXL_VCCLPD), 1.0f));
+    return prsm::deviceScale(*this, params, data, Data::BlockPowerScaleKey::DEFAULT_PSXL_VCCLPD, "PSXL_VCCLPD");
 }
 
 namespace {
