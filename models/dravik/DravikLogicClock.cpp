@@ -18,7 +18,6 @@ using Model = PRSMDravikLogicClockModel;
 using Data = Model::Data;
 using prsm::logicclock::kFlipFlopsPerSlice;
 using prsm::logicclock::kMemoryLutsPerSlice;
-using prsm::logicclock::loadCap;
 using prsm::logicclock::sliceClockCap;
 
 namespace {
@@ -132,13 +131,7 @@ float Model::computeSliceCap(Params& params, Data const& data) const {
 
 // Every load's clock pin cycles every period: a slice's clock enable holds the data, not the clock.
 float Model::computeLoadPinCap(Params& params, Data const& data) const {
-    using Key = Data::LoadCapKey;
-    return count(getFfsUsingClk(params, data)) * loadCap(data, Key::FF) +
-           count(getLutramsUsingClk(params, data)) * loadCap(data, Key::LUTRAM) +
-           count(getSrlsUsingClk(params, data)) * loadCap(data, Key::SRL) +
-           count(getBramsUsingClk(params, data)) * loadCap(data, Key::BRAM) +
-           count(getUramsUsingClk(params, data)) * loadCap(data, Key::URAM) +
-           count(getDspsUsingClk(params, data)) * loadCap(data, Key::DSP);
+    return prsm::logicclock::loadPinCap(*this, params, data, 1.0f);
 }
 
 // ---- Components: C x f x V^VPOW x 0.001 x device scale ------------------------------------------------

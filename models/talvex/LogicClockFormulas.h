@@ -23,6 +23,20 @@ float sliceClockCap(Data const& data, typename Data::SliceClockCapKey key) {
     return PRSMHelperUtils::IFERROR(data.getSliceClockCapOrError(key), 0.0f);
 }
 
+// The loads' clock pins: each kind's count times its capacitance, the flip-flops' weighted by how often
+// their clock pins switch against the clock.
+template <typename Model>
+float loadPinCap(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, float flipFlopActivity) {
+    using Key = typename DataOf<Model>::LoadCapKey;
+    auto const count = [](int n) { return static_cast<float>(n); };
+    return count(model.getFfsUsingClk(params, data)) * loadCap(data, Key::FF) * flipFlopActivity +
+           count(model.getLutramsUsingClk(params, data)) * loadCap(data, Key::LUTRAM) +
+           count(model.getSrlsUsingClk(params, data)) * loadCap(data, Key::SRL) +
+           count(model.getBramsUsingClk(params, data)) * loadCap(data, Key::BRAM) +
+           count(model.getUramsUsingClk(params, data)) * loadCap(data, Key::URAM) +
+           count(model.getDspsUsingClk(params, data)) * loadCap(data, Key::DSP);
+}
+
 template <typename Model>
 using FloatCell = float (Model::*)(ParamsOf<Model>&, DataOf<Model> const&) const;
 

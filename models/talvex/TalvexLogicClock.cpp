@@ -18,7 +18,6 @@ using Model = PRSMTalvexLogicClockModel;
 using Data = Model::Data;
 using prsm::logicclock::kFlipFlopsPerSlice;
 using prsm::logicclock::kMemoryLutsPerSlice;
-using prsm::logicclock::loadCap;
 using prsm::logicclock::sliceClockCap;
 using Segment = Model::Segment;
 
@@ -148,16 +147,9 @@ float Model::computeSliceCap(Params& params, Data const& data) const {
 // A flip-flop's clock pin cycles when its slice's enable lets the clock through, twice as often when
 // it is clocked on both edges; the other loads' pins cycle every period.
 float Model::computeLoadPinCap(Params& params, Data const& data) const {
-    using Key = Data::LoadCapKey;
-    auto const count = [](int n) { return static_cast<float>(n); };
     float const flipFlopActivity =
         getProbSliceCe(params, data) * (1.0f + getProbDualEdgeClocking(params, data));
-    return count(getFfsUsingClk(params, data)) * loadCap(data, Key::FF) * flipFlopActivity +
-           count(getLutramsUsingClk(params, data)) * loadCap(data, Key::LUTRAM) +
-           count(getSrlsUsingClk(params, data)) * loadCap(data, Key::SRL) +
-           count(getBramsUsingClk(params, data)) * loadCap(data, Key::BRAM) +
-           count(getUramsUsingClk(params, data)) * loadCap(data, Key::URAM) +
-           count(getDspsUsingClk(params, data)) * loadCap(data, Key::DSP);
+    return prsm::logicclock::loadPinCap(*this, params, data, flipFlopActivity);
 }
 
 // ---- Components: C x f x V^VPOW x 0.001 x device scale ------------------------------------------------
