@@ -1,9 +1,10 @@
 #include <prsm/design/ReportFormat.h>
 
+#include <prsm/design/CsvText.h>
+
 #include <nlohmann/json.hpp>
 
 #include <cmath>
-#include <cstdio>
 #include <sstream>
 #include <tuple>
 
@@ -12,19 +13,6 @@ namespace prsm::design {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-std::string csvField(std::string const& text) {
-    if (text.find_first_of(",\"\n") == std::string::npos) return text;
-    std::string out = "\"";
-    for (char c : text) out += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return out + "\"";
-}
-
-std::string number(double value) {
-    char buffer[32];
-    std::snprintf(buffer, sizeof buffer, "%.9g", value);
-    return buffer;
-}
 
 // A figure, or null when there is none (NaN).
 Json figureOrNull(double value) {
@@ -168,14 +156,14 @@ std::string toCsv(Report const& report) {
     };
     line("device", "", "", "voltage_corner", report.voltageCorner, "");
     for (RailResult const& r : report.rails) {
-        line("rail", r.rail, r.rail, "voltage", number(r.voltage), "V");
+        line("rail", r.rail, r.rail, "voltage", csvNumber(r.voltage), "V");
         line("rail", r.rail, r.rail, "voltage_source", toString(r.voltageSource), "");
-        line("rail", r.rail, r.rail, "dynamic_current", number(r.dynamicCurrent), "A");
-        line("rail", r.rail, r.rail, "static_current", number(r.staticCurrent), "A");
-        line("rail", r.rail, r.rail, "total_current", number(r.totalCurrent), "A");
-        line("rail", r.rail, r.rail, "power", number(r.power), "W");
+        line("rail", r.rail, r.rail, "dynamic_current", csvNumber(r.dynamicCurrent), "A");
+        line("rail", r.rail, r.rail, "static_current", csvNumber(r.staticCurrent), "A");
+        line("rail", r.rail, r.rail, "total_current", csvNumber(r.totalCurrent), "A");
+        line("rail", r.rail, r.rail, "power", csvNumber(r.power), "W");
         if (r.maxCurrent > 0) {
-            line("rail", r.rail, r.rail, "max_current", number(r.maxCurrent), "A");
+            line("rail", r.rail, r.rail, "max_current", csvNumber(r.maxCurrent), "A");
             line("rail", r.rail, r.rail, "over_limit", r.overLimit ? "1" : "0", "");
         }
     }
@@ -184,74 +172,74 @@ std::string toCsv(Report const& report) {
             line("block", b.name, "", "error", b.error, "");
             continue;
         }
-        line("block", b.name, "", "power", number(b.power), "W");
-        for (auto const& [rail, power] : b.rails) line("block", b.name, rail, "power", number(power), "W");
+        line("block", b.name, "", "power", csvNumber(b.power), "W");
+        for (auto const& [rail, power] : b.rails) line("block", b.name, rail, "power", csvNumber(power), "W");
     }
     for (RegionResult const& r : report.regions) {
-        line("region", r.region, "", "dynamic_power", number(r.dynamicPower), "W");
-        line("region", r.region, "", "static_power", number(r.staticPower), "W");
+        line("region", r.region, "", "dynamic_power", csvNumber(r.dynamicPower), "W");
+        line("region", r.region, "", "static_power", csvNumber(r.staticPower), "W");
     }
     for (auto const& [cell, value] : report.staticInputs)
-        line("static_input", cell, "", "power", number(value), "W");
+        line("static_input", cell, "", "power", csvNumber(value), "W");
     for (auto const& [cell, value] : report.staticCounts)
-        line("static_count", cell, "", "count", number(value), "");
+        line("static_count", cell, "", "count", csvNumber(value), "");
     for (ResourceUse const& r : report.resources) {
-        line("resource", r.resource, "", "used", number(r.used), "count");
+        line("resource", r.resource, "", "used", csvNumber(r.used), "count");
         if (!r.known) continue;
-        line("resource", r.resource, "", "available", number(r.available), "count");
+        line("resource", r.resource, "", "available", csvNumber(r.available), "count");
         if (r.available > 0)
-            line("resource", r.resource, "", "utilisation", number(r.used / r.available * 100), "%");
+            line("resource", r.resource, "", "utilisation", csvNumber(r.used / r.available * 100), "%");
     }
-    line("thermal", "", "", "junction_temperature", number(report.thermal.junction), "degC");
+    line("thermal", "", "", "junction_temperature", csvNumber(report.thermal.junction), "degC");
     if (report.thermal.solved)
         line("thermal", "", "", "iterations", std::to_string(report.thermal.iterations), "count");
     if (report.complete) {
-        line("total", "", "", "dynamic_power", number(report.dynamicPower), "W");
-        line("total", "", "", "static_power", number(report.staticPower), "W");
-        line("total", "", "", "total_power", number(report.totalPower), "W");
+        line("total", "", "", "dynamic_power", csvNumber(report.dynamicPower), "W");
+        line("total", "", "", "static_power", csvNumber(report.staticPower), "W");
+        line("total", "", "", "total_power", csvNumber(report.totalPower), "W");
     }
     if (report.board) {
         BoardResult const& b = *report.board;
         for (auto const& [cell, value] : b.currents)
-            line("board_input", cell, "", "current", number(value), "A");
+            line("board_input", cell, "", "current", csvNumber(value), "A");
         for (RegulatorResult const& r : b.regulators) {
-            if (!std::isnan(r.load)) line("regulator", r.name, "", "load", number(r.load), "A");
+            if (!std::isnan(r.load)) line("regulator", r.name, "", "load", csvNumber(r.load), "A");
             if (!std::isnan(r.efficiency))
-                line("regulator", r.name, "", "efficiency", number(r.efficiency), "fraction");
-            if (!std::isnan(r.loss)) line("regulator", r.name, "", "loss", number(r.loss), "W");
+                line("regulator", r.name, "", "efficiency", csvNumber(r.efficiency), "fraction");
+            if (!std::isnan(r.loss)) line("regulator", r.name, "", "loss", csvNumber(r.loss), "W");
             if (!std::isnan(r.overLimit))
-                line("regulator", r.name, "", "over_limit", number(r.overLimit), "mW");
+                line("regulator", r.name, "", "over_limit", csvNumber(r.overLimit), "mW");
             if (!r.kind.empty()) line("regulator", r.name, r.rail, "kind", r.kind, "");
             if (!r.input.empty()) line("regulator", r.name, r.rail, "input", r.input, "");
             for (auto const& [quantity, value, unit] :
                  {std::tuple{"voltage", r.voltage, "V"}, std::tuple{"input_voltage", r.inputVoltage, "V"},
                   std::tuple{"rating", r.rating, "A"}, std::tuple{"margin", r.margin, "A"}})
-                if (!std::isnan(value)) line("regulator", r.name, r.rail, quantity, number(value), unit);
+                if (!std::isnan(value)) line("regulator", r.name, r.rail, quantity, csvNumber(value), unit);
         }
-        if (!std::isnan(b.totalPower)) line("board", b.model, "", "total_power", number(b.totalPower), "W");
+        if (!std::isnan(b.totalPower)) line("board", b.model, "", "total_power", csvNumber(b.totalPower), "W");
     }
     // Supplies.
     for (RailResult const& r : report.rails) {
         if (!std::isnan(r.powerupCurrent))
-            line("rail", r.rail, r.rail, "powerup_current", number(r.powerupCurrent), "A");
+            line("rail", r.rail, r.rail, "powerup_current", csvNumber(r.powerupCurrent), "A");
         if (!r.countedIn.empty()) line("rail", r.rail, r.rail, "counted_in", r.countedIn, "");
     }
     for (RegulatorLoad const& r : report.regulators) {
         std::string rails;
         for (std::string const& rail : r.rails) rails += (rails.empty() ? "" : " ") + rail;
-        line("regulator_supply", r.name, rails, "rating", number(r.rating), "A");
-        line("regulator_supply", r.name, rails, "load", number(r.load), "A");
-        line("regulator_supply", r.name, rails, "margin", number(r.margin), "A");
+        line("regulator_supply", r.name, rails, "rating", csvNumber(r.rating), "A");
+        line("regulator_supply", r.name, rails, "load", csvNumber(r.load), "A");
+        line("regulator_supply", r.name, rails, "margin", csvNumber(r.margin), "A");
         if (!std::isnan(r.powerupCurrent))
-            line("regulator_supply", r.name, rails, "powerup_current", number(r.powerupCurrent), "A");
-        line("regulator_supply", r.name, rails, "output_power", number(r.outputPower), "W");
-        line("regulator_supply", r.name, rails, "efficiency", number(r.efficiency), "fraction");
-        line("regulator_supply", r.name, rails, "input_power", number(r.inputPower), "W");
-        line("regulator_supply", r.name, rails, "loss", number(r.loss), "W");
+            line("regulator_supply", r.name, rails, "powerup_current", csvNumber(r.powerupCurrent), "A");
+        line("regulator_supply", r.name, rails, "output_power", csvNumber(r.outputPower), "W");
+        line("regulator_supply", r.name, rails, "efficiency", csvNumber(r.efficiency), "fraction");
+        line("regulator_supply", r.name, rails, "input_power", csvNumber(r.inputPower), "W");
+        line("regulator_supply", r.name, rails, "loss", csvNumber(r.loss), "W");
     }
     if (!report.regulators.empty()) {
-        line("supplies", "", "", "input_power", number(report.supplyInputPower), "W");
-        line("supplies", "", "", "unregulated_power", number(report.unregulatedPower), "W");
+        line("supplies", "", "", "input_power", csvNumber(report.supplyInputPower), "W");
+        line("supplies", "", "", "unregulated_power", csvNumber(report.unregulatedPower), "W");
     }
     for (Warning const& w : report.warnings)
         line("warning", w.block, "", "invalid_input", w.cell + ": " + w.message, "");

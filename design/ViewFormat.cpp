@@ -1,10 +1,10 @@
+#include <prsm/design/CsvText.h>
 #include <prsm/design/ReportFormat.h>
 #include <prsm/design/ViewFormat.h>
 
 #include <nlohmann/json.hpp>
 
 #include <cmath>
-#include <cstdio>
 #include <sstream>
 
 namespace prsm::design {
@@ -69,20 +69,6 @@ Json budgetJson(std::vector<BudgetLine> const& lines) {
     return out;
 }
 
-std::string csvField(std::string const& text) {
-    if (text.find_first_of(",\"\n") == std::string::npos) return text;
-    std::string out = "\"";
-    for (char c : text) out += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return out + "\"";
-}
-
-std::string number(double value) {
-    if (!std::isfinite(value)) return "";
-    char buffer[32];
-    std::snprintf(buffer, sizeof buffer, "%.9g", value);
-    return buffer;
-}
-
 }  // namespace
 
 std::string toJson(Report const& report, ReportViews const& views) {
@@ -110,17 +96,17 @@ std::string toCsv(Report const& report, ReportViews const& views) {
     };
     if (CornerReports const* c = views.corners) {
         line("corner", "typical", "", "process", "typical", "");
-        line("corner", "typical", "", "junction_temperature", number(c->typical.thermal.junction), "degC");
+        line("corner", "typical", "", "junction_temperature", csvFigure(c->typical.thermal.junction), "degC");
         line("corner", "worst", "", "process", "max", "");
         line("corner", "worst", "", "voltage_corner", c->worst.voltageCorner, "");
-        line("corner", "worst", "", "junction_temperature", number(c->worst.thermal.junction), "degC");
+        line("corner", "worst", "", "junction_temperature", csvFigure(c->worst.thermal.junction), "degC");
         line("corner", "worst", "", "junction_from", toString(c->hotJunction), "");
         auto rows = [&](char const* section, std::vector<CornerFigure> const& figures, bool rail,
                         char const* quantity, char const* unit) {
             for (CornerFigure const& f : figures) {
                 std::string const q = quantity;
-                line(section, f.name, rail ? f.name : "", "typical_" + q, number(f.typical), unit);
-                line(section, f.name, rail ? f.name : "", "worst_" + q, number(f.worst), unit);
+                line(section, f.name, rail ? f.name : "", "typical_" + q, csvFigure(f.typical), unit);
+                line(section, f.name, rail ? f.name : "", "worst_" + q, csvFigure(f.worst), unit);
             }
         };
         rows("corner_rail", c->railCurrents, true, "current", "A");
@@ -131,15 +117,15 @@ std::string toCsv(Report const& report, ReportViews const& views) {
     if (views.budget)
         for (BudgetLine const& l : *views.budget) {
             std::string const name = l.rail.empty() ? "total_power" : l.rail;
-            line("budget", name, l.rail, "limit", number(l.limit), l.unit());
-            line("budget", name, l.rail, "value", number(l.value), l.unit());
+            line("budget", name, l.rail, "limit", csvFigure(l.limit), l.unit());
+            line("budget", name, l.rail, "value", csvFigure(l.value), l.unit());
             line("budget", name, l.rail, "exceeded", l.exceeded ? "1" : "0", "");
         }
     if (JunctionLimit const* l = views.junctionLimit) {
-        line("junction_limit", "", "", "junction_temperature", number(l->junction), "degC");
-        line("junction_limit", "", "", "power", number(l->power), "W");
-        line("junction_limit", "", "", "max_theta_ja", number(l->maxThetaJa), "degC/W");
-        line("junction_limit", "", "", "max_ambient_temperature", number(l->maxAmbient), "degC");
+        line("junction_limit", "", "", "junction_temperature", csvFigure(l->junction), "degC");
+        line("junction_limit", "", "", "power", csvFigure(l->power), "W");
+        line("junction_limit", "", "", "max_theta_ja", csvFigure(l->maxThetaJa), "degC/W");
+        line("junction_limit", "", "", "max_ambient_temperature", csvFigure(l->maxAmbient), "degC");
         if (!l->missing.empty()) line("junction_limit", "", "", "missing", l->missing, "");
     }
     return out.str();

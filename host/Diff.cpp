@@ -1,3 +1,4 @@
+#include <prsm/design/CsvText.h>
 #include <prsm/design/Diff.h>
 #include <prsm/framework/PRSMException.h>
 #include <prsm/host/Diff.h>
@@ -65,19 +66,12 @@ std::string json(Request const& request, std::vector<design::DiffRow> const& row
     return out.dump(2) + "\n";
 }
 
-std::string csvField(std::string const& text) {
-    if (text.find_first_of(",\"\n") == std::string::npos) return text;
-    std::string out = "\"";
-    for (char c : text) out += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return out + "\"";
-}
-
 std::string csv(std::vector<design::DiffRow> const& rows) {
     std::string out = "section,name,quantity,a,b,difference,ratio,unit\n";
-    auto number = [](double value) { return std::isfinite(value) ? format("%.9g", value) : std::string(); };
     for (design::DiffRow const& r : rows)
-        out += r.section + "," + csvField(r.name) + "," + r.quantity + "," + number(r.a) + "," + number(r.b) +
-               "," + number(r.difference()) + "," + number(r.ratio()) + "," + r.unit + "\n";
+        out += r.section + "," + design::csvField(r.name) + "," + r.quantity + "," + design::csvFigure(r.a) + "," +
+               design::csvFigure(r.b) + "," + design::csvFigure(r.difference()) + "," + design::csvFigure(r.ratio()) +
+               "," + r.unit + "\n";
     return out;
 }
 

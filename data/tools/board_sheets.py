@@ -16,7 +16,7 @@ from __future__ import annotations
 import sys
 from pathlib import Path
 
-from cfg_writer import value, write_or_check
+from cfg_writer import run, value
 
 OUT = Path(__file__).resolve().parent.parent / "powercfg" / "talvex"
 
@@ -279,8 +279,7 @@ def main() -> int:
             decoupling("DecouplingCapXc", XC_CAPS, XC_CLASSES, XC_PACKAGES,
                        [r for r in STEP_RAILS if r not in RF_RAILS] + GT_RAILS, GT_LISTS),
     }
-    return write_or_check({OUT / name: text for name, text in files.items()}, "--check" in sys.argv[1:],
-                          Path(__file__).name)
+    return run(OUT, files, Path(__file__).name)
 
 
 if __name__ == "__main__":

@@ -9,6 +9,7 @@ Standard library only.
 from __future__ import annotations
 
 import sys
+import tomllib
 from pathlib import Path
 from typing import Callable
 
@@ -83,3 +84,24 @@ def write_or_check(files: dict[Path, str], check: bool, script: str, source: str
     for path in stale:
         print(f"{path} is not what {given}: run it again", file=sys.stderr)
     return 1 if stale else 0
+
+
+def run(out: Path, files: dict[str, str], script: str, argv: list[str] | None = None) -> int:
+    """The command line of a tool that writes fixed files, `[--check]`: each of `files` (name to text)
+    written into `out`, or with --check compared with it. Answers the exit status."""
+    args = sys.argv[1:] if argv is None else argv
+    return write_or_check({out / name: text for name, text in files.items()}, "--check" in args, script)
+
+
+def description_command_line(usage: str, argv: list[str] | None = None) -> tuple[dict, Path, Path, bool] | None:
+    """The command line of a tool that renders a TOML description, `DESCRIPTION.toml OUTPUT [--check]`:
+    the description as loaded, its path, the output and whether to check. None, with `usage` on standard
+    error, for any other command line."""
+    args = sys.argv[1:] if argv is None else argv
+    paths = [a for a in args if a != "--check"]
+    if len(paths) != 2:
+        print(usage, file=sys.stderr)
+        return None
+    with open(paths[0], "rb") as f:
+        description = tomllib.load(f)
+    return description, Path(paths[0]), Path(paths[1]), "--check" in args

@@ -32,7 +32,7 @@ from __future__ import annotations
 import sys
 from pathlib import Path
 
-from cfg_writer import data_file, write_or_check
+from cfg_writer import data_file, run
 from gt_ip_sheets import ENCODING_FACTOR
 from memory_sheets import TYPE_IO as HARD_TYPE_IO
 from memory_sheets import TYPE_PINS
@@ -274,8 +274,7 @@ def files() -> dict:
 
 
 def main() -> int:
-    return write_or_check({OUT / name: text for name, text in files().items()}, "--check" in sys.argv[1:],
-                          Path(__file__).name)
+    return run(OUT, files(), Path(__file__).name)
 
 
 if __name__ == "__main__":

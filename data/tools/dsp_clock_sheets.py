@@ -20,7 +20,7 @@ from __future__ import annotations
 import sys
 from pathlib import Path
 
-from cfg_writer import data_file, write_or_check
+from cfg_writer import data_file, run
 
 OUT = Path(__file__).resolve().parent.parent / "powercfg" / "talvex"
 
@@ -158,8 +158,7 @@ FILES = {
 
 
 def main() -> int:
-    return write_or_check({OUT / name: text for name, text in FILES.items()}, "--check" in sys.argv[1:],
-                          Path(__file__).name)
+    return run(OUT, FILES, Path(__file__).name)
 
 
 if __name__ == "__main__":

@@ -26,7 +26,7 @@ import sys
 import tomllib
 from pathlib import Path
 
-from cfg_writer import data_file, write_or_check
+from cfg_writer import data_file, run
 
 TOOLS = Path(__file__).resolve().parent
 OUT = TOOLS.parent / "powercfg" / "talvex"
@@ -208,8 +208,7 @@ def files() -> dict:
 
 
 def main() -> int:
-    return write_or_check({OUT / name: text for name, text in files().items()}, "--check" in sys.argv[1:],
-                          Path(__file__).name)
+    return run(OUT, files(), Path(__file__).name)
 
 
 if __name__ == "__main__":

@@ -19,7 +19,7 @@ from __future__ import annotations
 import sys
 from pathlib import Path
 
-from cfg_writer import data_file, write_or_check
+from cfg_writer import data_file, run
 from dsp_clock_sheets import DEVICE_SIZES
 
 OUT = Path(__file__).resolve().parent.parent / "powercfg" / "talvex"
@@ -142,7 +142,7 @@ TEXT = data_file(
 
 
 def main() -> int:
-    return write_or_check({OUT / "PRSMTalvexIoData.cfg": TEXT}, "--check" in sys.argv[1:], Path(__file__).name)
+    return run(OUT, {"PRSMTalvexIoData.cfg": TEXT}, Path(__file__).name)
 
 
 if __name__ == "__main__":

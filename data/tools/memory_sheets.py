@@ -18,7 +18,7 @@ import sys
 import tomllib
 from pathlib import Path
 
-from cfg_writer import data_file, write_or_check
+from cfg_writer import data_file, run
 
 TOOLS = Path(__file__).resolve().parent
 OUT = TOOLS.parent / "powercfg" / "talvex"
@@ -206,8 +206,7 @@ def main() -> int:
             parts = ", ".join(f"{rail} {w:.3f}" for rail, w in figures.items())
             print(f"{name}: {total:.3f} W ({parts})")
         return 0
-    return write_or_check({OUT / name: text for name, text in FILES.items()}, "--check" in args,
-                          Path(__file__).name)
+    return run(OUT, FILES, Path(__file__).name)
 
 if __name__ == "__main__":
     sys.exit(main())

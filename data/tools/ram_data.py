@@ -15,10 +15,9 @@ from __future__ import annotations
 
 import math
 import sys
-import tomllib
 from pathlib import Path
 
-from cfg_writer import data_file, spread_to, write_or_check
+from cfg_writer import data_file, description_command_line, spread_to, write_or_check
 
 
 def array_energy(law: dict, nominal: dict, blk: dict, array_rail: str) -> dict[str, float]:
@@ -81,15 +80,12 @@ def render(desc: dict, stem: str, sheet: dict) -> str:
 
 
 def main() -> int:
-    args = [a for a in sys.argv[1:] if a != "--check"]
-    if len(args) != 2:
-        print(__doc__.splitlines()[2], file=sys.stderr)
+    command = description_command_line(__doc__.splitlines()[2])
+    if command is None:
         return 2
-    with open(args[0], "rb") as f:
-        desc = tomllib.load(f)
-    files = {Path(args[1]) / f"PRSM{stem}Data.cfg": render(desc, stem, sheet)
-             for stem, sheet in desc["sheets"].items()}
-    return write_or_check(files, "--check" in sys.argv, Path(__file__).name, args[0])
+    desc, description, out, check = command
+    files = {out / f"PRSM{stem}Data.cfg": render(desc, stem, sheet) for stem, sheet in desc["sheets"].items()}
+    return write_or_check(files, check, Path(__file__).name, str(description))
 
 
 if __name__ == "__main__":

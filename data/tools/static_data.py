@@ -18,10 +18,9 @@ from __future__ import annotations
 
 import math
 import sys
-import tomllib
 from pathlib import Path
 
-from cfg_writer import data_file, spread_to, write_or_check
+from cfg_writer import data_file, description_command_line, spread_to, write_or_check
 
 LETTERS = ("A", "B", "C", "D", "E", "CONST")  # coefficients of T^5 .. T^0
 
@@ -324,15 +323,12 @@ def render(desc: dict, tables: dict) -> str:
 
 
 def main() -> int:
-    args = [a for a in sys.argv[1:] if a != "--check"]
-    if len(args) != 2:
-        print(__doc__.splitlines()[2], file=sys.stderr)
+    command = description_command_line(__doc__.splitlines()[2])
+    if command is None:
         return 2
-    with open(args[0], "rb") as f:
-        desc = tomllib.load(f)
+    desc, description, out, check = command
     gen = GENERATORS[desc["sheet"].get("grades", "sku")](desc)
-    check = "--check" in sys.argv
-    status = write_or_check({Path(args[1]): render(desc, gen.tables())}, check, Path(__file__).name, args[0])
+    status = write_or_check({out: render(desc, gen.tables())}, check, Path(__file__).name, str(description))
     if not check:
         print(gen.report(), file=sys.stderr)
     return status

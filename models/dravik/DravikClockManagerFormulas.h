@@ -5,6 +5,7 @@
 // (factors to 1) when a file lacks them; and the rail powers of INSTANCE_COUNT managers, VCCINT's
 // current following its voltage from the characterisation voltage and VCCAUX's (regulated) staying.
 #include <prsm/models/talvex/ClockManagerFormulas.h>
+#include <prsm/models/talvex/DeviceScale.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <limits>
@@ -90,15 +91,6 @@ bool instanceCountValid(Model const& model, typename Model::Params& params, type
     int const available =
         partResource(model.refDevice(params, data), data, defaultKey, key, std::numeric_limits<int>::max());
     return count >= 0 && count <= available;
-}
-
-// The device's scale of one rail: its row, else the DEFAULT row, else 1.
-template <typename Model, typename Key>
-float railScale(Model const& model, typename Model::Params& params, typename Model::Data const& data,
-                Key defaultKey, char const* rail) {
-    return PRSMHelperUtils::IFERROR(
-        data.getBlockPowerScaleOrError(model.refDevice(params, data), rail),
-        PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError(defaultKey), 1.0f));
 }
 
 // A current coefficient of COMMON_DATA (0 when the file lacks it) and a calibration factor (1).

@@ -1,6 +1,7 @@
 // Formulas of the older architecture's I/O sheet that are its own: which VCCO rail the standard draws
 // from, which auxiliary rail the bank's receivers draw from, the standards the design's voltages allow
-// and the device scales. The I/O physics is the newer sheet's (IoFormulas.h, bound in the table).
+// and the banks' rails. The I/O physics and the device scales are the newer sheet's (IoFormulas.h,
+// bound in the table).
 #include <prsm/models/dravik/PRSMDravikIoModel.h>
 #include <prsm/models/dravik/PRSMDravikIoCells.h>
 
@@ -71,18 +72,4 @@ bool Model::isValidOdt(Params& params, Data const& data) const {
 
 bool Model::isValidExternalTermination(Params& params, Data const& data) const {
     return prsm::io::externalTerminationAllowed(*this, params, data);
-}
-
-// ---- Device scales -------------------------------------------------------------------------------------
-
-float Model::computeVccoScale(Params& params, Data const& data) const {
-    return prsm::io::deviceScale(data, refDevice(params, data), Data::BlockPowerScaleKey::DEFAULT_IO_VCCO, "IO_VCCO");
-}
-float Model::computeVccauxScale(Params& params, Data const& data) const {
-    return prsm::io::deviceScale(data, refDevice(params, data), Data::BlockPowerScaleKey::DEFAULT_IO_VCCAUX,
-                       "IO_VCCAUX");
-}
-float Model::computeVccintioScale(Params& params, Data const& data) const {
-    return prsm::io::deviceScale(data, refDevice(params, data), Data::BlockPowerScaleKey::DEFAULT_IO_VCCINTIO,
-                       "IO_VCCINTIO");
 }

@@ -7,6 +7,8 @@
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
+#include "DravikLogicClockFormulas.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -14,21 +16,15 @@
 using PRSMHelperUtils::IFERROR;
 using Model = PRSMDravikLogicClockModel;
 using Data = Model::Data;
+using prsm::logicclock::kFlipFlopsPerSlice;
+using prsm::logicclock::kMemoryLutsPerSlice;
+using prsm::logicclock::sliceClockCap;
 
 namespace {
-
-constexpr int kFlipFlopsPerSlice = 16;
-constexpr int kMemoryLutsPerSlice = 8;
 
 // Coefficients fall back to 0 when the file lacks them.
 float segmentCap(Data const& data, Data::SegmentCapKey key) {
     return IFERROR(data.getSegmentCapOrError(key), 0.0f);
-}
-float loadCap(Data const& data, Data::LoadCapKey key) {
-    return IFERROR(data.getLoadCapOrError(key), 0.0f);
-}
-float sliceClockCap(Data const& data, Data::SliceClockCapKey key) {
-    return IFERROR(data.getSliceClockCapOrError(key), 0.0f);
 }
 
 // The part's network figure: its row, else the DEFAULT row, else 0.
@@ -135,21 +131,7 @@ float Model::computeSliceCap(Params& params, Data const& data) const {
 
 // Every load's clock pin cycles every period: a slice's clock enable holds the data, not the clock.
 float Model::computeLoadPinCap(Params& params, Data const& data) const {
-    using Key = Data::LoadCapKey;
-    return count(getFfsUsingClk(params, data)) * loadCap(data, Key::FF) +
-           count(getLutramsUsingClk(params, data)) * loadCap(data, Key::LUTRAM) +
-           count(getSrlsUsingClk(params, data)) * loadCap(data, Key::SRL) +
-           count(getBramsUsingClk(params, data)) * loadCap(data, Key::BRAM) +
-           count(getUramsUsingClk(params, data)) * loadCap(data, Key::URAM) +
-           count(getDspsUsingClk(params, data)) * loadCap(data, Key::DSP);
-}
-
-float Model::computeBufferCap(Params& params, Data const& data) const {
-    return IFERROR(data.getBufferCapOrError(refBufType(params, data)), 0.0f);
-}
-
-float Model::computeRunningFreq(Params& params, Data const& data) const {
-    return getClockFreq(params, data) * (1.0f - getGatingProb(params, data));
+    return prsm::logicclock::loadPinCap(*this, params, data, 1.0f);
 }
 
 // ---- Components: C x f x V^VPOW x 0.001 x device scale ------------------------------------------------
@@ -159,48 +141,21 @@ float Model::computeVccintFactor(Params& params, Data const& data) const {
                     IFERROR(data.getConstantsOrError(Data::ConstantsKey::VPOW), 2.0f));
 }
 
-float Model::computeVccintScale(Params& params, Data const& data) const {
-    return IFERROR(
-        data.getBlockPowerScaleOrError(refDevice(params, data), "CLOCK_VCCINT"),
-        IFERROR(data.getBlockPowerScaleOrError(Data::BlockPowerScaleKey::DEFAULT_CLOCK_VCCINT), 1.0f));
-}
-
 namespace {
 
+// The buffer's part, at the full clock (the network's parts: LogicClockFormulas.h).
 float milliwatts(Model const& model, Model::Params& params, Data const& data, float cap, float mhz) {
     return cap * mhz * model.derivedVccintFactor(params, data) * 0.001f *
            model.calculateVccintScale(params, data);
 }
 
-float networkComponent(Model const& model, Model::Params& params, Data const& data, float cap) {
-    return milliwatts(model, params, data, cap, model.calculateRunningFreq(params, data));
-}
-
 }  // namespace
 
-float Model::computeDistributionComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateDistributionCap(params, data));
-}
-float Model::computeLeafComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateLeafCap(params, data));
-}
-float Model::computeSliceComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateSliceCap(params, data));
-}
-float Model::computeLoadPinComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateLoadPinCap(params, data));
-}
 float Model::computeBufferComponent(Params& params, Data const& data) const {
     return milliwatts(*this, params, data, calculateBufferCap(params, data), getClockFreq(params, data));
 }
 
 // ---- One clock and the group ----------------------------------------------------------------------------
-
-float Model::computeClockInstancePower(Params& params, Data const& data) const {
-    return calculateDistributionComponent(params, data) + calculateLeafComponent(params, data) +
-           calculateSliceComponent(params, data) + calculateLoadPinComponent(params, data) +
-           calculateBufferComponent(params, data);
-}
 
 float Model::computeVccintClockPower(Params& params, Data const& data) const {
     return count(getInstanceCount(params, data)) * calculateClockInstancePower(params, data) * 0.001f;

@@ -1,8 +1,9 @@
 // Formulas of the older architecture's processing-system sheet.
 //
 // Every clocked block (application cores, GPU, interconnects, real-time cores, memories, peripheral
-// controllers) is one member of the Block family and follows prsm::ps::clockedPower as a core does, as
-// the newer architecture's larger processor system does: an idle clock term unless clock-gated, a load
+// controllers) is one member of the Block family, whose rows in the table give its domain, count and
+// gates, and follows prsm::ps::clockedPower as a core does, as the newer architecture's larger processor
+// system does (models/talvex/ProcessingSystemBlocks.h): an idle clock term unless clock-gated, a load
 // term added to it, power gating, a count, and its domain's voltage and device scaling. The peripherals'
 // pins cost their receivers and drivers on VCCPSINTLP and on the supply of their bank. The DDR interface
 // has a controller and PHY logic term per memory clock, pins that switch and terminate with the
@@ -10,7 +11,8 @@
 #include <prsm/models/dravik/PRSMDravikPsModel.h>
 #include <prsm/models/dravik/PRSMDravikPsCells.h>
 
-#include <prsm/models/talvex/ProcessingSystemFormulas.h>
+#include <prsm/models/talvex/DeviceScale.h>
+#include <prsm/models/talvex/ProcessingSystemBlocks.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <array>
@@ -21,119 +23,31 @@ using PRSMHelperUtils::IFERROR;
 using PRSMHelperUtils::ISERROR;
 using Model = PRSMDravikPsModel;
 using Data = Model::Data;
-using prsm::ps::BankVoltage;
-using prsm::ps::BlockKind;
+using prsm::ps::blockData;
+using prsm::ps::kPeripheralCount;
+using prsm::ps::PinField;
 
 namespace {
 
-using IntInput = int (Model::*)(Model::Params&, Data const&) const;
-
-enum class Domain { FullPower, LowPower };
-
-// How one block that is not a peripheral is counted and gated. A null count is one; a null gate never
-// gates. The peripherals are counted by the Peripheral family, never gated, and draw on the low-power
-// domain.
-struct BlockWiring {
-    Domain domain;
-    IntInput count;
-    IntInput clockGated;
-    IntInput powerGated;
-};
-
-// In the order of the Block family's members, whose last seven are the Peripheral family's members.
-constexpr std::array<BlockWiring, 7> kBlocks{{
-    {Domain::FullPower, &Model::getCpuCores, &Model::getCpuClockGated, &Model::getCpuPowerGated},
-    {Domain::FullPower, &Model::getGpuCores, &Model::getGpuClockGated, &Model::getGpuPowerGated},
-    {Domain::FullPower, nullptr, &Model::getFpInterconnectClockGated, nullptr},
-    {Domain::LowPower, &Model::getRpuCores, &Model::getRpuClockGated, &Model::getRpuPowerGated},
-    {Domain::LowPower, &Model::getTcmMemoryCores, &Model::getTcmMemoryClockGated,
-     &Model::getTcmMemoryPowerGated},
-    {Domain::LowPower, &Model::getOcmMemoryCores, &Model::getOcmMemoryClockGated,
-     &Model::getOcmMemoryPowerGated},
-    {Domain::LowPower, nullptr, &Model::getLpInterconnectClockGated, nullptr},
-}};
-constexpr BlockWiring kPeripheralWiring{Domain::LowPower, nullptr, nullptr, nullptr};
-constexpr std::size_t kFirstPeripheral = kBlocks.size();
-constexpr std::size_t kPeripheralCount = 7;
-constexpr std::size_t kBlockCount = kFirstPeripheral + kPeripheralCount;
-
-Model::Block blockOf(Model::Peripheral peripheral) {
-    return static_cast<Model::Block>(kFirstPeripheral + static_cast<std::size_t>(peripheral));
-}
-
-// ---- Table keys, read by their place in the tables' `fixed` lists ----
-
 using BlockKey = Data::BlockDataKey;
-using PinKey = Data::PeripheralPinsKey;
 
-// BLOCK_DATA: every block's CLOCK, then every block's DYNAMIC, then the peripherals' PIN_ACTIVITY.
-static_assert(Data::kBlockDataKeys[0] == "CPU.CLOCK" && Data::kBlockDataKeys[kBlockCount] == "CPU.DYNAMIC" &&
-              Data::kBlockDataKeys[2 * kBlockCount] == "USB.PIN_ACTIVITY" &&
-              Data::kBlockDataKeys[2 * kBlockCount + kPeripheralCount - 1] == "SPI.PIN_ACTIVITY");
-enum class Term { Clock, Dynamic };
-
-BlockKey blockKey(Model::Block member, Term term) {
-    return static_cast<BlockKey>(static_cast<std::size_t>(term) * kBlockCount +
-                                 static_cast<std::size_t>(member));
-}
-
-BlockKey pinActivityKey(Model::Peripheral member) {
-    return static_cast<BlockKey>(2 * kBlockCount + static_cast<std::size_t>(member));
-}
-
+static_assert(Model::kBlockMembers == 14);
+static_assert(Data::kBlockDataKeys[0] == "CPU.CLOCK" && Data::kBlockDataKeys[Model::kBlockMembers] == "CPU.DYNAMIC" &&
+              Data::kBlockDataKeys[2 * Model::kBlockMembers] == "USB.PIN_ACTIVITY" &&
+              Data::kBlockDataKeys[2 * Model::kBlockMembers + kPeripheralCount - 1] == "SPI.PIN_ACTIVITY");
 // PERIPHERAL_PINS: each peripheral's INPUTS, OUTPUTS, BIDIS, BANK.
-static_assert(Data::kPeripheralPinsKeys[0] == "USB.INPUTS" &&
-              Data::kPeripheralPinsKeys[7] == "ETHERNET.BANK");
-enum class PinField { Inputs, Outputs, Bidis, Bank };
-
-PinKey pinKey(Model::Peripheral member, PinField field) {
-    return static_cast<PinKey>(4 * static_cast<std::size_t>(member) + static_cast<std::size_t>(field));
-}
-
-// MIO_DATA: the core side's three keys, then five per bank voltage in BankVoltage's order.
+static_assert(Data::kPeripheralPinsKeys.size() == 4 * kPeripheralCount &&
+              Data::kPeripheralPinsKeys[0] == "USB.INPUTS" && Data::kPeripheralPinsKeys[7] == "ETHERNET.BANK");
 static_assert(Data::kMioDataKeys[3] == "MIO_IOB_VCCO_PMIO_1V8_RX_DYNAMIC" &&
               Data::kMioDataKeys[8] == "MIO_IOB_VCCO_PMIO_2V5_RX_DYNAMIC" &&
               Data::kMioDataKeys[13] == "MIO_IOB_VCCO_PMIO_3V3_RX_DYNAMIC" &&
               Data::kMioDataKeys[17] == "MIO_BIAS_VCCO_PMIO_3V3_STATIC");
-
-// A coefficient the file lacks costs nothing; a factor it lacks changes nothing.
-float blockData(Data const& data, BlockKey key) {
-    return IFERROR(data.getBlockDataOrError(key), 0.0f);
-}
-
-double mioData(Data const& data, std::size_t index, double fallback = 0.0) {
-    float const value = data.getMioDataOrError(static_cast<Data::MioDataKey>(index));
-    return ISERROR(value) ? fallback : value;
-}
-
-prsm::ps::CoreSideCoefficients coreSide(Data const& data) {
-    return {mioData(data, 0), mioData(data, 1), mioData(data, 2)};
-}
-
-prsm::ps::BankSideCoefficients bankSide(Data const& data, BankVoltage bank) {
-    std::size_t const first = 3 + 5 * static_cast<std::size_t>(bank);
-    return {mioData(data, first), mioData(data, first + 1), mioData(data, first + 2, 1.0),
-            mioData(data, first + 3), mioData(data, first + 4)};
-}
-
-// (supply / characterised supply)^2.3; 1 when the file has no characterisation voltage.
-float coreVoltageScaling(Data const& data, float supply) {
-    float const characterised = data.getSimConditionsOrError(Data::SimConditionsKey::PSIM_VOLTAGE);
-    if (ISERROR(characterised)) return 1.0f;
-    return prsm::ps::voltageScaling(supply, characterised);
-}
 
 // (supply / characterised supply)^2 of an analog or pin supply; 1 when either is unknown.
 double squareLaw(double supply, float characterised) {
     if (ISERROR(characterised) || !(characterised > 0.0f)) return 1.0;
     double const ratio = supply / characterised;
     return ratio * ratio;
-}
-
-float deviceScale(Model const& model, Model::Params& params, Data const& data, std::string_view key,
-                  Data::BlockPowerScaleKey fallback) {
-    return IFERROR(data.getBlockPowerScaleOrError(model.refDevice(params, data), key),
-                   IFERROR(data.getBlockPowerScaleOrError(fallback), 1.0f));
 }
 
 // A DDR_DATA figure of the memory type; 0 when the file lacks it.
@@ -146,33 +60,33 @@ double ddrData(Model const& model, Model::Params& params, Data const& data, std:
 // ---- Voltage and device scaling of the domains ----
 
 float Model::computeVccpsintfpVoltageScaling(Params& params, Data const& data) const {
-    return coreVoltageScaling(data, getVccpsintfp(params, data));
+    return prsm::ps::domainVoltageScaling(data, getVccpsintfp(params, data));
 }
 
 float Model::computeVccpsintlpVoltageScaling(Params& params, Data const& data) const {
-    return coreVoltageScaling(data, getVccpsintlp(params, data));
+    return prsm::ps::domainVoltageScaling(data, getVccpsintlp(params, data));
 }
 
 float Model::computeVccpsintddrVoltageScaling(Params& params, Data const& data) const {
-    return coreVoltageScaling(data, getVccpsintddr(params, data));
+    return prsm::ps::domainVoltageScaling(data, getVccpsintddr(params, data));
 }
 
 float Model::computeFpdDeviceScale(Params& params, Data const& data) const {
-    return deviceScale(*this, params, data, "PS_FPD", Data::BlockPowerScaleKey::DEFAULT_PS_FPD);
+    return prsm::deviceScale(*this, params, data, Data::BlockPowerScaleKey::DEFAULT_PS_FPD, "PS_FPD");
 }
 
 float Model::computeLpdDeviceScale(Params& params, Data const& data) const {
-    return deviceScale(*this, params, data, "PS_LPD", Data::BlockPowerScaleKey::DEFAULT_PS_LPD);
+    return prsm::deviceScale(*this, params, data, Data::BlockPowerScaleKey::DEFAULT_PS_LPD, "PS_LPD");
 }
 
 float Model::computeDdrDeviceScale(Params& params, Data const& data) const {
-    return deviceScale(*this, params, data, "PS_DDR", Data::BlockPowerScaleKey::DEFAULT_PS_DDR);
+    return prsm::deviceScale(*this, params, data, Data::BlockPowerScaleKey::DEFAULT_PS_DDR, "PS_DDR");
 }
 
 namespace {
 
-double domainScale(Model const& model, Model::Params& params, Data const& data, Domain domain) {
-    if (domain == Domain::FullPower)
+double domainScale(Model const& model, Model::Params& params, Data const& data, Model::BlockDomain domain) {
+    if (domain == Model::BlockDomain::FULL_POWER)
         return static_cast<double>(model.calculateVccpsintfpVoltageScaling(params, data)) *
                model.calculateFpdDeviceScale(params, data);
     return static_cast<double>(model.calculateVccpsintlpVoltageScaling(params, data)) *
@@ -184,21 +98,8 @@ double domainScale(Model const& model, Model::Params& params, Data const& data, 
 // ---- The clocked blocks ----
 
 float Model::computeDynamicPower(Params& params, Data const& data, Block member) const {
-    auto const index = static_cast<std::size_t>(member);
-    BlockWiring const& block = index < kFirstPeripheral ? kBlocks[index] : kPeripheralWiring;
-    auto const flag = [&](IntInput input) { return input != nullptr && (this->*input)(params, data) == 1; };
-    double count = 1.0;
-    if (index >= kFirstPeripheral)
-        count = getCount(params, data, static_cast<Peripheral>(index - kFirstPeripheral));
-    else if (block.count != nullptr)
-        count = (this->*block.count)(params, data);
-
-    double const power =
-        count * prsm::ps::clockedPower(BlockKind::Core, blockData(data, blockKey(member, Term::Clock)),
-                                       blockData(data, blockKey(member, Term::Dynamic)),
-                                       getClkFreq(params, data, member), getLoad(params, data, member),
-                                       flag(block.clockGated), flag(block.powerGated));
-    return static_cast<float>(power * domainScale(*this, params, data, block.domain));
+    return static_cast<float>(prsm::ps::blockPower(*this, params, data, member) *
+                              domainScale(*this, params, data, row(member).domain));
 }
 
 // ---- PLLs: W per MHz of output clock on the domain's supply (scaled), while on ----
@@ -206,13 +107,13 @@ float Model::computeDynamicPower(Params& params, Data const& data, Block member)
 float Model::computeFpdPllCorePower(Params& params, Data const& data) const {
     if (getFpdPllOnOff(params, data) != 1) return 0.0f;
     return static_cast<float>(blockData(data, BlockKey::FPD_PLL_CORE) * getFpdPllClkFreq(params, data) *
-                              domainScale(*this, params, data, Domain::FullPower));
+                              domainScale(*this, params, data, BlockDomain::FULL_POWER));
 }
 
 float Model::computeLpdPllCorePower(Params& params, Data const& data) const {
     if (getLpdPllOnOff(params, data) != 1) return 0.0f;
     return static_cast<float>(blockData(data, BlockKey::LPD_PLL_CORE) * getLpdPllClkFreq(params, data) *
-                              domainScale(*this, params, data, Domain::LowPower));
+                              domainScale(*this, params, data, BlockDomain::LOW_POWER));
 }
 
 // The analog parts of both PLLs on VCCPSPLL, with the square of its voltage.
@@ -238,82 +139,50 @@ float Model::computeAuxPower(Params& params, Data const& data) const {
 
 namespace {
 
-int pinsOf(Data const& data, Model::Peripheral member, PinField field) {
-    return IFERROR(data.getPeripheralPinsOrError(pinKey(member, field)), 0);
-}
-
-// Every controller in use places its pins on its bank.
-prsm::ps::Pins pinsOf(Model const& model, Model::Params& params, Data const& data, Model::Peripheral member) {
-    int const count = model.getCount(params, data, member);
-    return {count * pinsOf(data, member, PinField::Inputs), count * pinsOf(data, member, PinField::Outputs),
-            count * pinsOf(data, member, PinField::Bidis)};
-}
-
-// Pins switch at the controller's clock times its PIN_ACTIVITY (1 when the file has none).
-double pinFrequency(Model const& model, Model::Params& params, Data const& data, Model::Peripheral member) {
-    return model.getClkFreq(params, data, blockOf(member)) *
-           IFERROR(data.getBlockDataOrError(pinActivityKey(member)), 1.0f);
+// The bank the file places a peripheral's pins on: 0..2, or -1 for none.
+int bankOf(Data const& data, Model::Peripheral member) {
+    return prsm::ps::peripheralPins(data, static_cast<std::size_t>(member), PinField::Bank);
 }
 
 constexpr std::array<float (Model::*)(Model::Params&, Data const&) const, 3> kBankSupplies{
     &Model::getVccopsio0500, &Model::getVccopsio1501, &Model::getVccopsio2502};
 
-bool nearStandardBankVoltage(double volts) {
-    BankVoltage const bank = prsm::ps::nearestBankVoltage(volts);
-    if (bank == BankVoltage::None) return false;
-    double const nominal = prsm::ps::nominalVolts(bank);
-    return std::fabs(volts - nominal) <= 0.05 * nominal;
-}
-
 }  // namespace
 
 float Model::computeIoCorePower(Params& params, Data const& data, Peripheral member) const {
-    prsm::ps::Pins const pins = pinsOf(*this, params, data, member);
-    double const power =
-        prsm::ps::coreSidePower(pins, coreSide(data), pinFrequency(*this, params, data, member),
-                                getLoad(params, data, blockOf(member)));
-    return static_cast<float>(power * domainScale(*this, params, data, Domain::LowPower));
+    return static_cast<float>(prsm::ps::pinCorePower(*this, params, data, member) *
+                              domainScale(*this, params, data, BlockDomain::LOW_POWER));
 }
 
-// At the bank voltage nearest the bank's supply: the switching terms scale with (V / nominal)^2, the
-// standing and bias currents' power with V / nominal. A peripheral whose bank the file does not name
-// (or names outside 0..2) places no pins.
+// On the supply of the peripheral's bank. A peripheral whose bank the file does not name (or names
+// outside 0..2) places no pins.
 float Model::computeIoBankPower(Params& params, Data const& data, Peripheral member) const {
-    int const bankIndex = pinsOf(data, member, PinField::Bank);
+    int const bankIndex = bankOf(data, member);
     if (bankIndex < 0 || bankIndex >= static_cast<int>(kBankSupplies.size())) return 0.0f;
     double const volts = (this->*kBankSupplies[static_cast<std::size_t>(bankIndex)])(params, data);
-    BankVoltage const bank = prsm::ps::nearestBankVoltage(volts);
-    if (bank == BankVoltage::None) return 0.0f;
-    prsm::ps::Pins const pins = pinsOf(*this, params, data, member);
-    prsm::ps::BankSideCoefficients switching = bankSide(data, bank);
-    double const standing = (switching.staticPerPin + switching.biasPerPin) * pins.total();
-    switching.staticPerPin = 0.0;
-    double const dynamic = prsm::ps::bankSidePower(pins, switching, pinFrequency(*this, params, data, member),
-                                                   getLoad(params, data, blockOf(member)));
-    double const ratio = volts / prsm::ps::nominalVolts(bank);
-    return static_cast<float>(dynamic * ratio * ratio + standing * ratio);
+    return prsm::ps::pinBankPower(*this, params, data, member, volts);
 }
 
 float Model::computeMioBankPower(Params& params, Data const& data, MioBank member) const {
     float total = 0.0f;
     for (std::size_t i = 0; i < kPeripheralCount; ++i) {
         auto const peripheral = static_cast<Peripheral>(i);
-        if (pinsOf(data, peripheral, PinField::Bank) == static_cast<int>(member))
+        if (bankOf(data, peripheral) == static_cast<int>(member))
             total += calculateIoBankPower(params, data, peripheral);
     }
     return total;
 }
 
 bool Model::isValidVccopsio0500(Params& params, Data const& data) const {
-    return nearStandardBankVoltage(getVccopsio0500(params, data));
+    return prsm::ps::nearStandardBankVoltage(getVccopsio0500(params, data));
 }
 
 bool Model::isValidVccopsio1501(Params& params, Data const& data) const {
-    return nearStandardBankVoltage(getVccopsio1501(params, data));
+    return prsm::ps::nearStandardBankVoltage(getVccopsio1501(params, data));
 }
 
 bool Model::isValidVccopsio2502(Params& params, Data const& data) const {
-    return nearStandardBankVoltage(getVccopsio2502(params, data));
+    return prsm::ps::nearStandardBankVoltage(getVccopsio2502(params, data));
 }
 
 // ---- The DDR interface ----
@@ -398,15 +267,7 @@ float Model::computeFpdTotalDynamicPower(Params& params, Data const& data) const
 }
 
 float Model::computeLpdTotalDynamicPower(Params& params, Data const& data) const {
-    float total = calculateRpuDynamicPower(params, data) + calculateTcmMemoryDynamicPower(params, data) +
-                  calculateOcmMemoryDynamicPower(params, data) +
-                  calculateLpInterconnectDynamicPower(params, data) + calculateLpdPllCorePower(params, data);
-    for (std::size_t i = 0; i < kPeripheralCount; ++i) {
-        auto const peripheral = static_cast<Peripheral>(i);
-        total += calculateDynamicPower(params, data, blockOf(peripheral)) +
-                 calculateIoCorePower(params, data, peripheral);
-    }
-    return total;
+    return prsm::ps::lowPowerDomainPower(*this, params, data);
 }
 
 float Model::computeTotalDynamicPower(Params& params, Data const& data) const {

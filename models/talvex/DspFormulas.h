@@ -8,6 +8,7 @@
 // alike; a missing table entry counts 0.
 
 #include <prsm/framework/PRSMModelTypes.h>
+#include <prsm/models/talvex/DeviceScale.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <algorithm>
@@ -177,15 +178,6 @@ float voltageFactor(Model const& model, ParamsOf<Model>& params, DataOf<Model> c
     float const exponent =
         PRSMHelperUtils::IFERROR(data.getSliceCapOrError(DataOf<Model>::SliceCapKey::VPOW), 2.0f);
     return std::pow(model.getVccint(params, data), exponent);
-}
-
-// The device's scale: its own row, else the DEFAULT row, else 1.
-template <typename Model, typename Key>
-float deviceScale(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, Key defaultKey,
-                  char const* key) {
-    return PRSMHelperUtils::IFERROR(
-        data.getBlockPowerScaleOrError(model.refDevice(params, data), key),
-        PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError(defaultKey), 1.0f));
 }
 
 // One part's mW, given the cell function of its capacitance-frequency product.

@@ -9,6 +9,7 @@
 // CONSTANTS.VCCO_TOLERANCE; the cells below are named alike in both.
 
 #include <prsm/framework/PRSMModelTypes.h>
+#include <prsm/models/talvex/DeviceScale.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <algorithm>
@@ -79,14 +80,6 @@ inline float inputTermination(float driver, float odt, float level) {
     float const meanLine =
         driver > 0.0f ? (0.5f / driver + level / odt) / (1.0f / driver + 1.0f / odt) : 0.5f;
     return (1.0f - meanLine) * level / odt;
-}
-
-// The part's own scale, else the DEFAULT row's, else 1.
-template <typename Data>
-float deviceScale(Data const& data, std::string_view device, typename Data::BlockPowerScaleKey fallback,
-                  std::string_view key) {
-    return PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError(device, key),
-                                    PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError(fallback), 1.0f));
 }
 
 // ---- The standard's rail ------------------------------------------------------------------------------

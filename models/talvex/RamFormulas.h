@@ -12,10 +12,13 @@
 // Only the blocks that are awake draw dynamic power.
 
 #include <prsm/framework/PRSMModelTypes.h>
+#include <prsm/models/talvex/DeviceScale.h>
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <cmath>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace prsm::ram {
 
@@ -124,6 +127,22 @@ bool eccAllowed(Model const& model, ParamsOf<Model>& params, DataOf<Model> const
     constexpr int kEccWidth = 72;
     return maxPortWidth(model, params, data, Model::Port::A, block) >= kEccWidth &&
            maxPortWidth(model, params, data, Model::Port::B, block) >= kEccWidth;
+}
+
+// The ECC input's choices: YES only where error correction is allowed.
+template <typename Model>
+std::vector<std::string> eccChoices(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                                    std::string_view block) {
+    if (eccAllowed(model, params, data, block)) return {"NO", "YES"};
+    return {"NO"};
+}
+
+// A chain of one block up to the longest cascade the block allows (none when the file has no limit).
+template <typename Model>
+bool isValidChainDepth(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data,
+                       std::string_view block) {
+    int const depth = model.getCascadeDepth(params, data);
+    return depth >= 1 && depth <= PRSMHelperUtils::IFERROR(data.getMaxCascadeDepthOrError(block), 0);
 }
 
 // ---- Events per port, per awake block -----------------------------------------------------------
@@ -266,15 +285,6 @@ float energyVoltageFactor(Data const& data, float volts, Key nominalKey) {
 template <typename Data>
 float capacitanceVoltageFactor(Data const& data, float volts) {
     return std::pow(volts, voltageExponent(data));
-}
-
-// The device's scale of one rail's figure: its own row, else the DEFAULT row, else 1.
-template <typename Model, typename Key>
-float deviceScale(Model const& model, ParamsOf<Model>& params, DataOf<Model> const& data, Key defaultKey,
-                  char const* key) {
-    return PRSMHelperUtils::IFERROR(
-        data.getBlockPowerScaleOrError(model.refDevice(params, data), key),
-        PRSMHelperUtils::IFERROR(data.getBlockPowerScaleOrError(defaultKey), 1.0f));
 }
 
 // mW of one awake block: the figure x the voltage factor x 0.001 x the device scale.

@@ -23,8 +23,7 @@ bool Model::isValidPortBWidth(Params& params, Data const& data) const {
 }
 
 std::vector<std::string> Model::validListEcc(Params& params, Data const& data) const {
-    if (prsm::ram::eccAllowed(*this, params, data, refBramType(params, data))) return {"NO", "YES"};
-    return {"NO"};
+    return prsm::ram::eccChoices(*this, params, data, refBramType(params, data));
 }
 
 // ---- Power --------------------------------------------------------------------------------------

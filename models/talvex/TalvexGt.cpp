@@ -11,49 +11,17 @@
 #include "LinkFormulas.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 using PRSMHelperUtils::IFERROR;
+using prsm::link::rateLimit;
 using Model = PRSMTalvexGtModel;
 using Data = Model::Data;
-using Rail = Model::Rail;
 using Role = Model::Role;
-using GtFamily = Model::GtFamily;
 
 namespace {
-
-constexpr int kLanesPerQuad = 4;
-
-// The rail each role draws from, per family: the quads' three analog rails, then the coding sublayer's
-// digital rail (the fabric's VCCINT for GTY and GTYP, GTM's own VCCINTGT).
-struct FamilyRails {
-    std::string_view family;
-    Rail rails[4];  // in the order of Role
-};
-
-constexpr FamilyRails kFamilyRails[] = {
-    {"GTY", {Rail::MGTYAVCC, Rail::MGTYAVTT, Rail::MGTYVCCAUX, Rail::VCCINT}},
-    {"GTYP", {Rail::MGTYPAVCC, Rail::MGTYPAVTT, Rail::MGTYPVCCAUX, Rail::VCCINT}},
-    {"GTM", {Rail::MGTMAVCC, Rail::MGTMAVTT, Rail::MGTMVCCAUX, Rail::VCCINTGT}},
-};
-
-// The rails of the block's family; none for a family the sheet does not know.
-FamilyRails const* familyRails(std::string_view family) {
-    for (FamilyRails const& entry : kFamilyRails)
-        if (entry.family == family) return &entry;
-    return nullptr;
-}
-
-Rail railOf(FamilyRails const& rails, Role role) {
-    return rails.rails[static_cast<int>(role)];
-}
-
-float rateLimit(Model const& model, Model::Params& params, Data const& data, std::string_view key) {
-    return IFERROR(data.getRateLimitOrError(model.refGtType(params, data), key), 0.0f);
-}
 
 bool hasPam4(Model const& model, Model::Params& params, Data const& data) {
     return rateLimit(model, params, data, "MAX_PAM4") > 0.0f;
@@ -63,61 +31,17 @@ bool isPam4(Model const& model, Model::Params& params, Data const& data) {
     return model.refModulation(params, data) == "PAM4";
 }
 
-std::int64_t product(int a, int b) {
-    return static_cast<std::int64_t>(a) * static_cast<std::int64_t>(b);
-}
-
-// Formed in 64 bits; a figure beyond the int range wraps as the cell stores it.
-int truncatedProduct(int a, int b) {
-    return static_cast<int>(product(a, b));
-}
-
 }  // namespace
 
-// ---- Lanes, quads and the counts for the static sheet -----------------------------------------------
-
-int Model::computeQuadsPerInstance(Params& params, Data const& data) const {
-    int const lanes = getLanes(params, data);
-    return lanes <= 0 ? 0 : (lanes + kLanesPerQuad - 1) / kLanesPerQuad;
-}
-
-int Model::computeTxLanes(Params& params, Data const& data) const {
-    std::string_view const use = refLaneUse(params, data);
-    return use == "TX_RX" || use == "TX_ONLY" ? getLanes(params, data) : 0;
-}
-
-int Model::computeRxLanes(Params& params, Data const& data) const {
-    std::string_view const use = refLaneUse(params, data);
-    return use == "TX_RX" || use == "RX_ONLY" ? getLanes(params, data) : 0;
-}
-
-int Model::computeLaneCount(Params& params, Data const& data) const {
-    return truncatedProduct(getInstanceCount(params, data), getLanes(params, data));
-}
-
-// Each link powers its own whole quads, counted under its family only.
-int Model::computeUsedPowerQuads(Params& params, Data const& data, GtFamily family) const {
-    if (memberName(family) != refGtType(params, data)) return 0;
-    return truncatedProduct(getInstanceCount(params, data), calculateQuadsPerInstance(params, data));
-}
+// ---- The part's quads (the lane and quad counts are prsm::link's) ---------------------------------
 
 int Model::computeAvailableQuads(Params& params, Data const& data) const {
     return IFERROR(
         data.getQuadsOrError(refDevice(params, data), refPackage(params, data), refGtType(params, data)), 0);
 }
 
-float Model::computeGetMinLanes(Params&, Data const&) const {
-    return 1.0f;
-}
-
-float Model::computeGetMaxLanes(Params& params, Data const& data) const {
-    return static_cast<float>(kLanesPerQuad * calculateAvailableQuads(params, data));
-}
-
 bool Model::isValidLanes(Params& params, Data const& data) const {
-    return getLanes(params, data) >= 1 &&
-           product(getInstanceCount(params, data), calculateQuadsPerInstance(params, data)) <=
-               calculateAvailableQuads(params, data);
+    return prsm::link::lanesFit(*this, params, data);
 }
 
 // The packages of the part: the second level of QUADS below it.
@@ -150,10 +74,6 @@ std::vector<std::string> Model::validListModulation(Params& params, Data const& 
     return choices;
 }
 
-float Model::computeGetMinLineRate(Params& params, Data const& data) const {
-    return rateLimit(*this, params, data, "MIN");
-}
-
 // The modulation's limit; a ring PLL lowers it to its own.
 float Model::computeGetMaxLineRate(Params& params, Data const& data) const {
     float const limit = rateLimit(*this, params, data, isPam4(*this, params, data) ? "MAX_PAM4" : "MAX_NRZ");
@@ -162,16 +82,14 @@ float Model::computeGetMaxLineRate(Params& params, Data const& data) const {
 }
 
 bool Model::isValidLineRate(Params& params, Data const& data) const {
-    float const rate = getLineRate(params, data);
-    return rate > 0.0f && rate >= calculateGetMinLineRate(params, data) &&
-           rate <= calculateGetMaxLineRate(params, data);
+    return prsm::link::lineRateInRange(*this, params, data);
 }
 
 float Model::computeSymbolRate(Params& params, Data const& data) const {
     return getLineRate(params, data) / (isPam4(*this, params, data) ? 2.0f : 1.0f);
 }
 
-// ---- One link at nominal voltages -------------------------------------------------------------------
+// ---- One link at nominal voltages (on its family's rails: LinkFormulas.h) ----------------------------
 
 namespace {
 
@@ -198,45 +116,4 @@ float Model::computeNominalPower(Params& params, Data const& data, Role role) co
             return prsm::link::pcsPower(*this, params, data);
     }
     return 0.0f;
-}
-
-// ---- On the rails ------------------------------------------------------------------------------------
-
-float Model::computeDeviceScale(Params& params, Data const& data) const {
-    std::string_view const family = refGtType(params, data);
-    return IFERROR(data.getBlockPowerScaleOrError(refDevice(params, data), family),
-                   IFERROR(data.getBlockPowerScaleOrError("DEFAULT", family), 1.0f));
-}
-
-// The role's figure on the rail its family draws it from, at the rail's voltage.
-float Model::computeInstancePower(Params& params, Data const& data, Role role) const {
-    FamilyRails const* rails = familyRails(refGtType(params, data));
-    if (rails == nullptr) return 0.0f;
-    Rail const rail = railOf(*rails, role);
-    float const factor = prsm::link::railVoltageFactor(data, memberName(rail), getRail(params, data, rail));
-    return calculateNominalPower(params, data, role) * factor * calculateDeviceScale(params, data);
-}
-
-float Model::computeInstancePower(Params& params, Data const& data) const {
-    return calculateAvccInstancePower(params, data) + calculateAvttInstancePower(params, data) +
-           calculateVccauxInstancePower(params, data) + calculatePcsInstancePower(params, data);
-}
-
-float Model::computeLanePower(Params& params, Data const& data) const {
-    int const lanes = getLanes(params, data);
-    return lanes > 0 ? calculateInstancePower(params, data) / static_cast<float>(lanes) : 0.0f;
-}
-
-// The roles the block's family draws from this rail, for all the links, in W.
-float Model::computePower(Params& params, Data const& data, Rail rail) const {
-    FamilyRails const* rails = familyRails(refGtType(params, data));
-    if (rails == nullptr) return 0.0f;
-    float milliwatts = 0.0f;
-    for (Role role : {Role::AVCC, Role::AVTT, Role::VCCAUX, Role::PCS})
-        if (railOf(*rails, role) == rail) milliwatts += calculateInstancePower(params, data, role);
-    return static_cast<float>(getInstanceCount(params, data)) * milliwatts * 0.001f;
-}
-
-float Model::computeTotalPower(Params& params, Data const& data) const {
-    return static_cast<float>(getInstanceCount(params, data)) * calculateInstancePower(params, data) * 0.001f;
 }

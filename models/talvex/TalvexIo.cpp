@@ -1,5 +1,5 @@
 // Formulas of the general-purpose I/O sheet that are its own: which VCCO rail the standard draws from,
-// the standards the design's voltages allow, the device scales and the banks per rail and bank type.
+// the standards the design's voltages allow and the banks per rail and bank type.
 // The I/O physics is shared with the older architecture's I/O sheet (IoFormulas.h, bound in the table).
 #include <prsm/models/talvex/PRSMTalvexIoModel.h>
 #include <prsm/models/talvex/PRSMTalvexIoCells.h>
@@ -51,20 +51,6 @@ bool Model::isValidOdt(Params& params, Data const& data) const {
 
 bool Model::isValidExternalTermination(Params& params, Data const& data) const {
     return prsm::io::externalTerminationAllowed(*this, params, data);
-}
-
-// ---- Device scales -------------------------------------------------------------------------------------
-
-float Model::computeVccoScale(Params& params, Data const& data) const {
-    return prsm::io::deviceScale(data, refDevice(params, data), Data::BlockPowerScaleKey::DEFAULT_IO_VCCO, "IO_VCCO");
-}
-float Model::computeVccauxScale(Params& params, Data const& data) const {
-    return prsm::io::deviceScale(data, refDevice(params, data), Data::BlockPowerScaleKey::DEFAULT_IO_VCCAUX,
-                       "IO_VCCAUX");
-}
-float Model::computeVccintioScale(Params& params, Data const& data) const {
-    return prsm::io::deviceScale(data, refDevice(params, data), Data::BlockPowerScaleKey::DEFAULT_IO_VCCINTIO,
-                       "IO_VCCINTIO");
 }
 
 // ---- Banks per rail and bank type ---------------------------------------------------------------------

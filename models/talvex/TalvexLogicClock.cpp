@@ -7,6 +7,8 @@
 
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
+#include "LogicClockFormulas.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -14,20 +16,12 @@
 using PRSMHelperUtils::IFERROR;
 using Model = PRSMTalvexLogicClockModel;
 using Data = Model::Data;
+using prsm::logicclock::kFlipFlopsPerSlice;
+using prsm::logicclock::kMemoryLutsPerSlice;
+using prsm::logicclock::sliceClockCap;
 using Segment = Model::Segment;
 
 namespace {
-
-constexpr int kFlipFlopsPerSlice = 16;
-constexpr int kMemoryLutsPerSlice = 8;
-
-// Coefficients fall back to 0 when the file lacks them.
-float loadCap(Data const& data, Data::LoadCapKey key) {
-    return IFERROR(data.getLoadCapOrError(key), 0.0f);
-}
-float sliceClockCap(Data const& data, Data::SliceClockCapKey key) {
-    return IFERROR(data.getSliceClockCapOrError(key), 0.0f);
-}
 
 // The members of the Segment family in order, SEGMENT_CAP's constant keys in the same order.
 float segmentsCap(Model const& model, Model::Params& params, Data const& data, Segment first, Segment last) {
@@ -153,24 +147,9 @@ float Model::computeSliceCap(Params& params, Data const& data) const {
 // A flip-flop's clock pin cycles when its slice's enable lets the clock through, twice as often when
 // it is clocked on both edges; the other loads' pins cycle every period.
 float Model::computeLoadPinCap(Params& params, Data const& data) const {
-    using Key = Data::LoadCapKey;
-    auto const count = [](int n) { return static_cast<float>(n); };
     float const flipFlopActivity =
         getProbSliceCe(params, data) * (1.0f + getProbDualEdgeClocking(params, data));
-    return count(getFfsUsingClk(params, data)) * loadCap(data, Key::FF) * flipFlopActivity +
-           count(getLutramsUsingClk(params, data)) * loadCap(data, Key::LUTRAM) +
-           count(getSrlsUsingClk(params, data)) * loadCap(data, Key::SRL) +
-           count(getBramsUsingClk(params, data)) * loadCap(data, Key::BRAM) +
-           count(getUramsUsingClk(params, data)) * loadCap(data, Key::URAM) +
-           count(getDspsUsingClk(params, data)) * loadCap(data, Key::DSP);
-}
-
-float Model::computeBufferCap(Params& params, Data const& data) const {
-    return IFERROR(data.getBufferCapOrError(refBufType(params, data)), 0.0f);
-}
-
-float Model::computeRunningFreq(Params& params, Data const& data) const {
-    return getClockFreq(params, data) * (1.0f - getGatingProb(params, data));
+    return prsm::logicclock::loadPinCap(*this, params, data, flipFlopActivity);
 }
 
 // ---- Components: C x f x V^VPOW x 0.001 x device scale ------------------------------------------------
@@ -182,49 +161,13 @@ float Model::computeVccauxFactor(Params& params, Data const& data) const {
     return voltageFactor(data, getVccaux(params, data));
 }
 
-float Model::computeVccintScale(Params& params, Data const& data) const {
-    return IFERROR(data.getBlockPowerScaleOrError(refDevice(params, data), "CLOCK_VCCINT"),
-                   IFERROR(data.getBlockPowerScaleOrError(Data::BlockPowerScaleKey::DEFAULT_CLOCK_VCCINT), 1.0f));
-}
-float Model::computeVccauxScale(Params& params, Data const& data) const {
-    return IFERROR(data.getBlockPowerScaleOrError(refDevice(params, data), "CLOCK_VCCAUX"),
-                   IFERROR(data.getBlockPowerScaleOrError(Data::BlockPowerScaleKey::DEFAULT_CLOCK_VCCAUX), 1.0f));
-}
-
-namespace {
-
-float networkComponent(Model const& model, Model::Params& params, Data const& data, float cap) {
-    return cap * model.calculateRunningFreq(params, data) * model.derivedVccintFactor(params, data) * 0.001f *
-           model.calculateVccintScale(params, data);
-}
-
-}  // namespace
-
-float Model::computeDistributionComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateDistributionCap(params, data));
-}
-float Model::computeLeafComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateLeafCap(params, data));
-}
-float Model::computeSliceComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateSliceCap(params, data));
-}
-float Model::computeLoadPinComponent(Params& params, Data const& data) const {
-    return networkComponent(*this, params, data, calculateLoadPinCap(params, data));
-}
-
+// The buffer at the full clock, on VCCAUX (the network's parts: LogicClockFormulas.h).
 float Model::computeBufferComponent(Params& params, Data const& data) const {
     return calculateBufferCap(params, data) * getClockFreq(params, data) * derivedVccauxFactor(params, data) *
            0.001f * calculateVccauxScale(params, data);
 }
 
 // ---- One clock and the group ----------------------------------------------------------------------------
-
-float Model::computeClockInstancePower(Params& params, Data const& data) const {
-    return calculateDistributionComponent(params, data) + calculateLeafComponent(params, data) +
-           calculateSliceComponent(params, data) + calculateLoadPinComponent(params, data) +
-           calculateBufferComponent(params, data);
-}
 
 float Model::computeVccintClockPower(Params& params, Data const& data) const {
     float const perClock = calculateDistributionComponent(params, data) + calculateLeafComponent(params, data) +

@@ -15,8 +15,7 @@ constexpr char kBlock[] = "URAM288";
 }  // namespace
 
 bool Model::isValidCascadeDepth(Params& params, Data const& data) const {
-    int const depth = getCascadeDepth(params, data);
-    return depth >= 1 && depth <= PRSMHelperUtils::IFERROR(data.getMaxCascadeDepthOrError(kBlock), 0);
+    return prsm::ram::isValidChainDepth(*this, params, data, kBlock);
 }
 
 bool Model::isValidPortAWidth(Params& params, Data const& data) const {
@@ -28,8 +27,7 @@ bool Model::isValidPortBWidth(Params& params, Data const& data) const {
 }
 
 std::vector<std::string> Model::validListEcc(Params& params, Data const& data) const {
-    if (prsm::ram::eccAllowed(*this, params, data, kBlock)) return {"NO", "YES"};
-    return {"NO"};
+    return prsm::ram::eccChoices(*this, params, data, kBlock);
 }
 
 float Model::computeInstancePower(Params& params, Data const& data) const {

@@ -9,7 +9,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "data" / "tools"))
 
-from cfg_writer import data_file, spread_to, write_or_check  # noqa: E402
+from cfg_writer import data_file, description_command_line, run, spread_to, write_or_check  # noqa: E402
 
 
 class Text(unittest.TestCase):
@@ -46,6 +46,30 @@ class Check(unittest.TestCase):
             self.assertIn("stale.cfg is not what gen.py gives", errors.getvalue())
             self.assertIn("missing.cfg is not what gen.py gives", errors.getvalue())
 
+
+class CommandLines(unittest.TestCase):
+    def test_fixed_files_go_into_the_folder_unless_checked(self):
+        with tempfile.TemporaryDirectory() as tmp:
+            out = Path(tmp)
+            with contextlib.redirect_stderr(io.StringIO()):
+                self.assertEqual(run(out, {"A.cfg": "new\n"}, "gen.py", ["--check"]), 1)  # missing: stale
+            self.assertFalse((out / "A.cfg").exists())
+            self.assertEqual(run(out, {"A.cfg": "new\n"}, "gen.py", []), 0)
+            self.assertEqual((out / "A.cfg").read_text(), "new\n")
+            self.assertEqual(run(out, {"A.cfg": "new\n"}, "gen.py", ["--check"]), 0)
+
+    def test_a_description_and_an_output_with_check_anywhere(self):
+        with tempfile.TemporaryDirectory() as tmp:
+            description = Path(tmp, "d.toml")
+            description.write_text('[sheet]\nclass = "C"\n')
+            self.assertEqual(description_command_line("usage", ["--check", str(description), "out"]),
+                             ({"sheet": {"class": "C"}}, description, Path("out"), True))
+            self.assertFalse(description_command_line("usage", [str(description), "out"])[3])
+        for wrong in ([], ["d.toml"], ["d.toml", "out", "extra"]):
+            errors = io.StringIO()
+            with contextlib.redirect_stderr(errors):
+                self.assertIsNone(description_command_line("usage: gen.py D OUT", wrong))
+            self.assertEqual(errors.getvalue(), "usage: gen.py D OUT\n")
 
 if __name__ == "__main__":
     unittest.main()

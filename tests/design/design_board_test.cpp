@@ -4,6 +4,8 @@
 #include <prsm/design/Estimate.h>
 #include <prsm/design/ReportFormat.h>
 
+#include "ReportLookup.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -12,14 +14,9 @@
 namespace {
 
 using namespace prsm::design;
+using prsm::test::boardInput;
 
 #define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
-
-double boardInput(BoardResult const& board, std::string const& cell) {
-    for (auto const& [name, value] : board.currents)
-        if (name == cell) return value;
-    throw std::runtime_error("no board input " + cell);
-}
 
 TEST(DesignBoard, RailCurrentsFeedTheRegulatorsByHand) {
     Estimator estimator(readDesignFile(std::string(PRSM_TEST_DESIGNDIR) + "/board.json"));

@@ -7,6 +7,8 @@
 #include <prsm/design/Design.h>
 #include <prsm/design/JunctionLimit.h>
 
+#include "ReportLookup.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -15,15 +17,10 @@
 namespace {
 
 using namespace prsm::design;
+using prsm::test::rail;
 
 Design cornersDesign() {
     return readDesignFile(std::string(PRSM_TEST_DESIGNDIR) + "/corners.json");
-}
-
-RailResult const& rail(Report const& report, std::string const& name) {
-    for (RailResult const& r : report.rails)
-        if (r.rail == name) return r;
-    throw std::runtime_error("no rail " + name);
 }
 
 // The junction solved from Tj = Ta + 2 (P_dyn + P_static(Tj)) with P_static = p25 + s (Tj - heat - 25):

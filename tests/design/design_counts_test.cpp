@@ -3,6 +3,8 @@
 #include <prsm/design/Estimate.h>
 #include <prsm/design/ReportFormat.h>
 
+#include "ReportLookup.h"
+
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -11,6 +13,9 @@
 namespace {
 
 using namespace prsm::design;
+using prsm::test::held;
+using prsm::test::rail;
+using prsm::test::resource;
 
 #define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
 
@@ -32,24 +37,6 @@ std::string design(std::string const& part, std::string const& staticInputs = "{
           {"name": "rams", "model": "TestCounts", "count": 10, "inputs": {"KIND": "REG_X", "UNITS": 0, "BRAMS": 100}},
           {"name": "odd", "model": "TestCounts", "inputs": {"KIND": "BYP", "UNITS": 7, "BRAMS": 3}}
         ]})";
-}
-
-std::optional<double> held(Report const& report, std::string const& cell) {
-    for (auto const& [name, value] : report.staticCounts)
-        if (name == cell) return value;
-    return std::nullopt;
-}
-
-ResourceUse resource(Report const& report, std::string const& name) {
-    for (ResourceUse const& r : report.resources)
-        if (r.resource == name) return r;
-    throw std::runtime_error("no resource " + name);
-}
-
-RailResult rail(Report const& report, std::string const& name) {
-    for (RailResult const& r : report.rails)
-        if (r.rail == name) return r;
-    throw std::runtime_error("no rail " + name);
 }
 
 std::string warnings(Report const& report) {

@@ -2,6 +2,8 @@
 // and banks reach the static sheet and the part's resources, and their rail currents the module board.
 #include <prsm/design/Estimate.h>
 
+#include "ReportLookup.h"
+
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -11,6 +13,9 @@
 namespace {
 
 using namespace prsm::design;
+using prsm::test::boardInput;
+using prsm::test::held;
+using prsm::test::resource;
 
 // One GTH link of four lanes at 10 Gb/s (the GTH test configuration: 540 mW at nominal voltages, 400 of
 // them on MGTAVCC, 80 on MGTAVTT) and a MIPI camera input of five pairs at 1,000 Mb/s (2.61 mW a pair on
@@ -30,24 +35,6 @@ std::string const kDesign = R"({"schema_version": 1, "device": {"part": "ZDM9200
                                                        "PIN_COUNT": 5, "DATA_RATE": 1000}}
     ]})";
 
-double boardInput(Report const& report, std::string const& cell) {
-    for (auto const& [name, value] : report.board->currents)
-        if (name == cell) return value;
-    throw std::runtime_error("no board input " + cell);
-}
-
-std::optional<double> held(Report const& report, std::string const& cell) {
-    for (auto const& [name, value] : report.staticCounts)
-        if (name == cell) return value;
-    return std::nullopt;
-}
-
-ResourceUse resource(Report const& report, std::string const& name) {
-    for (ResourceUse const& r : report.resources)
-        if (r.resource == name) return r;
-    throw std::runtime_error("no resource " + name);
-}
-
 TEST(DesignDravikLinks, QuadsBanksAndCurrentsReachTheStaticSheetAndTheBoard) {
     Estimator estimator(parseDesign(kDesign, "module.json"));
     Report const report = estimator.estimate();
@@ -65,7 +52,9 @@ TEST(DesignDravikLinks, QuadsBanksAndCurrentsReachTheStaticSheetAndTheBoard) {
     estimator.setInput("camera", "PIN_COUNT", "0");
     Report const idle = estimator.update();
     EXPECT_EQ(held(idle, "USED_GTH_QUAD"), 0.0);
-    auto const added = [&](char const* cell) { return boardInput(report, cell) - boardInput(idle, cell); };
+    auto const added = [&](char const* cell) {
+        return boardInput(*report.board, cell) - boardInput(*idle.board, cell);
+    };
     // MGTAVCC: 400 mW x 2 = 0.8 W at 0.9 V; MGTAVTT: 80 mW x 2 = 0.16 W at 1.2 V.
     EXPECT_NEAR(added("FPGA_MGTAVCC_CURRENT"), 0.8 / 0.9, 1e-5);
     EXPECT_NEAR(added("FPGA_MGTAVTT_CURRENT"), 0.16 / 1.2, 1e-5);

@@ -3,6 +3,8 @@
 // cannot disagree), and a sheet of the other architecture is refused.
 #include <prsm/design/Estimate.h>
 
+#include "ReportLookup.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -10,14 +12,9 @@
 namespace {
 
 using namespace prsm::design;
+using prsm::test::boardInput;
 
 #define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
-
-double boardInput(BoardResult const& board, std::string const& cell) {
-    for (auto const& [name, value] : board.currents)
-        if (name == cell) return value;
-    throw std::runtime_error("no board input " + cell);
-}
 
 // The smaller module's part, no static sheet (no leakage: the board's currents are the blocks' alone).
 std::string moduleDesign(std::string const& boardInputs) {

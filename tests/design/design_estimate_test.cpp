@@ -4,6 +4,8 @@
 #include <prsm/design/ReportFormat.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
+#include "ReportLookup.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -12,17 +14,12 @@
 namespace {
 
 using namespace prsm::design;
+using prsm::test::rail;
 using prsm::Sheet;
 using prsm::SheetRegistry;
 
 std::string designFile(std::string const& name) {
     return std::string(PRSM_TEST_DESIGNDIR) + "/" + name;
-}
-
-RailResult const& rail(Report const& report, std::string const& name) {
-    for (RailResult const& r : report.rails)
-        if (r.rail == name) return r;
-    throw std::runtime_error("no rail " + name);
 }
 
 double fed(Report const& report, std::string const& cell) {

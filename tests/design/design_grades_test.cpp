@@ -4,6 +4,8 @@
 #include <prsm/design/Estimate.h>
 #include <prsm/design/Grades.h>
 
+#include "ReportLookup.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -12,6 +14,7 @@
 namespace {
 
 using namespace prsm::design;
+using prsm::test::rail;
 using List = std::vector<std::string>;
 
 TEST(DesignGrades, DesignWordsMatchEachSheetsList) {
@@ -46,12 +49,6 @@ std::vector<Warning> gradeWarnings(Report const& report) {
     for (Warning const& w : report.warnings)
         if (w.cell.rfind("/rails/", 0) != 0) kept.push_back(w);
     return kept;
-}
-
-RailResult const& rail(Report const& report, std::string const& name) {
-    for (RailResult const& r : report.rails)
-        if (r.rail == name) return r;
-    throw std::runtime_error("no rail " + name);
 }
 
 TEST(DesignGrades, GradesSelectTheSkuAndTheCornerItsVoltages) {

@@ -5,6 +5,8 @@
 #include <prsm/design/Regulators.h>
 #include <prsm/design/ReportFormat.h>
 
+#include "ReportLookup.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -13,6 +15,7 @@
 namespace {
 
 using namespace prsm::design;
+using prsm::test::rail;
 
 #define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
 
@@ -26,12 +29,6 @@ std::string design(std::string const& regulators) {
                   {"name": "aux", "rail": "VCCAUX", "current": 0.2, "region": "noc"}],
         "regulators": )" +
            regulators + "}";
-}
-
-RailResult const& rail(Report const& report, std::string const& name) {
-    for (RailResult const& r : report.rails)
-        if (r.rail == name) return r;
-    throw std::runtime_error("no rail " + name);
 }
 
 TEST(DesignSupplies, RegulatorsCarryTheirRailsByHand) {

@@ -9,7 +9,7 @@
 namespace prsm::test {
 
 // A fixture over one sheet: `model`, `data`, the inputs `p`, and `calc(cell)`, the figure of a cell
-// after a full calculation of `p`.
+// after a full calculation of `p` (`calc(q, cell)` of other inputs).
 template <typename ModelT>
 class ModelFixture : public ::testing::Test {
 protected:
@@ -20,6 +20,20 @@ protected:
     float calc(typename Params::FloatEnum cell) {
         model.calculate(p);
         return p[cell];
+    }
+
+    // The same for other inputs `q`, such as a test's own configuration.
+    float calc(Params& q, typename Params::FloatEnum cell) {
+        model.calculate(q);
+        return q[cell];
+    }
+
+    // A validity flag (IS_VALID_<INPUT>) of the inputs as they stand, or of other inputs `q`; calculated
+    // first, since a calculation clears the flags cached before.
+    int valid(char const* flag) { return valid(p, flag); }
+    int valid(Params& q, char const* flag) {
+        model.calculate(q);
+        return model.intDispatchTable(q, data, flag);
     }
 
     Model const& model = Model::getGlobal();

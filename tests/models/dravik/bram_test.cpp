@@ -36,10 +36,6 @@ protected:
         q[Params::SLEEP_RATE] = 0.25f;
         return q;
     }
-    float calcOf(Params& q, Params::FloatEnum cell) {
-        model.calculate(q);
-        return q[cell];
-    }
 };
 
 // Port A: 100 x 0.5 = 50 accesses, 20 of them writes; read first, so 50 array reads and 50 output
@@ -51,7 +47,7 @@ protected:
 // Ten blocks, 2.5 asleep round to 3: 7 awake, 7 x 1.2384 mW in all.
 TEST_F(DravikBram, HandWorkedConfigurationOnItsTwoRails) {
     Params q = configured();
-    expectRel(calcOf(q, Params::TOTAL_POWER), 7 * 1.2384e-3);
+    expectRel(calc(q, Params::TOTAL_POWER), 7 * 1.2384e-3);
     expectRel(q[Params::PORT_A_CAP_FREQ], 443.2);
     expectRel(q[Params::PORT_B_CAP_FREQ], 421.6);
     expectRel(q[Params::VCCINT_INSTANCE_POWER], 0.4324);
@@ -67,13 +63,13 @@ TEST_F(DravikBram, HandWorkedConfigurationOnItsTwoRails) {
     // 0.5 V gives 864.8 x 0.25 x 0.001 x 0.5.
     q[Params::VCCBRAM] = 0.425f;
     q[Params::VCCINT] = 0.5f;
-    expectRel(calcOf(q, Params::VCCBRAM_INSTANCE_POWER), 0.2015);
+    expectRel(calc(q, Params::VCCBRAM_INSTANCE_POWER), 0.2015);
     expectRel(q[Params::VCCINT_INSTANCE_POWER], 0.1081);
 
     // ZDM5100 is listed but has no scale row: the DEFAULT row's 2 on both rails.
     q = configured();
     q[Params::DEVICE] = "ZDM5100";
-    expectRel(calcOf(q, Params::VCCBRAM_INSTANCE_POWER), 0.806 * 2);
+    expectRel(calc(q, Params::VCCBRAM_INSTANCE_POWER), 0.806 * 2);
     expectRel(q[Params::VCCINT_INSTANCE_POWER], 864.8 * 0.001 * 2);
 
     // 18 Kb halves: 5 blocks, round(1.25) = 1 asleep; two halves share a 36 Kb site, so the 4 awake take
@@ -82,7 +78,7 @@ TEST_F(DravikBram, HandWorkedConfigurationOnItsTwoRails) {
     half[Params::BRAM_TYPE] = "BRAM18";
     half[Params::INSTANCE_COUNT] = 5;
     half[Params::SLEEP_RATE] = 0.25f;
-    calcOf(half, Params::TOTAL_POWER);
+    calc(half, Params::TOTAL_POWER);
     EXPECT_EQ(half[Params::BRAM36_ACTIVE_COUNT], 2);
     EXPECT_EQ(half[Params::BRAM36_SLEEP_COUNT], 1);
 }
@@ -90,40 +86,40 @@ TEST_F(DravikBram, HandWorkedConfigurationOnItsTwoRails) {
 TEST_F(DravikBram, PowerScalesWithBlocksAndActivity) {
     Params q = configured();
     q[Params::SLEEP_RATE] = 0.0f;
-    float const tenBlocks = calcOf(q, Params::TOTAL_POWER);
+    float const tenBlocks = calc(q, Params::TOTAL_POWER);
     q[Params::INSTANCE_COUNT] = 20;
-    expectRel(calcOf(q, Params::TOTAL_POWER), 2.0 * tenBlocks);
+    expectRel(calc(q, Params::TOTAL_POWER), 2.0 * tenBlocks);
     // Every array access and every data bit follows the enable: the array figure is linear in it.
     float const array = q[Params::VCCBRAM_POWER];
     q[Params::ENABLE_RATE] = 1.0f;
-    expectRel(calcOf(q, Params::VCCBRAM_POWER), 2.0 * array);
+    expectRel(calc(q, Params::VCCBRAM_POWER), 2.0 * array);
     float previous = 0.0f;
     for (float toggle : {0.0f, 0.25f, 0.5f, 1.0f}) {
         q[Params::TOGGLE_RATE] = toggle;
-        float const power = calcOf(q, Params::VCCINT_POWER);
+        float const power = calc(q, Params::VCCINT_POWER);
         EXPECT_GT(power, previous) << "toggle rate " << toggle;
         previous = power;
     }
     // Every block asleep: no dynamic power, all ten counted asleep.
     q[Params::INSTANCE_COUNT] = 10;
     q[Params::SLEEP_RATE] = 1.0f;
-    EXPECT_EQ(calcOf(q, Params::TOTAL_POWER), 0.0f);
+    EXPECT_EQ(calc(q, Params::TOTAL_POWER), 0.0f);
     EXPECT_EQ(q[Params::BRAM36_SLEEP_COUNT], 10);
 }
 
 TEST_F(DravikBram, DefaultsGiveAFigureAndBadInputsAreFlagged) {
     Params defaults;
-    EXPECT_GT(calcOf(defaults, Params::VCCINT_POWER), 0.0f);
+    EXPECT_GT(calc(defaults, Params::VCCINT_POWER), 0.0f);
     EXPECT_GT(defaults[Params::VCCBRAM_POWER], 0.0f);
     EXPECT_EQ(model.intDispatchTable(defaults, data, "IS_VALID_DEVICE"), 1);
 
     Params q = configured();
     float const atFullToggle = [&] {
         q[Params::TOGGLE_RATE] = 1.0f;
-        return calcOf(q, Params::TOTAL_POWER);
+        return calc(q, Params::TOTAL_POWER);
     }();
     q[Params::TOGGLE_RATE] = 25.0f;  // someone meaning percent: flagged, calculated as given
-    EXPECT_GT(calcOf(q, Params::TOTAL_POWER), atFullToggle);
+    EXPECT_GT(calc(q, Params::TOTAL_POWER), atFullToggle);
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_TOGGLE_RATE"), 0);
     q[Params::VCCBRAM] = -0.85f;
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_VCCBRAM"), 0);
@@ -134,7 +130,7 @@ TEST_F(DravikBram, DefaultsGiveAFigureAndBadInputsAreFlagged) {
     q[Params::RAM_MODE] = "CASCADE";
     q[Params::CASCADE_DEPTH] = 5;  // the file allows 4
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_CASCADE_DEPTH"), 0);
-    EXPECT_GE(calcOf(q, Params::TOTAL_POWER), 0.0f);  // a mode without widths falls back to 0, no throw
+    EXPECT_GE(calc(q, Params::TOTAL_POWER), 0.0f);  // a mode without widths falls back to 0, no throw
 }
 
 }  // namespace

@@ -27,7 +27,6 @@ protected:
         q[Params::VCCAUXIO] = 2.0f;
         return q;
     }
-    int validity(Params& q, char const* cell) { return model.intDispatchTable(q, data, cell); }
 };
 
 // Pins: 32 data + 4 masks = 36, 8 strobe, 20 + 3 + 2 = 25 command, 2 clock: 71, two HPIO banks of 50.
@@ -55,15 +54,15 @@ TEST_F(DravikDdr, ADdr4InterfaceOnItsFourRails) {
     EXPECT_EQ(q[Params::IO_PINS], 71);
     EXPECT_EQ(q[Params::HPIO_BANKS], 2);
     EXPECT_EQ(q[Params::USED_HPIO_BANKS], 2);
-    EXPECT_EQ(validity(q, "IS_VALID_DATA_RATE"), 1);
-    EXPECT_EQ(validity(q, "IS_VALID_INSTANCE_COUNT"), 1);
+    EXPECT_EQ(valid(q, "IS_VALID_DATA_RATE"), 1);
+    EXPECT_EQ(valid(q, "IS_VALID_INSTANCE_COUNT"), 1);
 
     // Two interfaces fill four banks, all the DEFAULT part has: the power and banks double.
     q[Params::INSTANCE_COUNT] = 2;
     model.calculate(q);
     expectRel(q[Params::TOTAL_POWER], 2 * 1.0441);
     EXPECT_EQ(q[Params::USED_HPIO_BANKS], 4);
-    EXPECT_EQ(validity(q, "IS_VALID_INSTANCE_COUNT"), 1);
+    EXPECT_EQ(valid(q, "IS_VALID_INSTANCE_COUNT"), 1);
 }
 
 TEST_F(DravikDdr, ImpossibleInterfacesAreInvalidAndStillCalculated) {
@@ -73,9 +72,9 @@ TEST_F(DravikDdr, ImpossibleInterfacesAreInvalidAndStillCalculated) {
     small[Params::DATA_RATE] = 2400.0f;
     small[Params::INSTANCE_COUNT] = 2;
     model.calculate(small);
-    EXPECT_EQ(validity(small, "IS_VALID_DATA_RATE"), 0);
+    EXPECT_EQ(valid(small, "IS_VALID_DATA_RATE"), 0);
     EXPECT_EQ(model.floatDispatchTable(small, data, "GET_MAX_DATA_RATE"), 2000.0f);
-    EXPECT_EQ(validity(small, "IS_VALID_INSTANCE_COUNT"), 0);
+    EXPECT_EQ(valid(small, "IS_VALID_INSTANCE_COUNT"), 0);
     EXPECT_EQ(model.floatDispatchTable(small, data, "GET_MAX_INSTANCE_COUNT"), 1.0f);
     EXPECT_GT(small[Params::TOTAL_POWER], 2 * 1.0441f);
 
@@ -85,17 +84,17 @@ TEST_F(DravikDdr, ImpossibleInterfacesAreInvalidAndStillCalculated) {
     lp[Params::DATA_WIDTH] = 24;
     lp[Params::ECC] = "YES";
     model.calculate(lp);
-    EXPECT_EQ(validity(lp, "IS_VALID_VCCO12"), 0);
-    EXPECT_EQ(validity(lp, "IS_VALID_DATA_WIDTH"), 0);
-    EXPECT_EQ(validity(lp, "IS_VALID_ECC"), 0);
+    EXPECT_EQ(valid(lp, "IS_VALID_VCCO12"), 0);
+    EXPECT_EQ(valid(lp, "IS_VALID_DATA_WIDTH"), 0);
+    EXPECT_EQ(valid(lp, "IS_VALID_ECC"), 0);
     lp[Params::VCCO12] = 1.1f;
     model.calculate(lp);
-    EXPECT_EQ(validity(lp, "IS_VALID_VCCO12"), 1);
+    EXPECT_EQ(valid(lp, "IS_VALID_VCCO12"), 1);
 
     Params percent = ddr4x32();
     percent[Params::READ_RATE] = 40.0f;
     model.calculate(percent);
-    EXPECT_EQ(validity(percent, "IS_VALID_READ_RATE"), 0);
+    EXPECT_EQ(valid(percent, "IS_VALID_READ_RATE"), 0);
     EXPECT_EQ(percent[Params::READ_RATE], 40.0f);
 }
 

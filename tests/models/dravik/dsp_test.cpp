@@ -28,10 +28,6 @@ protected:
         q[Params::CASCADE] = "IN_OUT";
         return q;
     }
-    float calcOf(Params& q, Params::FloatEnum cell) {
-        model.calculate(q);
-        return q[cell];
-    }
 };
 
 // Data cycles 200 x 0.25 x 0.5 = 25 MHz. In pF x MHz:
@@ -41,7 +37,7 @@ protected:
 // 1569.25 x 1 V^2 x 0.001 x 0.5 = 0.784625 mW a slice; ten: 7.84625 mW.
 TEST_F(DravikDsp, HandWorkedSliceAndComplexMultiplier) {
     Params q = configured();
-    expectRel(calcOf(q, Params::DSP_POWER), 7.84625e-3);
+    expectRel(calc(q, Params::DSP_POWER), 7.84625e-3);
     expectRel(q[Params::DSP_INSTANCE_POWER], 0.784625);
     expectRel(q[Params::MULT_COMPONENT], 0.6075);
     expectRel(q[Params::PREADD_COMPONENT], 0.00675);
@@ -57,38 +53,38 @@ TEST_F(DravikDsp, HandWorkedSliceAndComplexMultiplier) {
     Params c = configured();
     c[Params::DSP_MODE] = "COMPLEX_MULTIPLY";
     c[Params::CASCADE] = "NONE";
-    expectRel(calcOf(c, Params::DSP_INSTANCE_POWER), 1.581);
+    expectRel(calc(c, Params::DSP_INSTANCE_POWER), 1.581);
     EXPECT_EQ(c[Params::A_WIDTH], 18);
     EXPECT_EQ(c[Params::DSP_SLICE_COUNT], 30);
 
     // ZDM5100 has no scale row: the DEFAULT row's 2, four times ZDM9200's 0.5.
     q[Params::DEVICE] = "ZDM5100";
-    expectRel(calcOf(q, Params::DSP_INSTANCE_POWER), 4 * 0.784625);
+    expectRel(calc(q, Params::DSP_INSTANCE_POWER), 4 * 0.784625);
 }
 
 TEST_F(DravikDsp, PowerIsLinearInSlicesAndClockAndRisesWithToggling) {
     Params q = configured();
-    float const base = calcOf(q, Params::DSP_POWER);
+    float const base = calc(q, Params::DSP_POWER);
     q[Params::INSTANCE_COUNT] = 30;
-    expectRel(calcOf(q, Params::DSP_POWER), 3.0 * base);
+    expectRel(calc(q, Params::DSP_POWER), 3.0 * base);
     q[Params::CLOCK_FREQ] = 400.0f;  // data and clock pins alike follow the clock
-    expectRel(calcOf(q, Params::DSP_POWER), 6.0 * base);
+    expectRel(calc(q, Params::DSP_POWER), 6.0 * base);
     float previous = 0.0f;
     for (float toggle : {0.0f, 0.1f, 0.5f, 1.0f}) {
         q[Params::TOGGLE_RATE] = toggle;
-        float const power = calcOf(q, Params::DSP_POWER);
+        float const power = calc(q, Params::DSP_POWER);
         EXPECT_GT(power, previous) << "toggle rate " << toggle;
         previous = power;
     }
     q[Params::PIPELINE_STAGES] = 0;  // combinational: no register or clock-spine power
-    calcOf(q, Params::DSP_POWER);
+    calc(q, Params::DSP_POWER);
     EXPECT_EQ(q[Params::REG_COMPONENT], 0.0f);
     EXPECT_EQ(q[Params::CLOCK_COMPONENT], 0.0f);
 }
 
 TEST_F(DravikDsp, DefaultsGiveAFigureAndBadInputsAreFlagged) {
     Params defaults;
-    EXPECT_GT(calcOf(defaults, Params::DSP_POWER), 0.0f);
+    EXPECT_GT(calc(defaults, Params::DSP_POWER), 0.0f);
     EXPECT_EQ(defaults[Params::B_WIDTH], 18);
 
     Params q = configured();
@@ -109,7 +105,7 @@ TEST_F(DravikDsp, DefaultsGiveAFigureAndBadInputsAreFlagged) {
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_DEVICE"), 0);
     q[Params::DSP_MODE] = "NO_SUCH_MODE";  // every width falls back to 0: no power, no throw
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_DSP_MODE"), 0);
-    EXPECT_EQ(calcOf(q, Params::MULT_COMPONENT), 0.0f);
+    EXPECT_EQ(calc(q, Params::MULT_COMPONENT), 0.0f);
 }
 
 }  // namespace

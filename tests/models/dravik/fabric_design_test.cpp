@@ -4,6 +4,8 @@
 // where ZDM9200 scales the block RAM's VCCINT by 0.5 and its VCCBRAM by 1.
 #include <prsm/design/Estimate.h>
 
+#include "ReportLookup.h"
+
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -13,6 +15,8 @@
 namespace {
 
 using namespace prsm::design;
+using prsm::test::held;
+using prsm::test::resource;
 
 // The block-RAM configuration of bram_test.cpp, four groups of ten: 7 awake and 3 asleep in each.
 constexpr char kDesign[] = R"({"schema_version": 1, "device": {"part": "ZDM9200"},
@@ -28,18 +32,6 @@ constexpr char kDesign[] = R"({"schema_version": 1, "device": {"part": "ZDM9200"
     {"name": "macs", "model": "DravikDsp", "count": 2, "inputs": {"DSP_MODE": "COMPLEX_MULTIPLY", "INSTANCE_COUNT": 10}},
     {"name": "frame store", "model": "DravikUram", "inputs": {"INSTANCE_COUNT": 8}}
   ]})";
-
-std::optional<double> held(Report const& report, std::string const& cell) {
-    for (auto const& [name, value] : report.staticCounts)
-        if (name == cell) return value;
-    return std::nullopt;
-}
-
-ResourceUse resource(Report const& report, std::string const& name) {
-    for (ResourceUse const& r : report.resources)
-        if (r.resource == name) return r;
-    throw std::runtime_error("no resource " + name);
-}
 
 double blockRail(Report const& report, std::string const& block, std::string const& rail) {
     for (BlockResult const& b : report.blocks)

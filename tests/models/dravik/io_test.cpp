@@ -17,7 +17,6 @@ using prsm::test::expectRel;
 class DravikIo : public prsm::test::ModelFixture<PRSMDravikIoModel> {
 protected:
     void SetUp() override { p[Params::DEVICE] = "ZDM5100"; }
-    int valid(char const* cell) { return model.intDispatchTable(p, data, cell); }
 };
 
 // 25 LVCMOS33 outputs on HDIO at 100 Mb/s, half the bits changing: lines cycle at 25 MHz and drive

@@ -15,10 +15,7 @@ namespace {
 using Params = PRSMDravikMmcmParams;
 using prsm::test::expectRel;
 
-class DravikMmcm : public prsm::test::ModelFixture<PRSMDravikMmcmModel> {
-protected:
-    int valid(char const* cell) { return model.intDispatchTable(p, data, cell); }
-};
+class DravikMmcm : public prsm::test::ModelFixture<PRSMDravikMmcmModel> {};
 
 // 100 MHz in, D 1, M 10: PFD 100, VCO 1000; outputs 1000 / 5 = 200 and 1000 / 10 = 100 MHz.
 //   VCCAUX 0.019 + 2.8e-6 x 1000 = 0.0218 A; x 1.8 V = 0.03924 W

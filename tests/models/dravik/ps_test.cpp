@@ -20,10 +20,7 @@ namespace {
 using Params = PRSMDravikPsParams;
 using prsm::test::expectRel;
 
-class DravikPs : public prsm::test::ModelFixture<PRSMDravikPsModel> {
-protected:
-    int valid(char const* flag) { return model.intDispatchTable(p, data, flag); }
-};
+class DravikPs : public prsm::test::ModelFixture<PRSMDravikPsModel> {};
 
 // Defaults: four cores at 1.2 GHz and half load, two GPU pixel processors at 600 MHz, DDR4-2400 x64
 // with a quarter of the bandwidth reading and a quarter writing, one of each peripheral at a tenth.

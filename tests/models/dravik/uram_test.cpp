@@ -32,10 +32,6 @@ protected:
         q[Params::INSTANCE_COUNT] = 4;
         return q;
     }
-    float calcOf(Params& q, Params::FloatEnum cell) {
-        model.calculate(q);
-        return q[cell];
-    }
 };
 
 // A port: 50 accesses, 20 writes, 30 reads; the output holds on writes, so 30 updates. Half the toggled
@@ -46,7 +42,7 @@ protected:
 // Four blocks: 4 x 0.6076 = 2.4304 mW on VCCINT, 4 x 4.86 = 19.44 mW on VCCBRAM.
 TEST_F(DravikUram, HandWorkedConfigurationOnItsTwoRails) {
     Params q = configured();
-    expectRel(calcOf(q, Params::TOTAL_POWER), 4 * 5.4676e-3);
+    expectRel(calc(q, Params::TOTAL_POWER), 4 * 5.4676e-3);
     EXPECT_EQ(q[Params::PORT_A_WIDTH], 72);
     expectRel(q[Params::PORT_A_CAP_FREQ], 607.6);
     expectRel(q[Params::PORT_B_ARRAY_COMPONENT], 2430.0);
@@ -57,25 +53,25 @@ TEST_F(DravikUram, HandWorkedConfigurationOnItsTwoRails) {
 
     // Error correction encodes each write and checks each read: 607.6 + 20 x 5 + 30 x 6 = 887.6.
     q[Params::ECC] = "YES";
-    expectRel(calcOf(q, Params::PORT_A_CAP_FREQ), 887.6);
+    expectRel(calc(q, Params::PORT_A_CAP_FREQ), 887.6);
 
     // A chain of two: one block serves 25 accesses (10 writes, 15 reads) and the chain's 50 cross it:
     // 400 + 25 x 3 + 7.2 x (10 x 0.1 + 15 x 0.2) + 50 x (7.2 x 0.4 + 2) = 503.8 + 244 = 747.8.
     q = configured();
     q[Params::CASCADE_DEPTH] = 2;
-    expectRel(calcOf(q, Params::PORT_A_CAP_FREQ), 747.8);
+    expectRel(calc(q, Params::PORT_A_CAP_FREQ), 747.8);
 
     // Half of them asleep: 2 awake draw half the power.
     q = configured();
     q[Params::SLEEP_RATE] = 0.5f;
-    expectRel(calcOf(q, Params::TOTAL_POWER), 2 * 5.4676e-3);
+    expectRel(calc(q, Params::TOTAL_POWER), 2 * 5.4676e-3);
     EXPECT_EQ(q[Params::URAM_ACTIVE_COUNT], 2);
     EXPECT_EQ(q[Params::URAM_SLEEP_COUNT], 2);
 }
 
 TEST_F(DravikUram, DefaultsGiveAFigureAndBadInputsAreFlagged) {
     Params defaults;
-    EXPECT_GT(calcOf(defaults, Params::VCCINT_POWER), 0.0f);
+    EXPECT_GT(calc(defaults, Params::VCCINT_POWER), 0.0f);
     EXPECT_GT(defaults[Params::VCCBRAM_POWER], 0.0f);
 
     Params q = configured();
@@ -88,7 +84,7 @@ TEST_F(DravikUram, DefaultsGiveAFigureAndBadInputsAreFlagged) {
     q[Params::RAM_MODE] = "SINGLE_PORT";
     q[Params::PORT_B_WIDTH] = 72;
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_PORT_B_WIDTH"), 0);  // 72 set, the mode has none
-    EXPECT_TRUE(std::isfinite(calcOf(q, Params::TOTAL_POWER)));
+    EXPECT_TRUE(std::isfinite(calc(q, Params::TOTAL_POWER)));
 }
 
 }  // namespace

@@ -15,10 +15,7 @@ namespace {
 using Params = PRSMDravikVcuParams;
 using prsm::test::expectRel;
 
-class DravikVcu : public prsm::test::ModelFixture<PRSMDravikVcuModel> {
-protected:
-    int valid(char const* flag) { return model.intDispatchTable(p, data, flag); }
-};
+class DravikVcu : public prsm::test::ModelFixture<PRSMDravikVcuModel> {};
 
 // Defaults: one 1080p60 stream encoded with CODEC_B: 1920 x 1080 x 60 = 124.416 Mpixel/s, a quarter of
 // the capacity; 0.09 + 2.1e-3 x 124.416 = 0.3512736 W on VCCVCUINT.

@@ -35,10 +35,6 @@ protected:
         q[Params::SLEEP_RATE] = 0.25f;
         return q;
     }
-    float calcOf(Params& q, Params::FloatEnum cell) {
-        model.calculate(q);
-        return q[cell];
-    }
 };
 
 // Port A: 100 x 0.5 = 50 accesses, 20 writes; read-first reads the array on every access (50) and
@@ -51,7 +47,7 @@ protected:
 // Ten blocks, 2.5 asleep round to 3: 7 awake.
 TEST_F(Bram, HandWorkedConfigurationAndItsRails) {
     Params q = configured();
-    expectRel(calcOf(q, Params::TOTAL_POWER), 7 * 1.1584e-3);
+    expectRel(calc(q, Params::TOTAL_POWER), 7 * 1.1584e-3);
     EXPECT_EQ(q[Params::PORT_A_ACCESSES], 50.0f);
     expectRel(q[Params::PORT_A_WRITES], 20.0);
     expectRel(q[Params::PORT_A_READS], 50.0);
@@ -75,28 +71,28 @@ TEST_F(Bram, HandWorkedConfigurationAndItsRails) {
     // Rails off nominal: VCCRAM 0.4 V gives (0.4/0.8)^2 = 0.25, VCCINT 0.5 V gives 0.25.
     q[Params::VCCRAM] = 0.4f;
     q[Params::VCCINT] = 0.5f;
-    expectRel(calcOf(q, Params::VCCRAM_INSTANCE_POWER), 0.2015);
+    expectRel(calc(q, Params::VCCRAM_INSTANCE_POWER), 0.2015);
     expectRel(q[Params::VCCINT_INSTANCE_POWER], 0.0706);
     // A part without a row takes the DEFAULT row's scale 2: 564.8 x 0.25 x 0.001 x 2.
     q[Params::DEVICE] = "NOSUCH";
-    expectRel(calcOf(q, Params::VCCINT_INSTANCE_POWER), 0.2824);
+    expectRel(calc(q, Params::VCCINT_INSTANCE_POWER), 0.2824);
 }
 
 TEST_F(Bram, ModesWriteModesAndOptionsChangeWhatAPortSwitches) {
     Params q = configured();
     q[Params::WRITE_MODE] = "WRITE_FIRST";  // no array read on a write; the output still updates
-    calcOf(q, Params::TOTAL_POWER);
+    calc(q, Params::TOTAL_POWER);
     expectRel(q[Params::PORT_A_READS], 30.0);
     expectRel(q[Params::PORT_A_ARRAY_COMPONENT], 372.0);  // 30 x 5.6 + 20 x 10.2
     expectRel(q[Params::PORT_A_CAP_FREQ], 293.2);
     q[Params::WRITE_MODE] = "NO_CHANGE";  // the output holds on writes: 250 + 3.6 x (2 + 30 x 0.2)
-    calcOf(q, Params::TOTAL_POWER);
+    calc(q, Params::TOTAL_POWER);
     expectRel(q[Params::PORT_A_OUTPUT_UPDATES], 30.0);
     expectRel(q[Params::PORT_A_CAP_FREQ], 278.8);
 
     q = configured();
     q[Params::OUTPUT_REGISTER] = "YES";  // + 100 x 0.5 clock + 3.6 x 50 x 0.05 data
-    expectRel(calcOf(q, Params::PORT_A_CAP_FREQ), 352.2);
+    expectRel(calc(q, Params::PORT_A_CAP_FREQ), 352.2);
 
     // Simple dual port, widths from the mode (72): A writes on every access, B only reads. Toggled
     // bits 7.2. A: 250 + 7.2 x 50 x 0.1 = 286, array 50 x (3 + 14.4); B: 250 + 7.2 x 50 x 0.2 = 322,
@@ -107,7 +103,7 @@ TEST_F(Bram, ModesWriteModesAndOptionsChangeWhatAPortSwitches) {
     sdp[Params::VCCINT] = 1.0f;
     sdp[Params::OUTPUT_REGISTER] = "NO";
     sdp[Params::RAM_MODE] = "SIMPLE_DUAL_PORT";
-    calcOf(sdp, Params::TOTAL_POWER);
+    calc(sdp, Params::TOTAL_POWER);
     EXPECT_EQ(sdp[Params::PORT_A_WIDTH], 72);
     EXPECT_EQ(sdp[Params::PORT_A_WRITE_SHARE], 1.0f);
     EXPECT_EQ(sdp[Params::PORT_A_OUTPUT_UPDATES], 0.0f);
@@ -117,29 +113,29 @@ TEST_F(Bram, ModesWriteModesAndOptionsChangeWhatAPortSwitches) {
     expectRel(sdp[Params::PORT_A_ARRAY_COMPONENT], 870.0);
     expectRel(sdp[Params::PORT_B_ARRAY_COMPONENT], 460.0);
     sdp[Params::ECC] = "YES";
-    expectRel(calcOf(sdp, Params::PORT_A_CAP_FREQ), 436.0);
+    expectRel(calc(sdp, Params::PORT_A_CAP_FREQ), 436.0);
     expectRel(sdp[Params::PORT_B_CAP_FREQ], 522.0);
     sdp[Params::ECC] = "NO";
     sdp[Params::RAM_MODE] = "FIFO";  // pointers and flags: 50 x 6 on each port
-    expectRel(calcOf(sdp, Params::PORT_A_CAP_FREQ), 586.0);
+    expectRel(calc(sdp, Params::PORT_A_CAP_FREQ), 586.0);
     expectRel(sdp[Params::PORT_B_CAP_FREQ], 622.0);
 
     // A cascade of two: one block serves 25 of the chain's 50 accesses (10 writes), and the chain's
     // buses cross it on all 50: 200 + 25 + 3.6 x (10 x 0.1 + 25 x 0.2) + 50 x (3.6 x 0.3 + 7).
     q = configured();
     q[Params::RAM_MODE] = "CASCADE";
-    expectRel(calcOf(q, Params::PORT_A_CAP_FREQ), 650.6);
+    expectRel(calc(q, Params::PORT_A_CAP_FREQ), 650.6);
     EXPECT_EQ(q[Params::CASCADE_DEPTH], 2);
     expectRel(q[Params::PORT_A_ACCESSES], 25.0);
 
     q = configured();
     q[Params::RAM_MODE] = "ROM";  // reads only: 250 + 3.6 x 50 x 0.2
-    expectRel(calcOf(q, Params::PORT_A_CAP_FREQ), 286.0);
+    expectRel(calc(q, Params::PORT_A_CAP_FREQ), 286.0);
     EXPECT_EQ(q[Params::PORT_A_WRITES], 0.0f);
 
     Params single;
     single[Params::RAM_MODE] = "SINGLE_PORT";
-    calcOf(single, Params::TOTAL_POWER);
+    calc(single, Params::TOTAL_POWER);
     EXPECT_EQ(single[Params::PORT_B_WIDTH], 0);  // the mode leaves B unused
     EXPECT_EQ(single[Params::PORT_B_CAP_FREQ], 0.0f);
     EXPECT_GT(single[Params::PORT_A_CAP_FREQ], 0.0f);
@@ -150,7 +146,7 @@ TEST_F(Bram, ModesWriteModesAndOptionsChangeWhatAPortSwitches) {
     half[Params::BRAM_TYPE] = "BRAM18";
     half[Params::INSTANCE_COUNT] = 5;
     half[Params::SLEEP_RATE] = 0.25f;
-    calcOf(half, Params::TOTAL_POWER);
+    calc(half, Params::TOTAL_POWER);
     EXPECT_EQ(half[Params::PORT_A_WIDTH], 18);
     EXPECT_EQ(half[Params::BRAM36_ACTIVE_COUNT], 2);
     EXPECT_EQ(half[Params::BRAM36_SLEEP_COUNT], 1);
@@ -162,10 +158,10 @@ TEST_F(Bram, InvalidInputsAreFlaggedAndStillCalculated) {
     Params q = configured();
     float const atFullToggle = [&] {
         q[Params::TOGGLE_RATE] = 1.0f;
-        return calcOf(q, Params::TOTAL_POWER);
+        return calc(q, Params::TOTAL_POWER);
     }();
     q[Params::TOGGLE_RATE] = 25.0f;  // someone meaning percent
-    EXPECT_GT(calcOf(q, Params::TOTAL_POWER), atFullToggle);
+    EXPECT_GT(calc(q, Params::TOTAL_POWER), atFullToggle);
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_TOGGLE_RATE"), 0);
     EXPECT_EQ(model.floatDispatchTable(q, data, "GET_MAX_TOGGLE_RATE"), 1.0f);
     q[Params::ENABLE_RATE] = -0.1f;
@@ -175,7 +171,7 @@ TEST_F(Bram, InvalidInputsAreFlaggedAndStillCalculated) {
     Params w = configured();
     w[Params::PORT_A_WIDTH] = 72;  // true dual port allows 36
     EXPECT_EQ(model.intDispatchTable(w, data, "IS_VALID_PORT_A_WIDTH"), 0);
-    EXPECT_GT(calcOf(w, Params::PORT_A_CAP_FREQ), 293.2f);  // calculated at 72 bits
+    EXPECT_GT(calc(w, Params::PORT_A_CAP_FREQ), 293.2f);  // calculated at 72 bits
     w[Params::RAM_MODE] = "SIMPLE_DUAL_PORT";
     EXPECT_EQ(model.intDispatchTable(w, data, "IS_VALID_PORT_A_WIDTH"), 1);
     w[Params::RAM_MODE] = "SINGLE_PORT";
@@ -204,7 +200,7 @@ TEST_F(Bram, InvalidInputsAreFlaggedAndStillCalculated) {
     n[Params::RAM_MODE] = "NOPE";
     n[Params::DEVICE] = "NOSUCH";
     n[Params::CLOCK_FREQ] = 0.0f;
-    EXPECT_EQ(calcOf(n, Params::TOTAL_POWER), 0.0f);
+    EXPECT_EQ(calc(n, Params::TOTAL_POWER), 0.0f);
     EXPECT_EQ(model.intDispatchTable(n, data, "IS_VALID_RAM_MODE"), 0);
     EXPECT_EQ(model.intDispatchTable(n, data, "IS_VALID_DEVICE"), 0);
     EXPECT_EQ(model.intDispatchTable(n, data, "IS_VALID_CLOCK_FREQ"), 0);
@@ -218,14 +214,14 @@ TEST_F(Bram, PowerGrowsWithActivityAndScalesWithTheBlocks) {
                                 std::pair{Params::ENABLE_RATE, 0.75f}}) {
         Params q;
         q[cell] = higher;
-        EXPECT_GT(calcOf(q, Params::TOTAL_POWER), base) << Params::enum_to_string(cell);
+        EXPECT_GT(calc(q, Params::TOTAL_POWER), base) << Params::enum_to_string(cell);
     }
     Params seven;
     seven[Params::INSTANCE_COUNT] = 7;
-    expectRel(calcOf(seven, Params::TOTAL_POWER), 7.0 * base);
+    expectRel(calc(seven, Params::TOTAL_POWER), 7.0 * base);
     Params asleep;
     asleep[Params::SLEEP_RATE] = 1.0f;
-    EXPECT_EQ(calcOf(asleep, Params::TOTAL_POWER), 0.0f);
+    EXPECT_EQ(calc(asleep, Params::TOTAL_POWER), 0.0f);
     EXPECT_EQ(asleep[Params::BRAM36_SLEEP_COUNT], 1);
 }
 

@@ -17,14 +17,7 @@ namespace {
 using Params = PRSMTalvexDdrmcParams;
 using prsm::test::expectRel;
 
-class Ddrmc : public prsm::test::ModelFixture<PRSMTalvexDdrmcModel> {
-protected:
-    // A validity flag of the inputs as they stand (a calculate clears the flags cached before).
-    int valid(char const* flag) {
-        model.calculate(p);
-        return model.intDispatchTable(p, data, flag);
-    }
-};
+class Ddrmc : public prsm::test::ModelFixture<PRSMTalvexDdrmcModel> {};
 
 // One DDR4-3200 x64 controller, one rank, reads 0.4 and writes 0.3 of the peak, nominal rails.
 // Pins: data 64 + 8 masks = 72, strobes 16, command 24 + 3 + 2 = 29, clock 2: 119, three banks of 50.

@@ -10,14 +10,7 @@ namespace {
 using Params = PRSMTalvexHardIpParams;
 using prsm::test::expectRel;
 
-class HardIp : public prsm::test::ModelFixture<PRSMTalvexHardIpModel> {
-protected:
-    float calcOf(Params& q, Params::FloatEnum cell) {
-        model.calculate(q);
-        return q[cell];
-    }
-    int validity(Params& q, char const* cell) { return model.intDispatchTable(q, data, cell); }
-};
+class HardIp : public prsm::test::ModelFixture<PRSMTalvexHardIpModel> {};
 
 // The defaults: a PCIe GEN4 x16 controller on ZQVC1902 (scale 1), half its bandwidth in use, 0.8 V.
 //   bandwidth 16 x 15 = 240 Gb/s, traffic 120 Gb/s
@@ -50,17 +43,17 @@ TEST_F(HardIp, EthernetMacsCodeTheWholeLineThroughTheirFec) {
     q[Params::UTILIZATION] = 0.25f;
     q[Params::VCCINT] = 0.4f;
     q[Params::INSTANCE_COUNT] = 3;
-    expectRel(calcOf(q, Params::VCCINT_POWER), 0.3225);
+    expectRel(calc(q, Params::VCCINT_POWER), 0.3225);
     expectRel(q[Params::FEC_COMPONENT], 100.0);
     expectRel(q[Params::INSTANCE_POWER], 107.5);
     EXPECT_EQ(q[Params::VCCCPM5_POWER], 0.0f);
     EXPECT_EQ(q[Params::GT_LANE_COUNT], 12);
-    EXPECT_EQ(validity(q, "IS_VALID_LANES"), 1);
+    EXPECT_EQ(valid(q, "IS_VALID_LANES"), 1);
 
     Params noFec = q;
     noFec[Params::FEC] = "NO";
     noFec[Params::VCCINT] = 0.8f;
-    expectRel(calcOf(noFec, Params::INSTANCE_POWER), 330.0);
+    expectRel(calc(noFec, Params::INSTANCE_POWER), 330.0);
 }
 
 // PCIe on a part without a row takes the DEFAULT scale, 2: 1480 mW.
@@ -70,35 +63,35 @@ TEST_F(HardIp, InvalidWidthsModesAndSharesAreReportedAndStillCalculated) {
     q[Params::LANES] = 12;           // not a PCIe width
     q[Params::UTILIZATION] = 50.0f;  // percent meant
     model.calculate(q);
-    EXPECT_EQ(validity(q, "IS_VALID_LANES"), 0);
-    EXPECT_EQ(validity(q, "IS_VALID_UTILIZATION"), 0);
+    EXPECT_EQ(valid(q, "IS_VALID_LANES"), 0);
+    EXPECT_EQ(valid(q, "IS_VALID_UTILIZATION"), 0);
     // idle 100 + 12 x 10 = 220, data path 12 x 15 x 50 x 4 = 36000: x 2
     expectRel(q[Params::INSTANCE_POWER], 2 * 36220.0);
 
     Params wide;
     wide[Params::LANES] = 32;
     model.calculate(wide);
-    EXPECT_EQ(validity(wide, "IS_VALID_LANES"), 0);
+    EXPECT_EQ(valid(wide, "IS_VALID_LANES"), 0);
     EXPECT_EQ(model.floatDispatchTable(wide, data, "GET_MAX_LANES"), 16.0f);
 
     Params ethernet;
     ethernet[Params::IP_TYPE] = "ETHERNET_100G";
     ethernet[Params::LANES] = 2;
     model.calculate(ethernet);
-    EXPECT_EQ(validity(ethernet, "IS_VALID_LANES"), 0);
+    EXPECT_EQ(valid(ethernet, "IS_VALID_LANES"), 0);
 
     // A generation the file does not have: only the controller's base idles (100 mW).
     Params gen5;
     gen5[Params::MODE] = "GEN5";
-    expectRel(calcOf(gen5, Params::INSTANCE_POWER), 100.0);
-    EXPECT_EQ(validity(gen5, "IS_VALID_MODE"), 0);
+    expectRel(calc(gen5, Params::INSTANCE_POWER), 100.0);
+    EXPECT_EQ(valid(gen5, "IS_VALID_MODE"), 0);
     EXPECT_EQ(model.calculateValidValuesMode(gen5, data), "GEN3,GEN4");
 
     // A controller without a default mode or link rows: no mode, no traffic, no rail share.
     Params interlaken;
     interlaken[Params::IP_TYPE] = "INTERLAKEN";
-    EXPECT_EQ(calcOf(interlaken, Params::TOTAL_POWER), 0.0f);
-    EXPECT_EQ(validity(interlaken, "IS_VALID_MODE"), 0);
+    EXPECT_EQ(calc(interlaken, Params::TOTAL_POWER), 0.0f);
+    EXPECT_EQ(valid(interlaken, "IS_VALID_MODE"), 0);
     EXPECT_EQ(interlaken[Params::LANES], 12);
 }
 
@@ -107,7 +100,7 @@ TEST_F(HardIp, PowerGrowsWithLanesTrafficAndGenerationAndIsLinearInControllers) 
     auto const with = [this](auto set) {
         Params q;
         set(q);
-        return calcOf(q, Params::TOTAL_POWER);
+        return calc(q, Params::TOTAL_POWER);
     };
     EXPECT_LT(with([](Params& q) { q[Params::LANES] = 8; }), base);
     EXPECT_GT(with([](Params& q) { q[Params::UTILIZATION] = 1.0f; }), base);

@@ -15,13 +15,7 @@ namespace {
 using Params = PRSMTalvexHbmParams;
 using prsm::test::expectRel;
 
-class Hbm : public prsm::test::ModelFixture<PRSMTalvexHbmModel> {
-protected:
-    int valid(char const* flag) {
-        model.calculate(p);
-        return model.intDispatchTable(p, data, flag);
-    }
-};
+class Hbm : public prsm::test::ModelFixture<PRSMTalvexHbmModel> {};
 
 // One 8-high stack, all 16 pseudo-channels at 3200 Mb/s: 3,276,800 Mb/s peak (409.6 GB/s); reads 0.4
 // move 1,310,720 Mb/s and writes 0.3 983,040.

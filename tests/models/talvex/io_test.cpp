@@ -17,10 +17,7 @@ namespace {
 using Params = PRSMTalvexIoParams;
 using prsm::test::expectRel;
 
-class Io : public prsm::test::ModelFixture<PRSMTalvexIoModel> {
-protected:
-    int valid(char const* cell) { return model.intDispatchTable(p, data, cell); }
-};
+class Io : public prsm::test::ModelFixture<PRSMTalvexIoModel> {};
 
 // One LVCMOS18 output on an HDIO bank, 200 Mb/s, half its bits changing: its line cycles at
 // 200 x 0.5 / 2 = 50 MHz. It drives 5 pF + 2 pF of pad + (0.2 + 0.1 x 8 mA) of output stage = 8 pF:

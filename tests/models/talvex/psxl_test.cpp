@@ -21,10 +21,7 @@ namespace {
 using Params = PRSMTalvexPsxlParams;
 using prsm::test::expectRel;
 
-class Psxl : public prsm::test::ModelFixture<PRSMTalvexPsxlModel> {
-protected:
-    int valid(char const* flag) { return model.intDispatchTable(p, data, flag); }
-};
+class Psxl : public prsm::test::ModelFixture<PRSMTalvexPsxlModel> {};
 
 // Defaults: four application cores at 2 GHz and half load, two real-time cores, two TCM and two OCM
 // banks at a quarter load, one of each peripheral but SPI at a tenth.
@@ -107,6 +104,32 @@ TEST_F(Psxl, GatingAndSwitches) {
     EXPECT_EQ(p[Params::USED_PSXL_RPU], 0);
     EXPECT_EQ(p[Params::USED_PSXL_L3_CACHE], 0);
     EXPECT_EQ(p[Params::USED_PSXL_CPU], 4);
+}
+
+// Each block reads its own row: its count, its gates and its domain, and nobody else's.
+//   FP interconnect idle and clock-gated: 0; it has no power gate and counts once
+//   LP interconnect idle, clocks running: 1.6e-5 x 600 = 0.0096 on VCCLPD, untouched by VCCFPD
+//   four TCM banks: 4 x (3.2e-6 + 1.28e-5 / 4) x 1000 = 0.0256; OCM powered off: 0, none counted
+//   two Ethernet controllers: 2 x 0.0056 = 0.0112, their pins' core side 2 x 3.352e-4 = 6.704e-4
+TEST_F(Psxl, EachBlockFollowsItsOwnRow) {
+    p[Params::VCCFPD] = 0.88f;
+    p[Params::FP_INTERCONNECT_LOAD] = 0.0f;
+    p[Params::FP_INTERCONNECT_CLOCK_GATED] = 1;
+    p[Params::LP_INTERCONNECT_LOAD] = 0.0f;
+    p[Params::TCM_MEMORY_CORES] = 4;
+    p[Params::OCM_MEMORY_POWER_GATED] = 1;
+    p[Params::ETHERNET_COUNT] = 2;
+    EXPECT_EQ(calc(Params::FP_INTERCONNECT_DYNAMIC_POWER), 0.0f);
+    expectRel(p[Params::CPU_DYNAMIC_POWER], 1.1776 * std::pow(1.1, 2.3));
+    expectRel(p[Params::LP_INTERCONNECT_DYNAMIC_POWER], 0.0096);
+    expectRel(p[Params::TCM_MEMORY_DYNAMIC_POWER], 0.0256);
+    EXPECT_EQ(p[Params::OCM_MEMORY_DYNAMIC_POWER], 0.0f);
+    expectRel(p[Params::ETHERNET_DYNAMIC_POWER], 0.0112);
+    expectRel(p[Params::ETHERNET_IO_CORE_POWER], 6.704e-4);
+    expectRel(p[Params::USB_DYNAMIC_POWER], 0.0088);
+    EXPECT_EQ(p[Params::USED_PSXL_RPU_TCM], 4);
+    EXPECT_EQ(p[Params::USED_PSXL_RPU_OCM], 0);
+    EXPECT_EQ(p[Params::USED_PSXL_RPU], 2);
 }
 
 // Impossible inputs are flagged and still calculated with as given.

@@ -14,13 +14,7 @@ using Model = PRSMTalvexUramModel;
 using Data = PRSMTalvexUramData;
 using prsm::test::expectRel;
 
-class Uram : public prsm::test::ModelFixture<Model> {
-protected:
-    float calcOf(Params& q, Params::FloatEnum cell) {
-        model.calculate(q);
-        return q[cell];
-    }
-};
+class Uram : public prsm::test::ModelFixture<Model> {};
 
 // Eight blocks in chains of 4, 200 MHz, half enabled, half the accesses writes, a tenth of the bits
 // toggling, output registers and error correction, VCCINT 1 V, VCCRAM nominal; ZQVC1902 scales
@@ -57,7 +51,7 @@ TEST_F(Uram, HandWorkedCascadeWithErrorCorrection) {
     // Simple dual port: A writes on every access, B reads on every access.
     Params sdp;
     sdp[Params::RAM_MODE] = "SIMPLE_DUAL_PORT";
-    calcOf(sdp, Params::TOTAL_POWER);
+    calc(sdp, Params::TOTAL_POWER);
     EXPECT_EQ(sdp[Params::PORT_A_WRITE_SHARE], 1.0f);
     EXPECT_EQ(sdp[Params::PORT_B_WRITE_SHARE], 0.0f);
     EXPECT_EQ(sdp[Params::PORT_B_WIDTH], 72);
@@ -78,13 +72,13 @@ TEST_F(Uram, InvalidInputsAreFlaggedAndStillCalculated) {
 
     Params q;
     q[Params::WRITE_RATE] = 2.0f;  // writes beyond every access: still calculated, never clamped
-    EXPECT_GT(calcOf(q, Params::PORT_A_WRITES), q[Params::PORT_A_ACCESSES]);
+    EXPECT_GT(calc(q, Params::PORT_A_WRITES), q[Params::PORT_A_ACCESSES]);
     q[Params::RAM_MODE] = "SINGLE_PORT";
     q[Params::PORT_B_WIDTH] = 72;
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_PORT_B_WIDTH"), 0);
     q[Params::CASCADE_DEPTH] = 0;
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_CASCADE_DEPTH"), 0);
-    EXPECT_GT(calcOf(q, Params::TOTAL_POWER), 0.0f);  // a depth below 1 chains nothing
+    EXPECT_GT(calc(q, Params::TOTAL_POWER), 0.0f);  // a depth below 1 chains nothing
 }
 
 TEST_F(Uram, PowerGrowsWithActivityAndScalesWithTheBlocks) {
@@ -94,11 +88,11 @@ TEST_F(Uram, PowerGrowsWithActivityAndScalesWithTheBlocks) {
                                 std::pair{Params::ENABLE_RATE, 0.75f}}) {
         Params q;
         q[cell] = higher;
-        EXPECT_GT(calcOf(q, Params::TOTAL_POWER), base) << Params::enum_to_string(cell);
+        EXPECT_GT(calc(q, Params::TOTAL_POWER), base) << Params::enum_to_string(cell);
     }
     Params many;
     many[Params::INSTANCE_COUNT] = 11;
-    expectRel(calcOf(many, Params::TOTAL_POWER), 11.0 * base);
+    expectRel(calc(many, Params::TOTAL_POWER), 11.0 * base);
 }
 
 // An UltraRAM draws a few times what a 36 Kb block RAM does in the same use, on the shipped data.
