@@ -1,4 +1,5 @@
 #include <prsm/design/ReportFormat.h>
+#include <prsm/design/SupplyFormat.h>
 
 #include <nlohmann/json.hpp>
 
@@ -90,6 +91,7 @@ std::string toJson(Report const& report) {
                            {"input_power", report.supplyInputPower},
                            {"unregulated_power", report.unregulatedPower}};
     }
+    addSupplyViews(report, out);
     Json blocks = Json::array();
     for (BlockResult const& b : report.blocks) {
         Json block{{"name", b.name}, {"model", b.model}, {"region", b.region}, {"count", b.count}};
@@ -237,6 +239,7 @@ std::string toCsv(Report const& report) {
         line("supplies", "", "", "input_power", number(report.supplyInputPower), "W");
         line("supplies", "", "", "unregulated_power", number(report.unregulatedPower), "W");
     }
+    supplyViewsCsv(report, line);
     for (Warning const& w : report.warnings)
         line("warning", w.block, "", "invalid_input", w.cell + ": " + w.message, "");
     for (std::string const& f : report.failures) line("failure", "", "", "error", f, "");

@@ -91,6 +91,23 @@ public:
         m_changed = true;
         return m_error.empty();
     }
+    // As calculate(), but the sheet is not calculated as a whole: `read` evaluates the cells it needs
+    // (a sheet of which the design wants a few figures, whose data may lack rows it never touches). A
+    // new parameter set each time, as an evaluated cell keeps what it worked out from the inputs before.
+    template <typename Wire, typename Read>
+    bool evaluate(std::vector<double> const& voltage, std::vector<SheetRunner> const& runners, Wire&& wire,
+                  Read&& read) {
+        m_instance = m_sheet->create();
+        restore(voltage);
+        m_error = failureOf([&] {
+            wire(*m_instance);
+            copyLinks(runners);
+            read(*m_instance);
+        });
+        m_dirty = false;
+        m_changed = true;
+        return m_error.empty();
+    }
     // Fails without calculating (a block it reads from failed).
     void fail(std::string why);
     std::string const& error() const { return m_error; }

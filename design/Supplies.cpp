@@ -12,6 +12,17 @@ constexpr double kNoFigure = 1e30;  // an unset float cell holds a sentinel near
 
 }  // namespace
 
+std::map<std::string, double> supplyShares(std::vector<RailResult> const& rails, SupplyOf const& supplyOf) {
+    std::map<std::string, double> share;
+    for (RailResult const& rail : rails) share[rail.rail] += rail.totalCurrent;
+    for (RailResult const& held : rails) {
+        if (held.countedIn.empty() || share.count(held.countedIn) == 0) continue;
+        bool const together = supplyOf(held.rail) == supplyOf(held.countedIn);
+        share[together ? held.rail : held.countedIn] -= held.staticCurrent;
+    }
+    return share;
+}
+
 StaticSupplyCells::StaticSupplyCells(Sheet const& staticSheet, std::vector<std::string> const& rails)
     : m_rails(rails), m_powerupCell(rails.size(), kNoCell), m_countedIn(staticSheet.design().countedIn) {
     std::string const& pattern = staticSheet.design().powerupCurrent;
