@@ -71,6 +71,11 @@ struct EstimateState {
         std::size_t totalCell = kNoIndex;
         std::vector<BoardRegulatorCells> regulators;
     };
+    // A rail's decoupling counts and the cells the sheet could not evaluate for it.
+    struct DecouplingLine {
+        RailDecoupling counts;
+        std::vector<std::string> problems;
+    };
     // What the last estimate worked out, for the report.
     struct Figures {
         std::vector<double> railDynamic;    // W per rail
@@ -83,8 +88,9 @@ struct EstimateState {
         bool blocksOk = true;               // every block calculated
         ThermalResult thermal;
         std::optional<BoardResult> board;  // when the board was calculated and read
-        std::vector<RailDecoupling> decoupling;  // when the decoupling sheet was calculated and read
-        std::vector<double> steps;               // A per step input, as the decoupling sheet last took them
+        // Per rail of the decoupling sheet, its counts when evaluated for the current load step.
+        std::vector<std::optional<DecouplingLine>> decoupling;
+        std::vector<double> steps;  // A per step input, as the decoupling sheet last took them
     };
 
     Design design;
@@ -114,7 +120,7 @@ struct EstimateState {
     std::optional<RailGrouping> grouping;
     SupplyScheme scheme;  // the grouping sheet's answer, read whenever its inputs change
     std::optional<DecouplingCells> decouplingCells;
-    std::vector<std::string> schemeProblems, decouplingProblems;  // cells their sheets could not evaluate
+    std::vector<std::string> schemeProblems;  // cells the grouping sheet could not evaluate
     std::vector<std::size_t> loadRail, loadRegion, loadTag, loadAggregate;
     std::vector<Aggregate> aggregates;
 

@@ -76,65 +76,74 @@ SupplyScheme RailGrouping::read(SheetInstance& instance, std::vector<std::string
 void groupSupplies(SupplyScheme const& scheme, Report& report) {
     report.supplyGroups.clear();
     if (!report.complete) return;  // no rail totals to load the groups with
-    std::map<std::string, std::size_t> groupOfLabel;
-    for (std::size_t g = 0; g < scheme.groups.size(); ++g) groupOfLabel.emplace(scheme.groups[g].label, g);
-    std::map<std::string, std::string> holderOf;
-    for (RailResult const& rail : report.rails)
-        if (!rail.countedIn.empty()) holderOf.emplace(rail.rail, rail.countedIn);
-    // A rail the sheet does not group, whose leakage another rail holds, goes with its holder.
-    auto groupOf = [&](std::string const& rail) {
-        auto label = scheme.railLabel.find(rail);
-        if (auto holder = holderOf.find(rail); label == scheme.railLabel.end() && holder != holderOf.end())
-            label = scheme.railLabel.find(holder->second);
-        if (label == scheme.railLabel.end()) return kNoSupply;
-        auto const group = groupOfLabel.find(label->second);
-        return group == groupOfLabel.end() ? kNoSupply : group->second;
+    std::vector<RailResult> const& rails = report.rails;
+    auto indexOf = [&](std::string const& name) {
+        auto const found =
+            std::find_if(rails.begin(), rails.end(), [&](RailResult const& r) { return r.rail == name; });
+        return static_cast<std::size_t>(found - rails.begin());
     };
-    std::map<std::string, double> share = supplyShares(report.rails, groupOf);
+    auto groupOfLabel = [&](std::string const& label) {
+        for (std::size_t g = 0; g < scheme.groups.size(); ++g)
+            if (scheme.groups[g].label == label) return g;
+        return kNoSupply;
+    };
+    // Each rail's group; a rail the sheet does not group, whose leakage another rail holds, goes with
+    // its holder.
+    std::vector<std::size_t> group(rails.size(), kNoSupply);
+    std::vector<std::size_t> holder(rails.size(), rails.size());
+    for (std::size_t i = 0; i < rails.size(); ++i) {
+        if (!rails[i].countedIn.empty()) holder[i] = indexOf(rails[i].countedIn);
+        auto label = scheme.railLabel.find(rails[i].rail);
+        if (label == scheme.railLabel.end() && !rails[i].countedIn.empty())
+            label = scheme.railLabel.find(rails[i].countedIn);
+        if (label != scheme.railLabel.end()) group[i] = groupOfLabel(label->second);
+    }
+    std::vector<double> const share = supplyShares(rails, group);
+    auto heldHere = [&](std::size_t i) { return holder[i] < rails.size() && group[holder[i]] == group[i]; };
+    auto entry = [&](std::size_t i) {
+        RailResult const& r = rails[i];
+        return GroupRail{r.rail, r.voltage, share[i], r.voltage * share[i], r.powerupCurrent, {}};
+    };
 
-    std::vector<SupplyGroup> groups(scheme.groups.size());
-    for (std::size_t g = 0; g < groups.size(); ++g) {
+    // The groups that feed a rail, in the scheme's order.
+    std::vector<std::size_t> slot(scheme.groups.size(), kNoSupply);
+    for (std::size_t g : group)
+        if (g != kNoSupply) slot[g] = 0;
+    for (std::size_t g = 0; g < scheme.groups.size(); ++g) {
+        if (slot[g] == kNoSupply) continue;
+        slot[g] = report.supplyGroups.size();
         SupplyScheme::Group const& from = scheme.groups[g];
-        groups[g].name = from.name;
-        groups[g].label = from.label;
-        groups[g].sequence = from.sequence;
-        groups[g].dcTolerance = from.dcTolerance;
-        groups[g].acRipple = from.acRipple;
+        SupplyGroup& to = report.supplyGroups.emplace_back();
+        to.name = from.name;
+        to.label = from.label;
+        to.sequence = from.sequence;
+        to.dcTolerance = from.dcTolerance;
+        to.acRipple = from.acRipple;
     }
-    auto heldWithHolder = [&](RailResult const& rail, std::size_t g) {
-        return !rail.countedIn.empty() && share.count(rail.countedIn) != 0 && groupOf(rail.countedIn) == g;
-    };
-    auto entry = [&](RailResult const& rail) {
-        double const current = share[rail.rail];
-        return GroupRail{rail.rail, rail.voltage, current, rail.voltage * current, rail.powerupCurrent, {}};
-    };
-    for (RailResult const& rail : report.rails)
-        if (std::size_t const g = groupOf(rail.rail); g != kNoSupply && !heldWithHolder(rail, g))
-            groups[g].rails.push_back(entry(rail));
-    for (RailResult const& rail : report.rails) {
-        std::size_t const g = groupOf(rail.rail);
-        if (g == kNoSupply || !heldWithHolder(rail, g)) continue;
-        std::vector<GroupRail>& rails = groups[g].rails;
-        auto holder = std::find_if(rails.begin(), rails.end(),
-                                   [&](GroupRail const& r) { return r.rail == rail.countedIn; });
-        (holder == rails.end() ? rails : holder->held).push_back(entry(rail));
+    for (std::size_t i = 0; i < rails.size(); ++i)
+        if (group[i] != kNoSupply && !heldHere(i))
+            report.supplyGroups[slot[group[i]]].rails.push_back(entry(i));
+    for (std::size_t i = 0; i < rails.size(); ++i) {
+        if (group[i] == kNoSupply || !heldHere(i)) continue;
+        std::vector<GroupRail>& members = report.supplyGroups[slot[group[i]]].rails;
+        auto const found = std::find_if(members.begin(), members.end(),
+                                        [&](GroupRail const& r) { return r.rail == rails[i].countedIn; });
+        (found == members.end() ? members : found->held).push_back(entry(i));
     }
 
-    for (SupplyGroup& group : groups) {
-        if (group.rails.empty()) continue;  // feeds none of the design's rails
+    for (SupplyGroup& g : report.supplyGroups) {
         bool sameVoltage = true;
         auto add = [&](GroupRail const& r) {
-            group.current += r.current;
-            group.power += r.power;
-            addPowerup(group.powerupCurrent, r.powerupCurrent);
-            sameVoltage = sameVoltage && r.voltage == group.rails.front().voltage;
+            g.current += r.current;
+            g.power += r.power;
+            addPowerup(g.powerupCurrent, r.powerupCurrent);
+            sameVoltage = sameVoltage && r.voltage == g.rails.front().voltage;
         };
-        for (GroupRail const& rail : group.rails) {
+        for (GroupRail const& rail : g.rails) {
             add(rail);
             for (GroupRail const& held : rail.held) add(held);
         }
-        if (sameVoltage) group.voltage = group.rails.front().voltage;
-        report.supplyGroups.push_back(std::move(group));
+        if (sameVoltage) g.voltage = g.rails.front().voltage;
     }
 }
 

@@ -144,7 +144,9 @@ void loadRegulators(std::vector<Regulator> const& regulators, Report& report) {
         auto const it = feeder.find(rail);
         return it == feeder.end() ? kNoSupply : it->second;
     };
-    std::map<std::string, double> share = supplyShares(report.rails, regulatorOf);
+    std::vector<std::size_t> supply;
+    for (RailResult const& rail : report.rails) supply.push_back(regulatorOf(rail.rail));
+    std::vector<double> const share = supplyShares(report.rails, supply);
 
     for (Regulator const& regulator : regulators) {
         RegulatorLoad loaded;
@@ -153,9 +155,10 @@ void loadRegulators(std::vector<Regulator> const& regulators, Report& report) {
         loaded.rating = regulator.rating;
         report.regulators.push_back(std::move(loaded));
     }
-    for (RailResult const& rail : report.rails) {
-        double const current = share[rail.rail];
-        std::size_t const g = regulatorOf(rail.rail);
+    for (std::size_t i = 0; i < report.rails.size(); ++i) {
+        RailResult const& rail = report.rails[i];
+        double const current = share[i];
+        std::size_t const g = supply[i];
         if (g == kNoSupply) {
             report.unregulatedPower += rail.voltage * current;
             continue;

@@ -7,8 +7,6 @@
 #include <prsm/framework/PRSMSheetRegistry.h>
 
 #include <cstddef>
-#include <functional>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,13 +15,14 @@ namespace prsm::design {
 
 // A rail's supply (a regulator, a regulator group) by index; kNoSupply for a rail no supply feeds.
 constexpr std::size_t kNoSupply = static_cast<std::size_t>(-1);
-using SupplyOf = std::function<std::size_t(std::string const& rail)>;
 
-// Each rail's share of the supply that feeds it: its total current, less a held rail's static current
-// counted once. When the held rail and its holder share a supply, the holder keeps the leakage and the
-// held rail brings only its dynamic current; otherwise the held rail keeps it and the holder's supply is
-// relieved of it. Either way the shares add up to the rails' currents less the held leakage, once.
-std::map<std::string, double> supplyShares(std::vector<RailResult> const& rails, SupplyOf const& supplyOf);
+// Each rail's share of the supply that feeds it (`supply[i]` feeds `rails[i]`): its total current, less
+// a held rail's static current counted once. When the held rail and its holder share a supply, the
+// holder keeps the leakage and the held rail brings only its dynamic current; otherwise the held rail
+// keeps it and the holder's supply is relieved of it. Either way the shares add up to the rails'
+// currents less the held leakage, once.
+std::vector<double> supplyShares(std::vector<RailResult> const& rails,
+                                 std::vector<std::size_t> const& supply);
 
 class StaticSupplyCells {
 public:

@@ -1,4 +1,5 @@
 #include <prsm/design/SupplyViews.h>
+#include <prsm/framework/PRSMReservedValues.h>
 
 #include <algorithm>
 #include <cmath>
@@ -41,50 +42,76 @@ std::vector<double> loadSteps(EstimateState const& s) {
     return steps;
 }
 
+// One rail's load step and counts from an instance whose step inputs are set; a count the sheet cannot
+// evaluate is NaN, with the reason.
+EstimateState::DecouplingLine countsOf(SheetRunner const& runner, SheetInstance& instance,
+                                       DecouplingCells::Rail const& rail, double const* steps,
+                                       std::vector<std::string> const& railNames) {
+    EstimateState::DecouplingLine line;
+    line.counts.rail = railNames[rail.rail];
+    for (std::size_t p = 0; p < rail.parts.size(); ++p) {
+        line.counts.stepCurrent += steps[p];
+        if (!rail.parts[p].name.empty()) line.counts.stepParts.emplace_back(rail.parts[p].name, steps[p]);
+    }
+    for (auto const& count : rail.counts) {  // a lambda below: no structured binding
+        std::string const& name = runner.sheet().cells()[count.second].name;
+        std::string text;
+        instance.setNumber(count.second, prsm::kFloatNotSet);  // the counts are the sheet's only figures
+        if (std::string failure = failureOf([&] { text = instance.evaluate(name); }); !failure.empty())
+            line.problems.push_back(name + ": " + failure);
+        line.counts.capacitors.push_back(
+            {count.first, text.empty() ? std::nan("") : std::strtod(text.c_str(), nullptr)});
+    }
+    return line;
+}
+
+// Whether rail r is one the report's rail view shows: it draws, or the design names it.
+bool inRailView(EstimateState const& s, std::size_t r) {
+    return s.figures.railDynamic[r] != 0 || s.figures.staticCurrent[r] != 0 ||
+           std::any_of(s.design.rails.begin(), s.design.rails.end(),
+                       [&](auto const& given) { return given.first == s.rails[r]; });
+}
+
+// A rail's counts are evaluated again only when its load step or the sheet's inputs changed: after one
+// block's change that is the block's rails alone.
 void calculateDecoupling(EstimateState& s) {
     SheetRunner& runner = s.runners[s.decouplingRunner];
     EstimateState::Figures& f = s.figures;
+    std::vector<DecouplingCells::Rail> const& rails = s.decouplingCells->rails();
     if (!f.blocksOk) {  // no dynamic currents to step with
-        f.decoupling.clear();
+        f.decoupling.assign(rails.size(), std::nullopt);
         f.steps.clear();
         return;
     }
-    std::vector<double> steps = loadSteps(s);
-    if (!runner.dirty() && steps == f.steps && !f.decoupling.empty()) return;
-    f.steps = std::move(steps);
-    s.decouplingProblems.clear();
-    std::vector<RailDecoupling> result;
+    std::vector<double> const steps = loadSteps(s);
+    bool const fresh =
+        runner.dirty() || f.steps.size() != steps.size() || f.decoupling.size() != rails.size();
+    if (fresh) f.decoupling.assign(rails.size(), std::nullopt);
+    std::vector<bool> due(rails.size(), false);
+    for (std::size_t r = 0, i = 0; r < rails.size(); i += rails[r].parts.size(), ++r) {
+        bool const stepped =
+            fresh ||
+            !std::equal(steps.begin() + i, steps.begin() + i + rails[r].parts.size(), f.steps.begin() + i);
+        if (stepped) f.decoupling[r].reset();
+        due[r] = !f.decoupling[r] && inRailView(s, rails[r].rail);
+    }
+    f.steps = steps;
+    if (std::none_of(due.begin(), due.end(), [](bool d) { return d; })) return;
     runner.evaluate(
         s.voltage, s.runners,
         [&](SheetInstance& instance) {
             std::size_t i = 0;
-            for (DecouplingCells::Rail const& rail : s.decouplingCells->rails())
+            for (DecouplingCells::Rail const& rail : rails)
                 for (DecouplingCells::Part const& part : rail.parts)
                     instance.setNumber(part.cell, f.steps[i++]);
         },
         [&](SheetInstance& instance) {
-            std::size_t i = 0;
-            for (DecouplingCells::Rail const& rail : s.decouplingCells->rails()) {
-                RailDecoupling line{s.rails[rail.rail], 0.0, {}, {}};
-                for (DecouplingCells::Part const& part : rail.parts) {
-                    line.stepCurrent += f.steps[i];
-                    if (!part.name.empty()) line.stepParts.emplace_back(part.name, f.steps[i]);
-                    ++i;
-                }
-                for (auto const& count : rail.counts) {  // a lambda below: no structured binding
-                    std::string const& value = count.first;
-                    std::string const& name = runner.sheet().cells()[count.second].name;
-                    std::string text;
-                    if (std::string failure = failureOf([&] { text = instance.evaluate(name); });
-                        !failure.empty())
-                        s.decouplingProblems.push_back(name + ": " + failure);
-                    line.capacitors.push_back(
-                        {value, text.empty() ? std::nan("") : std::strtod(text.c_str(), nullptr)});
-                }
-                result.push_back(std::move(line));
-            }
-        });
-    f.decoupling = runner.error().empty() ? std::move(result) : std::vector<RailDecoupling>{};
+            for (std::size_t r = 0, i = 0; r < rails.size(); i += rails[r].parts.size(), ++r)
+                if (due[r])
+                    f.decoupling[r] = countsOf(runner, instance, rails[r], f.steps.data() + i, s.rails);
+        },
+        fresh ? SheetRunner::Start::NewSet : SheetRunner::Start::SameSet);
+    if (!runner.error().empty()) f.decoupling.assign(rails.size(), std::nullopt);
     if (runner.validityDue()) runner.checkValidity({});
 }
 
@@ -143,11 +170,16 @@ void describeSupplyViews(EstimateState const& s, Report& out) {
     if (s.decouplingRunner != kNoIndex) {
         SheetRunner const& runner = s.runners[s.decouplingRunner];
         out.decouplingModel = runner.given().model;
-        warnings(runner, s.decouplingProblems);
-        for (RailDecoupling const& rail : s.figures.decoupling)  // the rails of the rail view
-            if (std::any_of(out.rails.begin(), out.rails.end(),
-                            [&](RailResult const& r) { return r.rail == rail.rail; }))
-                out.decoupling.push_back(rail);
+        std::vector<std::string> problems;
+        for (std::optional<EstimateState::DecouplingLine> const& line : s.figures.decoupling) {
+            bool const shown =
+                line && std::any_of(out.rails.begin(), out.rails.end(),
+                                    [&](RailResult const& r) { return r.rail == line->counts.rail; });
+            if (!shown) continue;  // not evaluated, or no longer in the rail view
+            out.decoupling.push_back(line->counts);
+            problems.insert(problems.end(), line->problems.begin(), line->problems.end());
+        }
+        warnings(runner, problems);
     }
 }
 

@@ -186,6 +186,15 @@ TEST(DesignGroups, DecouplingCountsFollowTheRailsLoadSteps) {
     EXPECT_EQ(wholeCapacitors(count(aux, "0p1uF")), 3.0);
     EXPECT_MENTIONS(toCsv(report), "decoupling,330uF,VCCAUX,whole_count,1,count");
 
+    // At 1.0 V the same 1.2 W is 1.2 A, 0.4 A of it in the AI engines: steps 0.2 A and 0.4 A, 22 uF
+    // (2.0 * 0.2 + 1.0) + (0.5 * 0.4 + 1.5) = 1.4 + 1.7 = 3.1. VCCAUX's step is as it was: 9.4.
+    estimator.setRailVoltage("VCCINT", 1.0);
+    Report const& raised = estimator.update();
+    ASSERT_EQ(raised.decoupling.size(), 2u);
+    EXPECT_NEAR(raised.decoupling[0].stepCurrent, 0.6, 1e-6);
+    EXPECT_NEAR(count(raised.decoupling[0], "22uF"), 3.1, 1e-5);
+    EXPECT_NEAR(count(raised.decoupling[1], "22uF"), 9.4, 1e-5);
+
     // A whole count stays whole; a float's last bit above it is not one capacitor more.
     EXPECT_EQ(wholeCapacitors(3.0000001), 3.0);
     EXPECT_EQ(wholeCapacitors(-0.5), 0.0);
