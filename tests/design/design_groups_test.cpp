@@ -5,7 +5,10 @@
 #include <prsm/design/Estimate.h>
 #include <prsm/design/RailGroups.h>
 #include <prsm/design/ReportFormat.h>
+#include <prsm/design/ReportHtml.h>
 #include <prsm/design/SupplyFormat.h>
+
+#include <nlohmann/json.hpp>
 
 #include <gtest/gtest.h>
 
@@ -135,6 +138,20 @@ TEST(DesignGroups, TheGroupingSheetGroupsTheDesignsRails) {
     EXPECT_TRUE(lines[0].exceeded);
     EXPECT_FALSE(lines[1].exceeded);
     EXPECT_NEAR(lines[1].value, 0.32, 1e-6);
+
+    // The JSON shape other tools read: supplies.groups[], each rail with its held rails.
+    nlohmann::json const json = nlohmann::json::parse(toJson(report));
+    nlohmann::json const& pl2 = json.at("supplies").at("groups").at(1);
+    EXPECT_EQ(pl2.at("name"), "PL_2");
+    EXPECT_EQ(pl2.at("dc_tolerance"), "1%");
+    EXPECT_EQ(pl2.at("ac_ripple"), "+-17mV");
+    EXPECT_NEAR(pl2.at("voltage").get<double>(), 0.8, 1e-9);
+    EXPECT_NEAR(pl2.at("rails").at(0).at("current").get<double>(), 1.6, 1e-6);
+    EXPECT_TRUE(pl2.at("rails").at(0).at("held").empty());
+    EXPECT_TRUE(pl2.at("powerup_current").is_null());  // the test sheet gives VCCINT none
+    std::string const page = toHtml(report, estimator.design(), {});
+    EXPECT_MENTIONS(page, "<h3>Regulator groups (TalvexPowerRailGrouping)</h3>");
+    EXPECT_MENTIONS(page, "SYSTEM/3");
 
     // Under minimum rails the full-power-management groups are blank: every group is a MIN_RAILS one.
     estimator.setInput("supplies", "POWER_RAIL_CONSOLIDATION", "MINIMUM_RAILS");
