@@ -1,8 +1,10 @@
 // Whole-design estimates: a 1,000-block design re-estimated in full, and re-estimated after one block's
 // input changes (that block and the static sheet only); the `_supplies` cases add declared regulators,
-// whose cost is theirs against the same case without. Run from the build tree:
+// the rail-grouping sheet's regulator groups and budgets per supply, `_supplies_decoupling` the
+// decoupling counts too, whose cost is theirs against the same case without. Run from the build tree:
 //   build-bench/bench/prsm_design_bench [Google Benchmark options]
 // The designs use the shipped sheets, with the Talvex static-power sheet for their leakage.
+#include <prsm/design/Budget.h>
 #include <prsm/design/Estimate.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
@@ -29,7 +31,8 @@ std::string staticSheetJson() {
 // temperature): all logic, or a mix in which every tenth block is of one of the other block sheets:
 // clock managers, network-on-chip paths, AI-engine arrays, block RAM, UltraRAM, DSP, general-purpose
 // I/O, and clock networks that take their distribution counts from a clock block by reference.
-std::string designJson(bool mixed, bool supplies = false) {
+// `supplies`: regulators, the scheme's groups and budgets per supply; `decoupling`: the capacitor counts too.
+std::string designJson(bool mixed, bool supplies = false, bool decoupling = false) {
     std::string text = R"({"schema_version": 1, "device": {"part": "ZQVC1902"},
         "thermal": {"ambient_temperature": 40, "theta_ja": 0.5}, "rails": {"VCCINT": 0.8}, )" +
                        staticSheetJson() + R"("blocks": [)";
@@ -78,30 +81,37 @@ std::string designJson(bool mixed, bool supplies = false) {
         text += (i ? "," : "") + std::string(block);
     }
     if (supplies)
-        text += R"(], "regulators": [
+        text +=
+            R"(], "regulators": [
             {"name": "core", "rails": ["VCCINT", "VCCME", "VCCINTCPM"], "rating": 60,
              "efficiency": [[2, 0.8], [20, 0.9], [60, 0.87]]},
             {"name": "aux", "rails": ["VCCAUX", "VCCAUXPMC"], "rating": 4, "efficiency": 0.85},
-            {"name": "ram", "rails": ["VCCRAM"], "rating": 6, "efficiency": 0.88}]})";
+            {"name": "ram", "rails": ["VCCRAM"], "rating": 6, "efficiency": 0.88}],
+            "supplies": {}, "budget": {"supplies": {"core": 60, "PL_2": 50}})" +
+            std::string(decoupling
+                            ? R"(, "decoupling": {"model": "TalvexDecouplingCapXq", "step_fraction": 0.5}})"
+                            : "}");
     return supplies ? text : text + "]}";
 }
 
 // `fromAmbient`: every thermal solve from the ambient, as a sweep's points are solved.
-void full(benchmark::State& state, bool mixed, bool fromAmbient, bool supplies = false) {
-    Estimator estimator(parseDesign(designJson(mixed, supplies), "bench.json"));
+void full(benchmark::State& state, bool mixed, bool fromAmbient, bool supplies = false,
+          bool decoupling = false) {
+    Estimator estimator(parseDesign(designJson(mixed, supplies, decoupling), "bench.json"));
     if (fromAmbient) estimator.setThermalStart(Estimator::ThermalStartFrom::Ambient);
     if (!estimator.estimate().complete) state.SkipWithError("the bench design does not estimate");
     double calculations = 0;
     for (auto _ : state) {
         Report const& report = estimator.estimate();
         benchmark::DoNotOptimize(report.totalPower);
+        if (supplies) benchmark::DoNotOptimize(checkBudget(estimator.design().budget, report));
         calculations += report.thermal.iterations;
     }
     state.counters["static_calcs"] = benchmark::Counter(calculations, benchmark::Counter::kAvgIterations);
 }
 
-void oneBlock(benchmark::State& state, bool mixed, bool supplies = false) {
-    Estimator estimator(parseDesign(designJson(mixed, supplies), "bench.json"));
+void oneBlock(benchmark::State& state, bool mixed, bool supplies = false, bool decoupling = false) {
+    Estimator estimator(parseDesign(designJson(mixed, supplies, decoupling), "bench.json"));
     if (!estimator.estimate().complete) state.SkipWithError("the bench design does not estimate");
     bool flip = false;
     double calculations = 0;
@@ -109,6 +119,7 @@ void oneBlock(benchmark::State& state, bool mixed, bool supplies = false) {
         estimator.setInput("b500", "CLOCK_FREQ", (flip = !flip) ? "250" : "300");
         Report const& report = estimator.update();
         benchmark::DoNotOptimize(report.totalPower);
+        if (supplies) benchmark::DoNotOptimize(checkBudget(estimator.design().budget, report));
         calculations += report.thermal.iterations;
     }
     state.counters["static_calcs"] = benchmark::Counter(calculations, benchmark::Counter::kAvgIterations);
@@ -122,6 +133,9 @@ BENCHMARK_CAPTURE(oneBlock, logic_1000, false)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(oneBlock, mixed_1000, true)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(full, mixed_1000_supplies, true, false, true)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(oneBlock, mixed_1000_supplies, true, true)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(full, mixed_1000_supplies_decoupling, true, false, true, true)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(oneBlock, mixed_1000_supplies_decoupling, true, true, true)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

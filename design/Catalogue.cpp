@@ -22,7 +22,7 @@ std::string resolvedName(std::string const& part) {
 
 // The family that lists `name` as a part, or one of whose parts has it as internal name. The DEVICE
 // table is keyed <family>.<part>, and only its entries say which family a part is in.
-std::string familyOf(std::string const& name) {
+std::string listingFamily(std::string const& name) {
     std::string family;
     for (auto const& [key, value] : data().m_Device) {
         std::size_t const dot = key.find('.');
@@ -50,9 +50,17 @@ std::string internalPart(std::string const& part) {
     return {};
 }
 
+std::string familyOf(std::string const& part) {
+    try {
+        return listingFamily(resolvedName(part));
+    } catch (...) {  // no catalogue
+        return {};
+    }
+}
+
 std::string architectureOf(std::string const& part) {
     try {
-        std::string const family = familyOf(resolvedName(part));
+        std::string const family = listingFamily(resolvedName(part));
         if (family.empty()) return {};
         for (auto const& entry : data().m_DeviceFamily) {
             std::size_t const dot = entry.first.find('.');

@@ -11,6 +11,9 @@ namespace prsm::design::catalogue {
 // its own internal name. "" when unknown.
 std::string internalPart(std::string const& part);
 
+// The family of a part: the <family> of the DEVICE.<family>.<part> entry that lists it. "" when unknown.
+std::string familyOf(std::string const& part);
+
 // The architecture of a part: DEVICE_FAMILY.<architecture>.<family> of the family that lists it. "" when
 // unknown.
 std::string architectureOf(std::string const& part);

@@ -1,11 +1,14 @@
+#include <prsm/design/Decoupling.h>
 #include <prsm/design/Design.h>
 #include <prsm/design/EditDistance.h>
 #include <prsm/design/Grades.h>
+#include <prsm/design/RailGroups.h>
 #include <prsm/design/Rails.h>
-#include <prsm/framework/PRSMException.h>
-#include <prsm/framework/PRSMSheetPresets.h>
 #include <prsm/design/References.h>
 #include <prsm/design/Regulators.h>
+#include <prsm/design/SupplySheets.h>
+#include <prsm/framework/PRSMException.h>
+#include <prsm/framework/PRSMSheetPresets.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
 #include <nlohmann/json.hpp>
@@ -23,9 +26,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-char const* const kDeviceFields[] = {"part",        "internal_part",     "package",       "grade",
-                                     "speed_grade", "temperature_grade", "voltage_grade", "power_screen",
-                                     "process",     "voltage_corner"};
+char const* const kDeviceFields[] = {
+    "part",          "internal_part", "family",  "package",       "grade", "speed_grade", "temperature_grade",
+    "voltage_grade", "power_screen",  "process", "voltage_corner"};
 
 std::string escapePointer(std::string const& token) {
     std::string out;
@@ -218,7 +221,23 @@ void readGrades(Checker& check, Device& device) {
     }
 }
 
-enum class Role { Block, Static, Board };
+enum class Role { Block, Static, Board, Supplies, Decoupling };
+
+char const* roleName(Role role) {
+    switch (role) {
+        case Role::Static:
+            return "static";
+        case Role::Board:
+            return "board";
+        case Role::Supplies:
+            return "supplies";
+        case Role::Decoupling:
+            return "decoupling";
+        case Role::Block:
+            break;
+    }
+    return "";
+}
 
 // The inputs that a block's preset sets, as inputs read from the file at `pointer`: those the block's
 // own "inputs" set, and those the design owns (a rail voltage, a device field), are left out.
@@ -275,7 +294,10 @@ std::optional<std::pair<std::string, std::string>> readReference(Checker& check,
     return std::make_pair(*from, *fromCell);
 }
 
-Block readBlock(Checker& check, Json const& json, std::string const& pointer, Role role) {
+// A sheet of the design: a block, or the sheet of one role. The supplies and decoupling sheets may be
+// left out of their objects (`model` then names the default the device leads to).
+Block readBlock(Checker& check, Json const& json, std::string const& pointer, Role role,
+                std::string const& defaultModel = "") {
     bool const isStatic = role == Role::Static;
     Block block;
     block.pointer = pointer;
@@ -283,9 +305,14 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, Ro
         check.fail(pointer, "a block object expected, found " + typeName(json));
         return block;
     }
-    check.onlyKeys(json, pointer,
-                   role != Role::Block ? std::set<std::string>{"model", "preset", "inputs"}
-                                       : std::set<std::string>{"name", "model", "count", "preset", "inputs"});
+    if (role == Role::Block)
+        check.onlyKeys(json, pointer, {"name", "model", "count", "preset", "inputs"});
+    else if (role == Role::Decoupling)
+        check.onlyKeys(json, pointer, {"model", "inputs", "step_fraction", "rail_step_fractions"});
+    else
+        check.onlyKeys(json, pointer,
+                       role == Role::Supplies ? std::set<std::string>{"model", "inputs"}
+                                              : std::set<std::string>{"model", "preset", "inputs"});
     if (role == Role::Block) {
         if (auto it = json.find("name"); it == json.end())
             check.fail(pointer, "missing \"name\"");
@@ -294,18 +321,32 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, Ro
             block.name = *name;
         }
     } else {
-        block.name = isStatic ? "static" : "board";
+        block.name = roleName(role);
     }
     std::string const who = "block \"" + block.name + "\"";
     Sheet const* sheet = nullptr;
-    if (auto it = json.find("model"); it == json.end())
-        check.fail(pointer, who + ": missing \"model\"");
-    else if (auto model = check.string(*it, pointer + "/model")) {
+    bool const supplyRole = role == Role::Supplies || role == Role::Decoupling;
+    if (auto it = json.find("model"); it == json.end() && supplyRole && !defaultModel.empty()) {
+        block.model = defaultModel;
+        sheet = SheetRegistry::instance().find(defaultModel);
+    } else if (it == json.end()) {
+        check.fail(pointer, who + ": missing \"model\"" +
+                                (role == Role::Supplies ? " (no rail-grouping sheet serves the part)"
+                                 : role == Role::Decoupling
+                                     ? " (no decoupling sheet lists the device's package: name one)"
+                                     : ""));
+    } else if (auto model = check.string(*it, pointer + "/model")) {
         block.model = *model;
         sheet = SheetRegistry::instance().find(*model);
         if (sheet == nullptr)
             check.fail(pointer + "/model", who + ": unknown model " + *model + closest(*model, modelNames()) +
                                                "; `prsm models` lists them");
+        else if (role == Role::Supplies && !RailGrouping::fits(*sheet))
+            check.fail(pointer + "/model",
+                       who + ": " + *model + " is not a rail-grouping sheet: it has no regulator groups");
+        else if (role == Role::Decoupling && !DecouplingCells::fits(*sheet))
+            check.fail(pointer + "/model",
+                       who + ": " + *model + " is not a decoupling sheet: it has no load-step inputs");
         else if (isStatic && !sheet->design().isStatic())
             check.fail(pointer + "/model",
                        who + ": " + *model + " does not declare itself a static-power sheet");
@@ -349,6 +390,13 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, Ro
             check.fail(at, who + ": cell " + cell + " is " + describe(owned));
             continue;
         }
+        if (role == Role::Decoupling && DecouplingCells::isStepInput(cell)) {
+            check.fail(at,
+                       who + ": cell " + cell +
+                           " is a rail's load step, which the design sets from the rail's dynamic current "
+                           "(step_fraction, rail_step_fractions)");
+            continue;
+        }
         if (value.is_object()) {  // {"from": block, "cell": cell}: checked once every block is read
             if (auto reference = readReference(check, value, at, cell))
                 block.inputs.push_back({cell, "", at, reference->first, reference->second});
@@ -387,7 +435,36 @@ Block readBlock(Checker& check, Json const& json, std::string const& pointer, Ro
     return block;
 }
 
+// A decoupling's load steps: a fraction of each rail's dynamic current, and rails with one of their own.
+void readStepFractions(Checker& check, Json const& json, Decoupling& decoupling) {
+    if (!json.is_object()) return;
+    auto fraction = [&](Json const& value, std::string const& at) -> std::optional<double> {
+        std::optional<double> x = check.number(value, at);
+        if (x && *x < 0) {
+            check.fail(at, "a load step is a fraction of the dynamic current, not negative");
+            return std::nullopt;
+        }
+        return x;
+    };
+    if (auto it = json.find("step_fraction"); it != json.end())
+        if (auto x = fraction(*it, "/decoupling/step_fraction")) decoupling.stepFraction = *x;
+    if (Json const* rails = check.object(json, "rail_step_fractions", "/decoupling", false))
+        for (auto const& [rail, value] : rails->items()) {
+            std::string const at = "/decoupling/rail_step_fractions/" + escapePointer(rail);
+            if (!isKnownRail(rail))
+                check.fail(at, "unknown rail " + rail);
+            else if (auto x = fraction(value, at))
+                decoupling.railFractions.emplace_back(rail, *x);
+        }
+}
+
 }  // namespace
+
+double Decoupling::fractionOf(std::string const& rail) const {
+    for (auto const& [name, fraction] : railFractions)
+        if (name == rail) return fraction;
+    return stepFraction;
+}
 
 std::string const* Device::find(std::string const& field) const {
     for (auto const& entry : fields)
@@ -412,7 +489,7 @@ Design parseDesign(std::string const& text, std::string const& source) {
     }
     check.onlyKeys(json, "",
                    {"schema_version", "description", "device", "thermal", "rails", "static", "board",
-                    "blocks", "loads", "regulators", "budget"});
+                    "blocks", "loads", "regulators", "supplies", "decoupling", "budget"});
 
     if (auto it = json.find("schema_version"); it == json.end())
         check.fail("", "missing \"schema_version\" (this build reads version " +
@@ -557,8 +634,17 @@ Design parseDesign(std::string const& text, std::string const& source) {
     if (auto it = json.find("regulators"); it != json.end())
         design.regulators =
             readRegulators(*it, [&](std::string const& at, std::string const& why) { check.fail(at, why); });
+    if (auto it = json.find("supplies"); it != json.end())
+        design.supplies =
+            readBlock(check, *it, "/supplies", Role::Supplies, defaultGroupingSheet(design.device));
+    if (auto it = json.find("decoupling"); it != json.end()) {
+        design.decoupling.emplace();
+        design.decoupling->sheet =
+            readBlock(check, *it, "/decoupling", Role::Decoupling, defaultDecouplingSheet(design.device));
+        readStepFractions(check, *it, *design.decoupling);
+    }
     if (Json const* budget = check.object(json, "budget", "", false)) {
-        check.onlyKeys(*budget, "/budget", {"total_power", "rails"});
+        check.onlyKeys(*budget, "/budget", {"total_power", "rails", "supplies"});
         auto limit = [&](Json const& value, std::string const& at) -> std::optional<double> {
             std::optional<double> x = check.number(value, at);
             if (x && *x < 0) {
@@ -577,6 +663,11 @@ Design parseDesign(std::string const& text, std::string const& source) {
                 else if (auto amps = limit(value, at))
                     design.budget.railCurrents.emplace_back(rail, *amps);
             }
+        // A supply's name is checked when the design is set up: the groups are its scheme's.
+        if (Json const* supplies = check.object(*budget, "supplies", "/budget", false))
+            for (auto const& [name, value] : supplies->items())
+                if (auto amps = limit(value, "/budget/supplies/" + escapePointer(name)))
+                    design.budget.supplyCurrents.emplace_back(name, *amps);
     }
     for (ReferenceProblem const& problem : checkReferences(design))
         check.fail(problem.pointer, problem.message);

@@ -101,6 +101,8 @@ std::string architectureMismatches(Design const& design) {
     };
     for (Block const& block : design.blocks) check(block, block.pointer + "/model");
     if (design.staticSheet) check(*design.staticSheet, design.staticSheet->pointer + "/model");
+    if (design.supplies) check(*design.supplies, design.supplies->pointer + "/model");
+    if (design.decoupling) check(design.decoupling->sheet, design.decoupling->sheet.pointer + "/model");
     return refused;
 }
 

@@ -6,6 +6,7 @@
 #include <prsm/design/RailLimits.h>
 #include <prsm/design/Rails.h>
 #include <prsm/design/References.h>
+#include <prsm/design/SupplyViews.h>
 #include <prsm/framework/PRSMReservedValues.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
@@ -144,12 +145,15 @@ void Estimator::State::setup() {
                 {"", "/device/part",
                  name + " is not in the device catalogue; sheets may fall back to defaults"});
     }
+    if (std::string const* part = design.device.find("part"); part && !design.device.find("family"))
+        if (std::string family = catalogue::familyOf(*part); !family.empty())
+            design.device.fields.emplace_back("family", std::move(family));
     if (!design.device.find("voltage_corner"))
         design.device.fields.emplace_back("voltage_corner", voltageCorners()[0]);
     for (auto const& [name, value] : design.rails)
         voltage.resize(rail(name) + 1), voltage[rail(name)] = value;
     if (std::string const refused = architectureMismatches(design); !refused.empty()) throw DesignError(refused);
-    runners.reserve(design.blocks.size() + 2);
+    runners.reserve(design.blocks.size() + 4);
     blocks.reserve(design.blocks.size());
     for (Block const& entry : design.blocks)
         addRunner(entry, sheetOf(entry, entry.pointer), entry.name, true);
@@ -160,6 +164,13 @@ void Estimator::State::setup() {
     }
     if (design.staticSheet) setupStatic();
     if (design.board) setupBoard();
+    if (design.supplies)
+        suppliesRunner =
+            addRunner(*design.supplies, sheetOf(*design.supplies, "/supplies/model"), "supplies", false);
+    if (design.decoupling)
+        decouplingRunner =
+            addRunner(design.decoupling->sheet, sheetOf(design.decoupling->sheet, "/decoupling/model"),
+                      "decoupling", false);
 
     settleVoltages();
     for (SheetRunner& runner : runners)
@@ -176,6 +187,7 @@ void Estimator::State::setup() {
 
     setupAggregates();
     setupLinks();
+    setupSupplyViews(*this);
 }
 
 void Estimator::State::setupStatic() {
@@ -560,6 +572,7 @@ Report const& Estimator::update() {
     s.figures.board.reset();
     if (s.boardRunner != kNone && s.figures.blocksOk && s.figures.staticOk && !s.figures.thermal.runaway)
         s.calculateBoard();
+    calculateSupplyViews(s);
     describeEstimate(s, s.report);
     for (SheetRunner& runner : s.runners) runner.markDescribed();
     return s.report;

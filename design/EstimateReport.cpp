@@ -1,6 +1,7 @@
 #include <prsm/design/EstimateState.h>
 #include <prsm/design/Rails.h>
 #include <prsm/design/Regulators.h>
+#include <prsm/design/SupplyViews.h>
 #include <prsm/framework/PRSMReservedValues.h>
 
 #include <algorithm>
@@ -219,6 +220,7 @@ void describeEstimate(State const& s, Report& out) {
     if (SheetRunner const* sheet = s.figures.staticOk ? s.staticSheet() : nullptr; sheet && s.statics.supplyCells)
         s.statics.supplyCells->describe(sheet->instance(), out.rails);
     loadRegulators(s.design.regulators, out);
+    describeSupplyViews(s, out);
 }
 
 }  // namespace prsm::design

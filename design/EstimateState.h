@@ -4,7 +4,9 @@
 // EstimateReport.cpp describes it. Private to libprsm-design.
 
 #include <prsm/design/Counts.h>
+#include <prsm/design/Decoupling.h>
 #include <prsm/design/Estimate.h>
+#include <prsm/design/RailGroups.h>
 #include <prsm/design/Resources.h>
 #include <prsm/design/SheetRunner.h>
 #include <prsm/design/Supplies.h>
@@ -69,6 +71,11 @@ struct EstimateState {
         std::size_t totalCell = kNoIndex;
         std::vector<BoardRegulatorCells> regulators;
     };
+    // A rail's decoupling counts and the cells the sheet could not evaluate for it.
+    struct DecouplingLine {
+        RailDecoupling counts;
+        std::vector<std::string> problems;
+    };
     // What the last estimate worked out, for the report.
     struct Figures {
         std::vector<double> railDynamic;    // W per rail
@@ -81,6 +88,9 @@ struct EstimateState {
         bool blocksOk = true;               // every block calculated
         ThermalResult thermal;
         std::optional<BoardResult> board;  // when the board was calculated and read
+        // Per rail of the decoupling sheet, its counts when evaluated for the current load step.
+        std::vector<std::optional<DecouplingLine>> decoupling;
+        std::vector<double> steps;  // A per step input, as the decoupling sheet last took them
     };
 
     Design design;
@@ -96,14 +106,22 @@ struct EstimateState {
     std::vector<Load> givenLoads;  // design.loads as the file gives them
     std::vector<std::string> tags{""};
 
-    // Every sheet of the design: the blocks in file order, then the static sheet and the board.
+    // Every sheet of the design: the blocks in file order, then the static sheet, the board, the
+    // rail-grouping sheet and the decoupling sheet.
     std::vector<SheetRunner> runners;
     std::vector<BlockWiring> blocks;  // per block, the first blocks.size() runners
     std::size_t staticRunner = kNoIndex;
     std::size_t boardRunner = kNoIndex;
-    std::map<std::string, std::size_t> runnerIndex;  // a block's name, "static", "board"
+    std::size_t suppliesRunner = kNoIndex;
+    std::size_t decouplingRunner = kNoIndex;
+    // a block's name, "static", "board", "supplies", "decoupling"
+    std::map<std::string, std::size_t> runnerIndex;
     StaticWiring statics;
     BoardWiring board;
+    std::optional<RailGrouping> grouping;
+    SupplyScheme scheme;  // the grouping sheet's answer, read whenever its inputs change
+    std::optional<DecouplingCells> decouplingCells;
+    std::vector<std::string> schemeProblems;  // cells the grouping sheet could not evaluate
     std::vector<std::size_t> loadRail, loadRegion, loadTag, loadAggregate;
     std::vector<Aggregate> aggregates;
 

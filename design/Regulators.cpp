@@ -1,5 +1,6 @@
 #include <prsm/design/Rails.h>
 #include <prsm/design/Regulators.h>
+#include <prsm/design/Supplies.h>
 
 #include <nlohmann/json.hpp>
 
@@ -136,23 +137,16 @@ void loadRegulators(std::vector<Regulator> const& regulators, Report& report) {
     report.unregulatedPower = 0;
     if (regulators.empty() || !report.complete) return;  // no rail totals to load them with
 
-    constexpr std::size_t kUnregulated = static_cast<std::size_t>(-1);
     std::map<std::string, std::size_t> feeder;  // rail -> regulator index
     for (std::size_t g = 0; g < regulators.size(); ++g)
         for (std::string const& rail : regulators[g].rails) feeder[rail] = g;
     auto regulatorOf = [&](std::string const& rail) {
         auto const it = feeder.find(rail);
-        return it == feeder.end() ? kUnregulated : it->second;
+        return it == feeder.end() ? kNoSupply : it->second;
     };
-
-    // Each rail's share of its supply: its current, less a held rail's static current once.
-    std::map<std::string, double> share;
-    for (RailResult const& rail : report.rails) share[rail.rail] += rail.totalCurrent;
-    for (RailResult const& held : report.rails) {
-        if (held.countedIn.empty() || share.count(held.countedIn) == 0) continue;
-        bool const together = regulatorOf(held.rail) == regulatorOf(held.countedIn);
-        share[together ? held.rail : held.countedIn] -= held.staticCurrent;
-    }
+    std::vector<std::size_t> supply;
+    for (RailResult const& rail : report.rails) supply.push_back(regulatorOf(rail.rail));
+    std::vector<double> const share = supplyShares(report.rails, supply);
 
     for (Regulator const& regulator : regulators) {
         RegulatorLoad loaded;
@@ -161,10 +155,11 @@ void loadRegulators(std::vector<Regulator> const& regulators, Report& report) {
         loaded.rating = regulator.rating;
         report.regulators.push_back(std::move(loaded));
     }
-    for (RailResult const& rail : report.rails) {
-        double const current = share[rail.rail];
-        std::size_t const g = regulatorOf(rail.rail);
-        if (g == kUnregulated) {
+    for (std::size_t i = 0; i < report.rails.size(); ++i) {
+        RailResult const& rail = report.rails[i];
+        double const current = share[i];
+        std::size_t const g = supply[i];
+        if (g == kNoSupply) {
             report.unregulatedPower += rail.voltage * current;
             continue;
         }

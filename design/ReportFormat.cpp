@@ -1,4 +1,5 @@
 #include <prsm/design/ReportFormat.h>
+#include <prsm/design/SupplyFormat.h>
 
 #include <prsm/design/CsvText.h>
 
@@ -79,6 +80,7 @@ std::string toJson(Report const& report) {
                            {"input_power", report.supplyInputPower},
                            {"unregulated_power", report.unregulatedPower}};
     }
+    addSupplyViews(report, out);
     Json blocks = Json::array();
     for (BlockResult const& b : report.blocks) {
         Json block{{"name", b.name}, {"model", b.model}, {"region", b.region}, {"count", b.count}};
@@ -241,6 +243,7 @@ std::string toCsv(Report const& report) {
         line("supplies", "", "", "input_power", csvNumber(report.supplyInputPower), "W");
         line("supplies", "", "", "unregulated_power", csvNumber(report.unregulatedPower), "W");
     }
+    supplyViewsCsv(report, line);
     for (Warning const& w : report.warnings)
         line("warning", w.block, "", "invalid_input", w.cell + ": " + w.message, "");
     for (std::string const& f : report.failures) line("failure", "", "", "error", f, "");

@@ -1,8 +1,10 @@
 #include <prsm/design/HtmlText.h>
 #include <prsm/design/ReportHtml.h>
+#include <prsm/design/SupplyFormat.h>
 #include <prsm/design/SvgChart.h>
 
 #include <algorithm>
+#include <cmath>
 #include <sstream>
 
 namespace prsm::design {
@@ -130,26 +132,108 @@ void rails(std::ostream& out, Report const& report) {
         << "</section>\n";
 }
 
-// The supplies the device sits on. The module board's regulators are all there is today; the
-// views of supplies and regulators derived from the rails belong here, after the rails they feed.
-void supplies(std::ostream& out, Report const& report) {
-    if (!report.board) return;
-    BoardResult const& board = *report.board;
+Cell figure(double value, int decimals) {
+    return std::isnan(value) ? Cell{"-", true} : num(value, decimals);
+}
+
+// The regulator groups of the design's scheme, a held rail under its holder.
+void supplyGroups(std::ostream& out, Report const& report) {
     std::vector<std::vector<Cell>> rows;
-    std::vector<bool> over;
-    for (RegulatorResult const& r : board.regulators) {
-        rows.push_back({{r.label.empty() ? r.name : r.label}, {r.kind.empty() ? "-" : r.kind}, num(r.voltage, 3),
-                        {r.input.empty() ? "-" : r.input}, num(r.rating, 3), num(r.load, 4),
-                        num(r.margin, 4), num(r.efficiency, 3), num(r.loss, 4), num(r.overLimit, 1)});
-        over.push_back(r.overLimit > 0 || r.margin < 0);
+    for (SupplyGroup const& g : report.supplyGroups) {
+        std::string rails;
+        for (GroupRail const& r : g.rails) {
+            rails += (rails.empty() ? "" : ", ") + r.rail;
+            std::string held;
+            for (GroupRail const& h : r.held) held += (held.empty() ? "" : ", ") + h.rail;
+            if (!held.empty()) rails += " (holds " + held + ")";
+        }
+        rows.push_back({{g.name},
+                        {g.label},
+                        {g.sequence},
+                        {g.dcTolerance},
+                        {g.acRipple},
+                        {rails},
+                        figure(g.voltage, 3),
+                        num(g.current, 4),
+                        num(g.power, 4),
+                        figure(g.powerupCurrent, 4)});
     }
-    out << "<section id=\"supplies\">\n<h2>Regulators of " << escapeHtml(board.model) << "</h2>\n"
-        << table({"regulator", "kind", "voltage (V)", "input", "rating (A)", "load (A)", "margin (A)", "efficiency",
-                  "dissipation (W)", "over limit (mW)"},
-                 rows, over);
-    std::vector<std::vector<Cell>> fed;
-    for (auto const& [cell, value] : board.currents) fed.push_back({{cell}, num(value, 4)});
-    if (!fed.empty()) out << table({"board input", "current (A)"}, fed);
+    out << "<h3>Regulator groups (" << escapeHtml(report.supplyModel) << ")</h3>\n"
+        << table({"group", "regulator", "step", "DC", "AC ripple", "rails", "voltage (V)", "current (A)",
+                  "power (W)", "power-up (A)"},
+                 rows);
+}
+
+// Whole capacitors of each value per rail.
+void decoupling(std::ostream& out, Report const& report) {
+    std::vector<std::string> headers{"rail", "step (A)"};
+    for (CapacitorCount const& c : report.decoupling.front().capacitors) headers.push_back(c.value);
+    std::vector<std::vector<Cell>> rows;
+    for (RailDecoupling const& r : report.decoupling) {
+        std::vector<Cell> row{{r.rail}, num(r.stepCurrent, 4)};
+        for (std::size_t i = 2; i < headers.size(); ++i) {
+            Cell whole{"-", true};
+            for (CapacitorCount const& c : r.capacitors)
+                if (c.value == headers[i]) whole = num(wholeCapacitors(c.count), 0);
+            row.push_back(whole);
+        }
+        rows.push_back(std::move(row));
+    }
+    out << "<h3>Decoupling capacitors (" << escapeHtml(report.decouplingModel) << ")</h3>\n"
+        << table(headers, rows);
+}
+
+// The supplies the device sits on, after the rails they feed: the module board's regulators, the
+// regulators the design declares, its scheme's regulator groups and the decoupling capacitors.
+void supplies(std::ostream& out, Report const& report) {
+    if (!report.board && report.regulators.empty() && report.supplyGroups.empty() &&
+        report.decoupling.empty())
+        return;
+    out << "<section id=\"supplies\">\n";
+    if (report.board) {
+        BoardResult const& board = *report.board;
+        std::vector<std::vector<Cell>> rows;
+        std::vector<bool> over;
+        for (RegulatorResult const& r : board.regulators) {
+            rows.push_back({{r.label.empty() ? r.name : r.label}, {r.kind.empty() ? "-" : r.kind}, num(r.voltage, 3),
+                            {r.input.empty() ? "-" : r.input}, num(r.rating, 3), num(r.load, 4),
+                            num(r.margin, 4), num(r.efficiency, 3), num(r.loss, 4), num(r.overLimit, 1)});
+            over.push_back(r.overLimit > 0 || r.margin < 0);
+        }
+        out << "<h2>Regulators of " << escapeHtml(board.model) << "</h2>\n"
+            << table({"regulator", "kind", "voltage (V)", "input", "rating (A)", "load (A)", "margin (A)",
+                      "efficiency", "dissipation (W)", "over limit (mW)"},
+                     rows, over);
+        std::vector<std::vector<Cell>> fed;
+        for (auto const& [cell, value] : board.currents) fed.push_back({{cell}, num(value, 4)});
+        if (!fed.empty()) out << table({"board input", "current (A)"}, fed);
+    } else {
+        out << "<h2>Supplies</h2>\n";
+    }
+    if (!report.regulators.empty()) {
+        std::vector<std::vector<Cell>> rows;
+        std::vector<bool> over;
+        for (RegulatorLoad const& r : report.regulators) {
+            std::string fed;
+            for (std::string const& rail : r.rails) fed += (fed.empty() ? "" : ", ") + rail;
+            rows.push_back({{r.name},
+                            {fed},
+                            num(r.rating, 3),
+                            num(r.load, 4),
+                            num(r.margin, 4),
+                            figure(r.powerupCurrent, 4),
+                            num(r.efficiency, 3),
+                            num(r.inputPower, 4),
+                            num(r.loss, 4)});
+            over.push_back(r.margin < 0);
+        }
+        out << "<h3>Declared regulators</h3>\n"
+            << table({"regulator", "rails", "rating (A)", "load (A)", "margin (A)", "power-up (A)",
+                      "efficiency", "input (W)", "loss (W)"},
+                     rows, over);
+    }
+    if (!report.supplyGroups.empty()) supplyGroups(out, report);
+    if (!report.decoupling.empty()) decoupling(out, report);
     out << "</section>\n";
 }
 

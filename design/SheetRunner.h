@@ -91,6 +91,26 @@ public:
         m_changed = true;
         return m_error.empty();
     }
+    // As calculate(), but the sheet is not calculated as a whole: `read` evaluates the cells it needs
+    // (a sheet of which the design wants a few figures, whose data may lack rows it never touches). An
+    // evaluated cell keeps what it worked out, so each evaluation starts from a new parameter set, or,
+    // with SameSet, from the last one with its inputs restored: `read` then clears each cell it
+    // evaluates, which must be all the sheet worked out from the inputs that changed.
+    enum class Start { NewSet, SameSet };
+    template <typename Wire, typename Read>
+    bool evaluate(std::vector<double> const& voltage, std::vector<SheetRunner> const& runners, Wire&& wire,
+                  Read&& read, Start start = Start::NewSet) {
+        if (start == Start::NewSet) m_instance = m_sheet->create();
+        restore(voltage);
+        m_error = failureOf([&] {
+            wire(*m_instance);
+            copyLinks(runners);
+            read(*m_instance);
+        });
+        m_dirty = false;
+        m_changed = true;
+        return m_error.empty();
+    }
     // Fails without calculating (a block it reads from failed).
     void fail(std::string why);
     std::string const& error() const { return m_error; }

@@ -12,6 +12,22 @@ constexpr double kNoFigure = 1e30;  // an unset float cell holds a sentinel near
 
 }  // namespace
 
+std::vector<double> supplyShares(std::vector<RailResult> const& rails,
+                                 std::vector<std::size_t> const& supply) {
+    std::vector<double> share(rails.size());
+    for (std::size_t i = 0; i < rails.size(); ++i) share[i] = rails[i].totalCurrent;
+    for (std::size_t i = 0; i < rails.size(); ++i) {
+        RailResult const& held = rails[i];
+        if (held.countedIn.empty()) continue;
+        auto const holder = std::find_if(rails.begin(), rails.end(),
+                                         [&](RailResult const& r) { return r.rail == held.countedIn; });
+        if (holder == rails.end()) continue;
+        std::size_t const h = static_cast<std::size_t>(holder - rails.begin());
+        share[supply[i] == supply[h] ? i : h] -= held.staticCurrent;
+    }
+    return share;
+}
+
 StaticSupplyCells::StaticSupplyCells(Sheet const& staticSheet, std::vector<std::string> const& rails)
     : m_rails(rails), m_powerupCell(rails.size(), kNoCell), m_countedIn(staticSheet.design().countedIn) {
     std::string const& pattern = staticSheet.design().powerupCurrent;

@@ -60,8 +60,11 @@ Json cornersJson(CornerReports const& c) {
 Json budgetJson(std::vector<BudgetLine> const& lines) {
     Json out = Json::array();
     for (BudgetLine const& l : lines)
-        out.push_back({{"figure", l.rail.empty() ? "total_power" : "rail"},
+        out.push_back({{"figure", l.isTotal()        ? "total_power"
+                                  : l.supply.empty() ? "rail"
+                                                     : "supply"},
                        {"rail", l.rail.empty() ? Json(nullptr) : Json(l.rail)},
+                       {"supply", l.supply.empty() ? Json(nullptr) : Json(l.supply)},
                        {"limit", l.limit},
                        {"value", figure(l.value)},
                        {"unit", l.unit()},
@@ -116,7 +119,7 @@ std::string toCsv(Report const& report, ReportViews const& views) {
     }
     if (views.budget)
         for (BudgetLine const& l : *views.budget) {
-            std::string const name = l.rail.empty() ? "total_power" : l.rail;
+            std::string const name = l.isTotal() ? "total_power" : l.supply.empty() ? l.rail : l.supply;
             line("budget", name, l.rail, "limit", csvFigure(l.limit), l.unit());
             line("budget", name, l.rail, "value", csvFigure(l.value), l.unit());
             line("budget", name, l.rail, "exceeded", l.exceeded ? "1" : "0", "");

@@ -7,6 +7,7 @@
 #include <prsm/host/Estimate.h>
 #include <prsm/host/EstimateViews.h>
 #include <prsm/host/HostError.h>
+#include <prsm/host/SupplyTables.h>
 #include <prsm/host/TextTable.h>
 
 #include <algorithm>
@@ -47,6 +48,7 @@ std::string renderSupplies(design::Report const& report) {
             rails.push_back(
                 {r.rail, figure(r.powerupCurrent), r.countedIn.empty() ? "-" : "in " + r.countedIn});
     if (!rails.empty()) text << "\n" << formatTable({"rail", "power-up (A)", "static current held"}, rails);
+    text << renderSupplyGroups(report) << renderDecoupling(report);
     if (report.regulators.empty()) return text.str();
     std::vector<TextRow> regulators;
     for (design::RegulatorLoad const& r : report.regulators) {
@@ -255,8 +257,8 @@ int runEstimate(Request const& request, std::string const& dataHint, std::ostrea
     if (!report.complete || (corners && !corners->worst.complete)) return kExitDataFailure;
     for (design::BudgetLine const& line : budget)
         if (line.exceeded)
-            err << "prsm: error: over budget: " << (line.rail.empty() ? "total power " : line.rail + " current ")
-                << line.value << " " << line.unit() << " > " << line.limit << " " << line.unit() << "\n";
+            err << "prsm: error: over budget: " << line.title() << " " << line.value << " " << line.unit()
+                << " > " << line.limit << " " << line.unit() << "\n";
     return design::anyExceeded(budget) ? kExitOverBudget : kExitOk;
 }
 

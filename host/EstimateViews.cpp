@@ -54,8 +54,8 @@ std::string renderBudgetTable(std::vector<design::BudgetLine> const& lines) {
     std::vector<TextRow> rows;
     for (design::BudgetLine const& l : lines) {
         std::string const unit = l.unit();
-        rows.push_back({l.rail.empty() ? "total power" : l.rail + " current", fixed(l.limit, 4) + " " + unit,
-                        fixed(l.value, 4) + " " + unit, l.exceeded ? "EXCEEDED" : "within"});
+        rows.push_back({l.title(), fixed(l.limit, 4) + " " + unit, fixed(l.value, 4) + " " + unit,
+                        l.exceeded ? "EXCEEDED" : "within"});
     }
     return "\n" + formatTable({"budget", "limit", "estimate", "verdict"}, rows);
 }

@@ -11,8 +11,8 @@ from braces import expand
 from sheet_error import SheetError
 
 REGIONS = tuple(name for name, _ in regions.load())  # design/regions.toml
-DEVICE_FIELDS = ("part", "internal_part", "package", "speed_grade", "temperature_grade", "voltage_grade",
-                 "power_screen", "process", "voltage_corner")
+DEVICE_FIELDS = ("part", "internal_part", "family", "package", "speed_grade", "temperature_grade",
+                 "voltage_grade", "power_screen", "process", "voltage_corner")
 RAIL = re.compile(r"[A-Z][A-Z0-9_]*")
 # The used-block counts that take up a device resource (the catalogue's PARAM_VARS_INT.<part>.<RESOURCE>),
 # or "" where none limits them. Any other lower-case word is a count too, of no resource: a new leaking

@@ -135,7 +135,7 @@ REFUSALS = [
     (f'[design]\nregion = "fabric"  {MARK}', "design.region: unknown region 'fabric'"),
     (f'[design]\nregion = "gt"\ntag = "IP"  {MARK}', "design.tag: 'IP' is not a lower-case word"),
     (f'[design]\ntag = "ip"  {MARK}', "design.tag: a tag sets power apart within a region: declare the region too"),
-    (f'[design]\ndevice = {{ DEVICE = "family" }}  {MARK}', "design.device.DEVICE: unknown field 'family'"),
+    (f'[design]\ndevice = {{ DEVICE = "colour" }}  {MARK}', "design.device.DEVICE: unknown field 'colour'"),
     (f'[design]\nrequires = "AIE"  {MARK}', "design.requires: a table of catalogue feature"),
     (f'[design]\narchitecture = "dravik"  {MARK}', "design.architecture: 'dravik' is not an upper-case name"),
     (f'[design]\nrequires = {{ aie = "AIE" }}  {MARK}', "design.requires: 'aie' is not an upper-case feature name"),

@@ -82,7 +82,18 @@ struct Regulator {
 struct Budget {
     std::optional<double> totalPower;                          // W
     std::vector<std::pair<std::string, double>> railCurrents;  // rail -> A
-    bool empty() const { return !totalPower && railCurrents.empty(); }
+    // A declared regulator or a regulator group of the design's scheme -> A.
+    std::vector<std::pair<std::string, double>> supplyCurrents;
+    bool empty() const { return !totalPower && railCurrents.empty() && supplyCurrents.empty(); }
+};
+
+// The decoupling capacitors a design wants counted: the decoupling sheet with its own inputs (the
+// channels in use) and each rail's load step as a fraction of the rail's dynamic current.
+struct Decoupling {
+    Block sheet;
+    double stepFraction = 1.0;
+    std::vector<std::pair<std::string, double>> railFractions;  // rail -> its own fraction
+    double fractionOf(std::string const& rail) const;
 };
 
 struct Design {
@@ -96,6 +107,8 @@ struct Design {
     std::vector<Block> blocks;
     std::vector<Load> loads;
     std::vector<Regulator> regulators;  // the power-delivery scheme, when the design declares one
+    std::optional<Block> supplies;      // the rail-grouping sheet and its inputs, when named
+    std::optional<Decoupling> decoupling;
     Budget budget;
 };
 

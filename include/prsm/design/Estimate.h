@@ -111,6 +111,45 @@ struct RegulatorLoad {
     double powerupCurrent = std::numeric_limits<double>::quiet_NaN();
 };
 
+// A rail as a regulator group carries it: its share of the group's current (a held rail's static current
+// counted once, inside its holder's), and the rails whose static current it holds, shown under it.
+struct GroupRail {
+    std::string rail;
+    double voltage = 0;                                                // V
+    double current = 0;                                                // A
+    double power = 0;                                                  // W
+    double powerupCurrent = std::numeric_limits<double>::quiet_NaN();  // A; NaN where the sheet has none
+    std::vector<GroupRail> held;
+};
+
+// One regulator group of the rail-grouping sheet, with the design's rails it feeds.
+struct SupplyGroup {
+    std::string name;   // the sheet's group ("PL_2")
+    std::string label;  // the regulator it names, as its rails' group cells do
+    std::string sequence;
+    std::string dcTolerance;
+    std::string acRipple;
+    std::vector<GroupRail> rails;
+    double voltage = std::numeric_limits<double>::quiet_NaN();         // V; NaN when its rails differ
+    double current = 0;                                                // A
+    double power = 0;                                                  // W
+    double powerupCurrent = std::numeric_limits<double>::quiet_NaN();  // A; NaN when no rail has one
+};
+
+// The decoupling sheet's count of one capacitor value on a rail, as the sheet leaves it (a real number).
+struct CapacitorCount {
+    std::string value;  // the capacitance as the sheet names it: "22uF", "0p47uF"
+    double count = 0;
+};
+
+struct RailDecoupling {
+    std::string rail;
+    double stepCurrent = 0;  // A: the load step the sheet was given
+    // A rail the sheet steps in parts (VCCINT: the AI engines and the rest): each part's step in A.
+    std::vector<std::pair<std::string, double>> stepParts;
+    std::vector<CapacitorCount> capacitors;
+};
+
 // A device resource the design's blocks take up, against the device's count of it.
 struct ResourceUse {
     std::string resource;  // the catalogue's name: "LUTS", "FLIP_FLOPS", "BRAMS", "URAMS", "DSPS"
@@ -144,6 +183,13 @@ struct Report {
     std::vector<RegulatorLoad> regulators;
     double supplyInputPower = 0;
     double unregulatedPower = 0;
+    // The rail-grouping sheet's regulator groups that feed the design's rails, when the design names
+    // its scheme ("supplies"); empty otherwise.
+    std::string supplyModel;
+    std::vector<SupplyGroup> supplyGroups;
+    // The decoupling capacitors per rail, when the design asks for them ("decoupling").
+    std::string decouplingModel;
+    std::vector<RailDecoupling> decoupling;
 };
 
 class Estimator {

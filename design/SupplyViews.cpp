@@ -1,0 +1,186 @@
+#include <prsm/design/SupplyViews.h>
+#include <prsm/framework/PRSMReservedValues.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace prsm::design {
+
+namespace {
+
+void calculateGrouping(EstimateState& s) {
+    SheetRunner& runner = s.runners[s.suppliesRunner];
+    s.schemeProblems.clear();
+    bool const calculated = runner.evaluate(
+        s.voltage, s.runners, [](SheetInstance&) {},
+        [&](SheetInstance& instance) { s.scheme = s.grouping->read(instance, s.rails, s.schemeProblems); });
+    if (!calculated) s.scheme = SupplyScheme{};
+    if (runner.validityDue()) runner.checkValidity({});
+}
+
+// Each step input's load step: the fraction of its rail's dynamic current, or of the part of it that the
+// input's region draws (the rest for the part of no region).
+std::vector<double> loadSteps(EstimateState const& s) {
+    std::vector<double> steps;
+    for (DecouplingCells::Rail const& rail : s.decouplingCells->rails()) {
+        double const volts = s.voltage[rail.rail];
+        double const fraction = s.design.decoupling->fractionOf(s.rails[rail.rail]);
+        double const dynamic = volts > 0 ? s.figures.railDynamic[rail.rail] / volts : 0.0;
+        double inRegions = 0;
+        std::vector<double> own(rail.parts.size(), 0.0);
+        for (std::size_t p = 0; p < rail.parts.size(); ++p) {
+            if (rail.parts[p].region == DecouplingCells::kNone || volts <= 0) continue;
+            for (EstimateState::Aggregate const& a : s.aggregates)
+                if (a.rail == rail.rail && a.region == rail.parts[p].region) own[p] += a.power / volts;
+            inRegions += own[p];
+        }
+        for (std::size_t p = 0; p < rail.parts.size(); ++p)
+            steps.push_back(fraction *
+                            (rail.parts[p].region == DecouplingCells::kNone ? dynamic - inRegions : own[p]));
+    }
+    return steps;
+}
+
+// One rail's load step and counts from an instance whose step inputs are set; a count the sheet cannot
+// evaluate is NaN, with the reason.
+EstimateState::DecouplingLine countsOf(SheetRunner const& runner, SheetInstance& instance,
+                                       DecouplingCells::Rail const& rail, double const* steps,
+                                       std::vector<std::string> const& railNames) {
+    EstimateState::DecouplingLine line;
+    line.counts.rail = railNames[rail.rail];
+    for (std::size_t p = 0; p < rail.parts.size(); ++p) {
+        line.counts.stepCurrent += steps[p];
+        if (!rail.parts[p].name.empty()) line.counts.stepParts.emplace_back(rail.parts[p].name, steps[p]);
+    }
+    for (auto const& count : rail.counts) {  // a lambda below: no structured binding
+        std::string const& name = runner.sheet().cells()[count.second].name;
+        std::string text;
+        instance.setNumber(count.second, prsm::kFloatNotSet);  // the counts are the sheet's only figures
+        if (std::string failure = failureOf([&] { text = instance.evaluate(name); }); !failure.empty())
+            line.problems.push_back(name + ": " + failure);
+        line.counts.capacitors.push_back(
+            {count.first, text.empty() ? std::nan("") : std::strtod(text.c_str(), nullptr)});
+    }
+    return line;
+}
+
+// Whether rail r is one the report's rail view shows: it draws, or the design names it.
+bool inRailView(EstimateState const& s, std::size_t r) {
+    return s.figures.railDynamic[r] != 0 || s.figures.staticCurrent[r] != 0 ||
+           std::any_of(s.design.rails.begin(), s.design.rails.end(),
+                       [&](auto const& given) { return given.first == s.rails[r]; });
+}
+
+// A rail's counts are evaluated again only when its load step or the sheet's inputs changed: after one
+// block's change that is the block's rails alone.
+void calculateDecoupling(EstimateState& s) {
+    SheetRunner& runner = s.runners[s.decouplingRunner];
+    EstimateState::Figures& f = s.figures;
+    std::vector<DecouplingCells::Rail> const& rails = s.decouplingCells->rails();
+    if (!f.blocksOk) {  // no dynamic currents to step with
+        f.decoupling.assign(rails.size(), std::nullopt);
+        f.steps.clear();
+        return;
+    }
+    std::vector<double> const steps = loadSteps(s);
+    bool const fresh =
+        runner.dirty() || f.steps.size() != steps.size() || f.decoupling.size() != rails.size();
+    if (fresh) f.decoupling.assign(rails.size(), std::nullopt);
+    std::vector<bool> due(rails.size(), false);
+    for (std::size_t r = 0, i = 0; r < rails.size(); i += rails[r].parts.size(), ++r) {
+        bool const stepped =
+            fresh ||
+            !std::equal(steps.begin() + i, steps.begin() + i + rails[r].parts.size(), f.steps.begin() + i);
+        if (stepped) f.decoupling[r].reset();
+        due[r] = !f.decoupling[r] && inRailView(s, rails[r].rail);
+    }
+    f.steps = steps;
+    if (std::none_of(due.begin(), due.end(), [](bool d) { return d; })) return;
+    runner.evaluate(
+        s.voltage, s.runners,
+        [&](SheetInstance& instance) {
+            std::size_t i = 0;
+            for (DecouplingCells::Rail const& rail : rails)
+                for (DecouplingCells::Part const& part : rail.parts)
+                    instance.setNumber(part.cell, f.steps[i++]);
+        },
+        [&](SheetInstance& instance) {
+            for (std::size_t r = 0, i = 0; r < rails.size(); i += rails[r].parts.size(), ++r)
+                if (due[r])
+                    f.decoupling[r] = countsOf(runner, instance, rails[r], f.steps.data() + i, s.rails);
+        },
+        fresh ? SheetRunner::Start::NewSet : SheetRunner::Start::SameSet);
+    if (!runner.error().empty()) f.decoupling.assign(rails.size(), std::nullopt);
+    if (runner.validityDue()) runner.checkValidity({});
+}
+
+std::string pointerToken(std::string const& name) {
+    std::string out;
+    for (char c : name) out += c == '~' ? "~0" : c == '/' ? "~1" : std::string(1, c);
+    return out;
+}
+
+}  // namespace
+
+void setupSupplyViews(EstimateState& s) {
+    if (s.suppliesRunner != kNoIndex) {
+        s.grouping.emplace(s.runners[s.suppliesRunner].sheet());
+        calculateGrouping(s);
+    }
+    if (s.decouplingRunner != kNoIndex)
+        s.decouplingCells.emplace(s.runners[s.decouplingRunner].sheet(), s.rails);
+    for (auto const& entry : s.design.budget.supplyCurrents) {
+        std::string const& name = entry.first;
+        bool const regulator = std::any_of(s.design.regulators.begin(), s.design.regulators.end(),
+                                           [&](Regulator const& r) { return r.name == name; });
+        bool const group = std::any_of(s.scheme.groups.begin(), s.scheme.groups.end(),
+                                       [&](SupplyScheme::Group const& g) { return g.name == name; });
+        if (regulator || group) continue;
+        std::string known;
+        for (Regulator const& r : s.design.regulators) known += (known.empty() ? "" : ", ") + r.name;
+        for (SupplyScheme::Group const& g : s.scheme.groups) known += (known.empty() ? "" : ", ") + g.name;
+        throw DesignError(s.design.source + ": /budget/supplies/" + pointerToken(name) + ": " + name +
+                          " is neither a declared regulator nor a regulator group of the design's scheme" +
+                          (known.empty() ? std::string(" (it has none)") : "; one of " + known));
+    }
+}
+
+void calculateSupplyViews(EstimateState& s) {
+    if (s.suppliesRunner != kNoIndex && s.runners[s.suppliesRunner].dirty()) calculateGrouping(s);
+    if (s.decouplingRunner != kNoIndex) calculateDecoupling(s);
+}
+
+void describeSupplyViews(EstimateState const& s, Report& out) {
+    out.supplyGroups.clear();
+    out.decoupling.clear();
+    auto warnings = [&](SheetRunner const& runner, std::vector<std::string> const& problems) {
+        std::string const& role = runner.given().name;
+        if (!runner.error().empty()) out.warnings.push_back({role, "", "not calculated: " + runner.error()});
+        for (std::string const& problem : problems)
+            out.warnings.push_back({role, "", "no figure: " + problem});
+        out.warnings.insert(out.warnings.end(), runner.warnings().begin(), runner.warnings().end());
+    };
+    if (s.suppliesRunner != kNoIndex) {
+        SheetRunner const& runner = s.runners[s.suppliesRunner];
+        out.supplyModel = runner.given().model;
+        warnings(runner, s.schemeProblems);
+        groupSupplies(s.scheme, out);
+    }
+    if (s.decouplingRunner != kNoIndex) {
+        SheetRunner const& runner = s.runners[s.decouplingRunner];
+        out.decouplingModel = runner.given().model;
+        std::vector<std::string> problems;
+        for (std::optional<EstimateState::DecouplingLine> const& line : s.figures.decoupling) {
+            bool const shown =
+                line && std::any_of(out.rails.begin(), out.rails.end(),
+                                    [&](RailResult const& r) { return r.rail == line->counts.rail; });
+            if (!shown) continue;  // not evaluated, or no longer in the rail view
+            out.decoupling.push_back(line->counts);
+            problems.insert(problems.end(), line->problems.begin(), line->problems.end());
+        }
+        warnings(runner, problems);
+    }
+}
+
+}  // namespace prsm::design
