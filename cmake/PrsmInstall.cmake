@@ -7,14 +7,10 @@ install(TARGETS prsm EXPORT prsmTargets
 
 # The stable interface: include/prsm (the bases, the registry and sheet instance, the spreadsheet
 # functions; the design engine's headers are installed by design/) and each sheet's generated Params,
-# Data and Model headers. The generated data classes index their tables inline, so the table index, the
-# text grid and the cell helpers they use go along; the other framework headers and the cell functions' bodies
-# (generated-private/) stay in the build.
+# Data and Model headers. The framework folder's headers (table index, text grid, data text, cell support) and
+# the generated private headers (generated-private/: cell bodies, data indexes) stay in the build.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/prsm/framework ${PROJECT_SOURCE_DIR}/include/prsm/sheetfunc
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/prsm)
-install(FILES ${PROJECT_SOURCE_DIR}/framework/PRSMTableIndex.h ${PROJECT_SOURCE_DIR}/framework/PRSMTextGrid.h
-              ${PROJECT_SOURCE_DIR}/framework/PRSMCellSupport.h
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/prsm/framework)
 install(DIRECTORY ${PRSM_GENERATED_ROOT}/prsm/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/prsm
   FILES_MATCHING PATTERN "*.h" PATTERN "tests" EXCLUDE)
 

@@ -6,7 +6,8 @@
 # <prsm/models/talvex/...>). A hand-written <Name>.cpp beside <Name>.toml holds the formulas and
 # includes the generated PRSM<Name>Cells.h, the bodies of the cell functions: they are defined in the
 # formulas' translation unit, where the formulas' calls to them inline, and the header is private
-# (PRSM_PRIVATE_GENERATED_ROOT, not installed), so the installed model header only declares.
+# (PRSM_PRIVATE_GENERATED_ROOT, not installed), so the installed model header only declares. The data
+# class's indexes (PRSM<Name>DataIndexes.h) are private as well; its getters are defined with the cells.
 set(PRSM_SHEETGEN ${CMAKE_CURRENT_LIST_DIR}/../sheetgen/prsm_sheetgen.py)
 file(GLOB PRSM_SHEETGEN_DEPS ${CMAKE_CURRENT_LIST_DIR}/../sheetgen/*.py)
 
@@ -27,6 +28,7 @@ function(prsm_add_sheet target table)
   foreach(role ${roles})
     list(APPEND outputs ${outdir}/${class}${role}.h ${outdir}/${class}${role}.cpp)
   endforeach()
+  list(APPEND outputs ${private_outdir}/${class}DataIndexes.h)
   if(NOT without_model)
     list(APPEND outputs ${private_outdir}/${class}Cells.h)
   endif()

@@ -215,8 +215,10 @@ private:
         return detail::finish(combined);
     }
 
+    // The searches of the map itself are rare (a key part holding a '.', a map edited by hand) and stay
+    // out of line, so that a getter is small enough to inline into the formulas that call it.
     template <typename... Parts>
-    static T const* findInMap(Map const& map, Parts const&... parts) {
+    [[gnu::noinline]] static T const* findInMap(Map const& map, Parts const&... parts) {
         auto const it = map.find(prsm::lookupKey(parts...));
         return it == map.end() ? nullptr : &it->second;
     }
@@ -236,12 +238,9 @@ public:
     using Map = std::unordered_map<std::string, T>;
 
     ResolvedTable() = default;
-    // A copy belongs to another data object: its owner resolves it against its own maps.
-    ResolvedTable(ResolvedTable const&) {}
-    ResolvedTable& operator=(ResolvedTable const&) {
-        invalidate();
-        return *this;
-    }
+    // Its slots point into one data object's maps: a copy of that object indexes its own.
+    ResolvedTable(ResolvedTable const&) = delete;
+    ResolvedTable& operator=(ResolvedTable const&) = delete;
 
     void resolve(Map const& map, std::size_t parts, std::array<std::string_view, N> const& keys) {
         m_index.build(map, parts);
@@ -263,7 +262,8 @@ public:
     }
 
 private:
-    static T const* findFixedInMap(Map const& map, std::string_view key) {
+    // Out of line, as findInMap above.
+    [[gnu::noinline]] static T const* findFixedInMap(Map const& map, std::string_view key) {
         auto const it = map.find(std::string(key));
         return it == map.end() ? nullptr : &it->second;
     }
@@ -271,6 +271,12 @@ private:
     TableIndex<T> m_index;
     std::array<T const*, N> m_fixed{};
     std::array<std::string_view, N> const* m_keys = nullptr;
+};
+
+// The base of a generated data class's indexes, which the class owns through a pointer to this base:
+// one pointer type for every class, so that the installed headers instantiate no template per class.
+struct DataIndexes {
+    virtual ~DataIndexes() = default;
 };
 
 // Throws the PRSMException of a missing key, naming the parts joined with ".".

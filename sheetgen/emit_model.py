@@ -2,6 +2,7 @@
 registration that makes the sheet reachable by name. Formulas stay hand-written."""
 
 import design_decl
+import emit_data
 import member_rows
 from emit_params import HEADER_NOTE
 from sheet import CPP_TYPE, NOT_SET, TYPES, Cell, Family, Sheet, camel, cpp_literal
@@ -162,15 +163,18 @@ def cells(sheet: Sheet) -> str:
     """The bodies of the cell functions and calculate, for the one translation unit that defines them:
     the sheet's formulas file, or the generated source of a sheet that has none. The formulas call the
     cell functions thousands of times per calculate; defined in their translation unit, those calls
-    inline to a cached-value test, while the installed header only declares what a user calls."""
+    inline to a cached-value test, while the installed header only declares what a user calls. The data
+    class's getters are defined here too, for the same reason: the formulas' table lookups inline."""
     plan = Plan(sheet)
     cls = sheet.prefix + "Model"
     shared = f"#include <prsm/{sheet.subdir}/{sheet.formula_header}>\n" if sheet.formula_header else ""
-    return f"""{HEADER_NOTE.format(stem=sheet.stem)}// The cell functions and calculate of {cls}, defined by the one file that includes this: the sheet's
-// formulas file, or the generated model source of a sheet that has none. Not installed.
+    return f"""{HEADER_NOTE.format(stem=sheet.stem)}// The cell functions and calculate of the model and the getters of its data class, defined by the
+// one file that includes this: the sheet's formulas file, or the generated model source of a sheet
+// that has none. Not installed.
 #pragma once
 
 #include <prsm/{sheet.subdir}/{cls}.h>
+#include <prsm/{sheet.subdir}/{sheet.prefix}DataIndexes.h>
 
 #include <prsm/framework/PRSMCellSupport.h>
 #include <prsm/framework/PRSMReservedValues.h>
@@ -178,7 +182,7 @@ def cells(sheet: Sheet) -> str:
 {shared}
 #include <cstddef>
 #include <string>
-{"".join(_definitions(sheet, plan, cls))}{_calculate(sheet, cls)}"""
+{emit_data.getters(sheet)}{"".join(_definitions(sheet, plan, cls))}{_calculate(sheet, cls)}"""
 
 
 def _calculate(sheet: Sheet, cls: str) -> str:

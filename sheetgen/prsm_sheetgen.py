@@ -4,7 +4,7 @@
 Usage: prsm_sheetgen.py TABLE.toml --out DIR [--private-out DIR] [--no-formulas-file] [--source-root DIR]
 The table's folder below the source root names the include folder (<prsm/models/talvex/...>). The
 installed headers go to --out; the cell functions' bodies (<Class>Cells.h), which only the sheet's own
-formulas file includes, go to --private-out.
+formulas file includes, and the data class's indexes (<Class>DataIndexes.h) go to --private-out.
 """
 
 import argparse
@@ -49,6 +49,7 @@ def main() -> int:
     files = [
         (args.out, "Params.h", emit_params.header), (args.out, "Params.cpp", emit_params.source),
         (args.out, "Data.h", emit_data.header), (args.out, "Data.cpp", emit_data.source),
+        (private_out, "DataIndexes.h", emit_data.indexes_header),
     ]
     if sheet.has_model:
         def model_source(s):

@@ -105,10 +105,14 @@ TEST(Lookups, ResetReResolvesAndHandEditsStayVisible) {
         data.m_LaneCap["FAST.A"] = 5.0f;
         EXPECT_EQ(data.getLaneCap(Key::FAST_A), 5.0f);
         PRSMTestSamplerData copy = data;  // a copy resolves against its own maps
+        PRSMTestSamplerData assigned;     // loaded from the file (FAST.A = 3), then given data's tables
+        assigned = data;
         data.m_LaneCap.erase("FAST.A");
         EXPECT_EQ(data.getLaneCapOrError(Key::FAST_A), FLT_MAX);
         EXPECT_EQ(data.getLaneCapOrError("FAST", "A"), FLT_MAX);
         EXPECT_EQ(copy.getLaneCap(Key::FAST_A), 5.0f);
+        EXPECT_EQ(assigned.getLaneCap(Key::FAST_A), 5.0f);
+        EXPECT_EQ(assigned.getLaneCap("FAST", "B"), 4.0f);
         data.resolve();
         data.m_LaneCap["SLOW.B"] = 6.0f;
         EXPECT_EQ(data.getLaneCap(Key::SLOW_B), 6.0f);

@@ -8,8 +8,11 @@
 #include <iostream>
 
 // Private headers are out of reach of an installed consumer.
-#if __has_include(<prsm/framework/PRSMDataText.h>) || __has_include(<prsm/framework/PRSMSheetAdapter.h>) || \
-    __has_include(<prsm/models/talvex/PRSMTalvexCleLogicCells.h>) || __has_include(<prsm/design/Counts.h>)
+#if __has_include(<prsm/framework/PRSMDataText.h>) || __has_include(<prsm/framework/PRSMDataSupport.h>) || \
+    __has_include(<prsm/framework/PRSMTableIndex.h>) || __has_include(<prsm/framework/PRSMCellSupport.h>) || \
+    __has_include(<prsm/framework/PRSMSheetAdapter.h>) || __has_include(<prsm/design/Counts.h>) ||          \
+    __has_include(<prsm/models/talvex/PRSMTalvexCleLogicCells.h>) ||                                        \
+    __has_include(<prsm/models/talvex/PRSMTalvexCleLogicDataIndexes.h>)
 #error "a private header of prsm is installed"
 #endif
 
