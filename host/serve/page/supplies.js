@@ -65,35 +65,22 @@ function groupRows(groups) {
     rows.push([g.name, g.label, shown(g.sequence), shown(g.dc_tolerance), shown(g.ac_ripple), fixed(g.voltage, 3),
       amps(g.current), fixed(g.power, 4), amps(g.powerup_current)]);
     classes.push("group");
-    for (const r of g.rails || []) {
-      const held = Array.isArray(r.held) ? r.held : r.held ? [r.held] : [];
-      rows.push([r.rail + (held.length ? ` (holds ${held.join(", ")})` : ""), "", "", "", "", fixed(r.voltage, 3),
-        amps(r.current), fixed(r.power, 4), amps(r.powerup_current)]);
+    const railRow = (r) => {
+      rows.push([r.rail + (r.held && r.held.length ? ` (holds ${r.held.map((h) => h.rail).join(", ")})` : ""), "", "", "", "",
+        fixed(r.voltage, 3), amps(r.current), fixed(r.power, 4), amps(r.powerup_current)]);
       classes.push("held");
-    }
+      (r.held || []).forEach(railRow);  // a held rail right under the rail holding its static current
+    };
+    (g.rails || []).forEach(railRow);
   }
   return { rows, classes };
 }
 
-// `value` less the member named `key`.
-const without = (value, key) => Object.fromEntries(Object.entries(value).filter(([k]) => k !== key));
-
-// Per rail, per capacitor value, the count. `decoupling` is an object by rail or a list of objects with a
-// `rail` (and the capacitors as its one other member, or as its members); a rail's capacitors an object
-// by value or a list of objects with a `value`.
+// Per rail, per capacitor value, the whole capacitors to fit and, in brackets, the sheet's own count.
 function decouplingRows(decoupling) {
-  const capacitorsOf = (d) => {
-    const rest = without(d, "rail"), members = Object.values(rest);
-    return members.length === 1 ? members[0] : rest;
-  };
-  const byRail = Array.isArray(decoupling) ? decoupling.map((d) => [d.rail, capacitorsOf(d)]) : Object.entries(decoupling);
   const rows = [];
-  for (const [rail, capacitors] of byRail) {
-    let list = [["", capacitors]];
-    if (Array.isArray(capacitors)) list = capacitors.map((c) => (c && c.value !== undefined ? [String(c.value), without(c, "value")] : ["", c]));
-    else if (capacitors !== null && typeof capacitors === "object") list = Object.entries(capacitors);
-    for (const [value, count] of list) rows.push([rail, value, shown(count)]);
-  }
+  for (const r of decoupling.rails || [])
+    for (const c of r.capacitors) rows.push([r.rail, c.value, `${shown(c.whole_count)} (${shown(c.count)})`]);
   return { rows, classes: [] };
 }
 
@@ -115,7 +102,7 @@ function renderSupplies(container, report) {
     ["supply-groups", "Regulator groups",
       ["group", "label", "sequence", "DC tolerance", "AC ripple", "V", "A", "W", "power-up A"],
       supplies.groups ? groupRows(supplies.groups) : null],
-    ["supply-decoupling", "Decoupling capacitors", ["rail", "capacitor", "count"],
+    ["supply-decoupling", "Decoupling capacitors", ["rail", "capacitor", "whole (sheet count)"],
       report.decoupling ? decouplingRows(report.decoupling) : null],
   ];
   for (const [id, caption, head, content] of parts) {
