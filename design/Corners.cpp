@@ -115,6 +115,15 @@ CornerReports estimateCorners(Design const& design) {
     out.railPowers = compare(figuresOf(out.typical.rails, railPower), figuresOf(out.worst.rails, railPower));
     out.regionPowers =
         compare(figuresOf(out.typical.regions, regionPower), figuresOf(out.worst.regions, regionPower));
+    auto regulatorLoad = [](RegulatorLoad const& r) { return std::make_pair(r.name, r.load); };
+    auto groupCurrent = [](SupplyGroup const& g) { return std::make_pair(g.name, g.current); };
+    auto groupPower = [](SupplyGroup const& g) { return std::make_pair(g.name, g.power); };
+    out.regulatorLoads = compare(figuresOf(out.typical.regulators, regulatorLoad),
+                                 figuresOf(out.worst.regulators, regulatorLoad));
+    out.groupCurrents = compare(figuresOf(out.typical.supplyGroups, groupCurrent),
+                                figuresOf(out.worst.supplyGroups, groupCurrent));
+    out.groupPowers = compare(figuresOf(out.typical.supplyGroups, groupPower),
+                              figuresOf(out.worst.supplyGroups, groupPower));
     out.totalPower = {"total", out.typical.totalPower, out.worst.totalPower};
     return out;
 }

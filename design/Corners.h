@@ -23,7 +23,7 @@ char const* toString(HotJunction source);
 
 // One figure at both corners; `worstIsHigher` marks which corner is the worst for it.
 struct CornerFigure {
-    std::string name;  // a rail, a region or "total"
+    std::string name;  // a rail, a region, a regulator, a regulator group or "total"
     double typical = 0;
     double worst = 0;
     bool worstIsHigher() const { return worst >= typical; }
@@ -36,6 +36,9 @@ struct CornerReports {
     std::vector<CornerFigure> railCurrents;  // A, per rail of the typical report
     std::vector<CornerFigure> railPowers;    // W, per rail
     std::vector<CornerFigure> regionPowers;  // W, dynamic plus static, per region
+    std::vector<CornerFigure> regulatorLoads;  // A, per declared regulator
+    std::vector<CornerFigure> groupCurrents;   // A, per regulator group of the typical report
+    std::vector<CornerFigure> groupPowers;     // W, per regulator group
     CornerFigure totalPower;                 // W
 };
 

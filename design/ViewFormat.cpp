@@ -27,6 +27,31 @@ Json cornerRows(std::vector<CornerFigure> const& figures, char const* key, char 
     return rows;
 }
 
+// The declared regulators' loads, then the regulator groups' currents and powers, marked as the rails are.
+Json cornerSupplies(CornerReports const& c) {
+    Json rows = Json::array();
+    for (CornerFigure const& f : c.regulatorLoads)
+        rows.push_back({{"supply", f.name},
+                        {"kind", "regulator"},
+                        {"typical_current", figure(f.typical)},
+                        {"worst_current", figure(f.worst)},
+                        {"worst", worstCorner(f)}});
+    for (std::size_t i = 0; i < c.groupCurrents.size(); ++i) {
+        CornerFigure const& f = c.groupCurrents[i];
+        Json row{{"supply", f.name},
+                 {"kind", "group"},
+                 {"typical_current", figure(f.typical)},
+                 {"worst_current", figure(f.worst)}};
+        if (i < c.groupPowers.size()) {
+            row["typical_power"] = figure(c.groupPowers[i].typical);
+            row["worst_power"] = figure(c.groupPowers[i].worst);
+        }
+        row["worst"] = worstCorner(f);
+        rows.push_back(row);
+    }
+    return rows;
+}
+
 Json conditions(Report const& r) {
     Json out{{"voltage_corner", r.voltageCorner},
              {"complete", r.complete},
@@ -54,6 +79,7 @@ Json cornersJson(CornerReports const& c) {
             {"worst", worst},
             {"rails", rails},
             {"regions", cornerRows(c.regionPowers, "region", "power")},
+            {"supplies", cornerSupplies(c)},
             {"total", total}};
 }
 
@@ -115,6 +141,9 @@ std::string toCsv(Report const& report, ReportViews const& views) {
         rows("corner_rail", c->railCurrents, true, "current", "A");
         rows("corner_rail", c->railPowers, true, "power", "W");
         rows("corner_region", c->regionPowers, false, "power", "W");
+        rows("corner_supply", c->regulatorLoads, false, "current", "A");
+        rows("corner_supply", c->groupCurrents, false, "current", "A");
+        rows("corner_supply", c->groupPowers, false, "power", "W");
         if (c->typical.complete && c->worst.complete) rows("corner_total", {c->totalPower}, false, "power", "W");
     }
     if (views.budget)

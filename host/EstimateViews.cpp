@@ -47,6 +47,23 @@ std::string renderCornersTable(design::CornerReports const& c) {
         regions.push_back(cornerRow(design::regionTitle(f.name), f, 4));
     if (c.typical.complete && c.worst.complete) regions.push_back(cornerRow("total", c.totalPower, 4));
     text += "\n" + formatTable({"region", "typical (W)", "worst (W)", "ratio"}, regions);
+    // The supplies: a declared regulator's load, then each regulator group's current and power.
+    std::vector<TextRow> supplies;
+    for (design::CornerFigure const& f : c.regulatorLoads) {
+        TextRow row = cornerRow("regulator " + f.name, f, 4);
+        row.insert(row.end(), {"-", "-", "-"});
+        supplies.push_back(row);
+    }
+    for (std::size_t i = 0; i < c.groupCurrents.size() && i < c.groupPowers.size(); ++i) {
+        TextRow row = cornerRow("group " + c.groupCurrents[i].name, c.groupCurrents[i], 4);
+        TextRow const power = cornerRow("", c.groupPowers[i], 4);
+        row.insert(row.end(), power.begin() + 1, power.end());
+        supplies.push_back(row);
+    }
+    if (!supplies.empty())
+        text += "\n" + formatTable({"supply", "typical (A)", "worst (A)", "ratio", "typical (W)", "worst (W)",
+                                    "ratio"},
+                                   supplies);
     return text;
 }
 

@@ -6,8 +6,11 @@
 #include <prsm/design/Corners.h>
 #include <prsm/design/Design.h>
 #include <prsm/design/JunctionLimit.h>
+#include <prsm/design/ViewFormat.h>
 
 #include "ReportLookup.h"
+
+#include <nlohmann/json.hpp>
 
 #include <gtest/gtest.h>
 
@@ -64,6 +67,65 @@ TEST(DesignCorners, TypicalAndWorstByHand) {
     // 0.07225 + 0.535 + 0.0107 (26.2379 - 25.1445) = 0.61895 W; 0.08 + 0.56 + 0.0112 * 21.6039 = 0.88197 W
     EXPECT_NEAR(c.totalPower.typical, 0.07225 + 0.535 + 0.0107 * (tjTypical - 25.1445), 1e-6);
     EXPECT_NEAR(c.totalPower.worst, 0.08 + 0.56 + 0.0112 * (tjWorst - 25.16), 1e-6);
+}
+
+// corners.json with a declared regulator on VCCINT and the grouping sheet's scheme: the test data labels
+// each rail after itself, so PL_2 carries VCCINT alone and SYSTEM_3 VCCAUX alone. The corners are those
+// of TypicalAndWorstByHand: a supply's current is its rail's at each corner.
+TEST(DesignCorners, SuppliesSideBySideAtBothCorners) {
+    Design const design = parseDesign(R"({"schema_version": 1,
+        "device": {"part": "TESTDEV", "internal_part": "TESTDEV", "family": "FAM_A"},
+        "thermal": {"ambient_temperature": 25, "theta_ja": 2.0, "max_ambient_temperature": 45},
+        "rails": {"VCCINT": 0.75, "VCCAUX": 1.6}, "static": {"model": "TestLeakage"},
+        "blocks": [{"name": "core", "model": "TestLoad",
+                    "inputs": {"CAPACITANCE": 1000, "CLOCK_FREQ": 100, "AUX_MILLIAMPS": 10}}],
+        "regulators": [{"name": "CORE", "rails": ["VCCINT"], "rating": 1.0, "efficiency": 0.9}],
+        "supplies": {}})",
+                                      "supplied.json");
+    CornerReports const c = estimateCorners(design);
+    ASSERT_TRUE(c.typical.complete && c.worst.complete);
+    double const tjTypical = junction(25, 0.07225, 0.535, 0.0107, 0.1445);
+    double const tjWorst = junction(45, 0.08, 0.56, 0.0112, 0.16);
+    double const intTypical = 0.075 + 0.5 + 0.01 * (tjTypical - 0.1445 - 25);  // 0.58593 A
+    double const auxTypical = 0.01 + 0.1 + 0.002 * (tjTypical - 0.1445 - 25);  // 0.11219 A
+    double const intWorst = 0.08 + 0.5 + 0.01 * (tjWorst - 0.16 - 25);         // 0.79604 A
+    double const auxWorst = 0.01 + 0.1 + 0.002 * (tjWorst - 0.16 - 25);        // 0.15321 A
+
+    ASSERT_EQ(c.regulatorLoads.size(), 1u);
+    EXPECT_EQ(c.regulatorLoads[0].name, "CORE");
+    EXPECT_NEAR(c.regulatorLoads[0].typical, intTypical, 1e-6);
+    EXPECT_NEAR(c.regulatorLoads[0].worst, intWorst, 1e-6);
+
+    auto group = [](std::vector<CornerFigure> const& figures, std::string const& name) {
+        for (CornerFigure const& f : figures)
+            if (f.name == name) return f;
+        ADD_FAILURE() << "no group " << name;
+        return CornerFigure{};
+    };
+    EXPECT_NEAR(group(c.groupCurrents, "PL_2").typical, intTypical, 1e-6);
+    EXPECT_NEAR(group(c.groupCurrents, "PL_2").worst, intWorst, 1e-6);
+    // 0.75 V and 0.8 V times VCCINT's current; 1.6 V at both corners times VCCAUX's.
+    EXPECT_NEAR(group(c.groupPowers, "PL_2").typical, 0.75 * intTypical, 1e-6);
+    EXPECT_NEAR(group(c.groupPowers, "PL_2").worst, 0.8 * intWorst, 1e-6);
+    EXPECT_NEAR(group(c.groupCurrents, "SYSTEM_3").typical, auxTypical, 1e-6);
+    EXPECT_NEAR(group(c.groupPowers, "SYSTEM_3").worst, 1.6 * auxWorst, 1e-6);
+    EXPECT_TRUE(group(c.groupCurrents, "SYSTEM_3").worstIsHigher());
+
+    // The same figures in the machine-readable forms other tools read.
+    ReportViews views;
+    views.corners = &c;
+    nlohmann::json const json = nlohmann::json::parse(toJson(c.typical, views));
+    nlohmann::json const& supplies = json.at("corners").at("supplies");
+    ASSERT_EQ(supplies.size(), 1 + c.groupCurrents.size());
+    EXPECT_EQ(supplies.at(0).at("supply"), "CORE");
+    EXPECT_EQ(supplies.at(0).at("kind"), "regulator");
+    EXPECT_NEAR(supplies.at(0).at("worst_current").get<double>(), intWorst, 1e-6);
+    EXPECT_EQ(supplies.at(0).at("worst"), "worst");
+    EXPECT_EQ(supplies.at(1).at("kind"), "group");
+    EXPECT_TRUE(supplies.at(1).contains("worst_power"));
+    std::string const csv = toCsv(c.typical, views);
+    EXPECT_NE(csv.find("corner_supply,CORE,,worst_current,"), std::string::npos) << csv;
+    EXPECT_NE(csv.find("corner_supply,PL_2,,typical_power,"), std::string::npos) << csv;
 }
 
 TEST(DesignCorners, BudgetHoldsAtTypicalAndFailsOnVccintAtWorst) {
