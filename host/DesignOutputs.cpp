@@ -19,6 +19,9 @@ std::vector<design::RegionResult> const& regionsOf(design::Report const& r) {
 std::vector<design::RegulatorLoad> const& regulatorsOf(design::Report const& r) {
     return r.regulators;
 }
+std::vector<design::SupplyGroup> const& groupsOf(design::Report const& r) {
+    return r.supplyGroups;
+}
 
 // The budget line of `rail` ("" for the total power) at this report.
 design::BudgetLine budgetLine(design::Budget const& budget, design::Report const& report,
@@ -45,8 +48,9 @@ void DesignOutputs::addRows(std::string const& prefix, ReportOf from, std::strin
                 });
 }
 
-DesignOutputs::DesignOutputs(design::Design const& design, std::vector<std::string> const& rails) {
-    addReportFigures(design, rails, "", ReportOf::Point);
+DesignOutputs::DesignOutputs(design::Design const& design, std::vector<std::string> const& rails,
+                             std::vector<std::string> const& groups) {
+    addReportFigures(design, rails, groups, "", ReportOf::Point);
     add("thermal_iterations", CellType::Int, "count", ReportOf::Point,
         [](design::Report const& r) { return static_cast<double>(r.thermal.iterations); });
     if (design.board)
@@ -61,8 +65,8 @@ DesignOutputs::DesignOutputs(design::Design const& design, std::vector<std::stri
         add("load." + design.loads[i].name + ".power", CellType::Float, "W", ReportOf::Point,
             [at](design::Report const& r) { return r.blocks.at(at).power; });
     }
-    addReportFigures(design, rails, "corner.typical.", ReportOf::TypicalCorner);
-    addReportFigures(design, rails, "corner.worst.", ReportOf::WorstCorner);
+    addReportFigures(design, rails, groups, "corner.typical.", ReportOf::TypicalCorner);
+    addReportFigures(design, rails, groups, "corner.worst.", ReportOf::WorstCorner);
 }
 
 void DesignOutputs::add(std::string const& name, CellType type, std::string const& unit, ReportOf from,
@@ -72,11 +76,13 @@ void DesignOutputs::add(std::string const& name, CellType type, std::string cons
 }
 
 void DesignOutputs::addReportFigures(design::Design const& design, std::vector<std::string> const& rails,
-                                     std::string const& prefix, ReportOf from) {
+                                     std::vector<std::string> const& groups, std::string const& prefix,
+                                     ReportOf from) {
     using design::RailResult;
     using design::RegionResult;
     using design::RegulatorLoad;
     using design::Report;
+    using design::SupplyGroup;
     add(prefix + "total_power", CellType::Float, "W", from, [](Report const& r) { return r.totalPower; });
     add(prefix + "dynamic_power", CellType::Float, "W", from, [](Report const& r) { return r.dynamicPower; });
     add(prefix + "static_power", CellType::Float, "W", from, [](Report const& r) { return r.staticPower; });
@@ -112,6 +118,11 @@ void DesignOutputs::addReportFigures(design::Design const& design, std::vector<s
         add(prefix + "supplies.unregulated_power", CellType::Float, "W", from,
             [](Report const& r) { return r.unregulatedPower; });
     }
+    // The scheme's regulator groups: a group that feeds none of a point's rails reads NaN there.
+    addRows<SupplyGroup>(prefix, from, "group", groups, &SupplyGroup::name, groupsOf,
+                         {{"current", "A", [](SupplyGroup const& g) { return g.current; }},
+                          {"power", "W", [](SupplyGroup const& g) { return g.power; }},
+                          {"powerup_current", "A", [](SupplyGroup const& g) { return g.powerupCurrent; }}});
 
     // The budget: each limited figure as it is held against its limit, its headroom (negative past the
     // limit) and the verdict, 1 when any figure exceeds its limit.

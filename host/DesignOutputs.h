@@ -29,8 +29,10 @@ struct DesignOutput {
 
 class DesignOutputs {
 public:
-    // `rails`: every rail the design uses, in the engine's order.
-    DesignOutputs(design::Design const& design, std::vector<std::string> const& rails);
+    // `rails`: every rail the design uses, in the engine's order; `groups`: the regulator groups of the
+    // design's scheme that feed them, as an estimate of the file reports them.
+    DesignOutputs(design::Design const& design, std::vector<std::string> const& rails,
+                  std::vector<std::string> const& groups);
 
     std::vector<Quantity> const& quantities() const { return m_quantities; }
     // What a sweep keeps when no output is asked for: the point's totals.
@@ -42,7 +44,7 @@ private:
              std::function<double(design::Report const&)> read);
     // The figures every report of the design has, each name after `prefix`.
     void addReportFigures(design::Design const& design, std::vector<std::string> const& rails,
-                          std::string const& prefix, ReportOf from);
+                          std::vector<std::string> const& groups, std::string const& prefix, ReportOf from);
     // One output per named row and figure: `prefix` + KIND.NAME.FIGURE.
     template <typename Row>
     struct RowFigure {

@@ -256,7 +256,12 @@ void DesignTarget::describe() {
 
     std::vector<std::string> railNames;
     for (auto const& [rail, volts] : rails) railNames.push_back(rail);
-    m_outputs.emplace(m_design, railNames);
+    // The scheme's groups follow from the sheet's cells and the rails in use: one estimate names them.
+    if (m_design.supplies) {
+        design::Report const report = guarded([&] { return design::Estimator(m_design).estimate(); });
+        for (design::SupplyGroup const& group : report.supplyGroups) m_groups.push_back(group.name);
+    }
+    m_outputs.emplace(m_design, railNames, m_groups);
 }
 
 // `load.NAME.FIGURE` that is no variable: an unknown load, or a figure the file does not give it as.
@@ -352,6 +357,11 @@ std::string DesignTarget::outputsHint() const {
     if (!m_design.regulators.empty())
         hint += ", regulator.NAME.{load,margin,loss,input_power,powerup_current} (regulators: " +
                 names(m_design.regulators) + "), supplies.{input_power,unregulated_power}";
+    if (!m_groups.empty()) {
+        std::string groups;
+        for (std::string const& group : m_groups) groups += (groups.empty() ? "" : ", ") + group;
+        hint += ", group.NAME.{current,power,powerup_current} (groups: " + groups + ")";
+    }
     if (!m_design.budget.empty()) {
         std::string limited = m_design.budget.totalPower ? "budget.total_power" : "";
         for (auto const& entry : m_design.budget.railCurrents)

@@ -52,6 +52,7 @@ private:
 
     design::Design m_design;
     std::vector<Quantity> m_variables;
+    std::vector<std::string> m_groups;  // the regulator groups of the design's scheme that feed its rails
     std::optional<DesignOutputs> m_outputs;
     std::map<std::string, Setting> m_settings;
 };

@@ -6,6 +6,7 @@
 
 #include <prsm/design/Design.h>
 #include <prsm/host/DesignTarget.h>
+#include <prsm/host/HostError.h>
 #include <prsm/host/Sweep.h>
 
 #include <gtest/gtest.h>
@@ -105,6 +106,48 @@ TEST(DesignSweepSupplies, ALoadGivenAsACurrentFollowsItsRailAndFallsBackToTheFil
                     "load \"fabric\": a load's variable names its figure");
     EXPECT_MENTIONS(supplies.outputsHint(), "(regulators: CORE, AUX)");
     EXPECT_MENTIONS(supplies.outputsHint(), "budget.total_power, budget.rail.VCCINT, each with .headroom");
+}
+
+// A design that names its scheme, at Tj 35 degC: the test data labels each rail after itself, so PL_2
+// carries VCCINT alone (0.6 A leakage + P / 0.8 V), SYSTEM_3 VCCAUX (0.12 + 0.2 = 0.32 A at 1.5 V) and
+// PL_1F VCCO12 (0.5 A).
+TEST(DesignSweepSupplies, GroupFiguresFollowTheSweptLoadByHand) {
+    DesignTarget const grouped(design::parseDesign(
+        R"({"schema_version": 1, "device": {"part": "TESTDEV", "family": "FAM_A"},
+            "thermal": {"junction_temperature": 35}, "rails": {"VCCINT": 0.8, "VCCAUX": 1.5, "VCCO12": 1.2},
+            "static": {"model": "TestLeakage"}, "blocks": [],
+            "loads": [{"name": "fabric", "rail": "VCCINT", "power": 0.8, "region": "noc"},
+                      {"name": "aux", "rail": "VCCAUX", "current": 0.2, "region": "noc"},
+                      {"name": "ddr", "rail": "VCCO12", "current": 0.5, "region": "io"}],
+            "supplies": {}})",
+        "grouped.json"));
+    SweepResult const rows = runSweep(
+        grouped, {}, gridPoints({parseValues(*grouped.findVariable("load.fabric.power"), "0.4,1.2")}),
+        selectOutputs(grouped, "group.*,corner.typical.group.PL_2.current"));
+    ASSERT_EQ(rows.rows, 2u);
+    // P 0.4: 0.6 + 0.5 = 1.1 A, 0.88 W; P 1.2: 0.6 + 1.5 = 2.1 A, 1.68 W.
+    double const current[] = {1.1, 2.1};
+    for (std::size_t row = 0; row < 2; ++row) {
+        EXPECT_NEAR(column(rows, "group.PL_2.current", row), current[row], 1e-6) << row;
+        EXPECT_NEAR(column(rows, "group.PL_2.power", row), 0.8 * current[row], 1e-6) << row;
+        // The file is at the typical corner (its rails and junction given): the same current there.
+        EXPECT_NEAR(column(rows, "corner.typical.group.PL_2.current", row), current[row], 1e-6) << row;
+        EXPECT_NEAR(column(rows, "group.SYSTEM_3.current", row), 0.32, 1e-6) << row;
+        EXPECT_NEAR(column(rows, "group.SYSTEM_3.power", row), 0.48, 1e-6) << row;
+        EXPECT_NEAR(column(rows, "group.PL_1F.power", row), 0.6, 1e-6) << row;  // 1.2 V * 0.5 A
+    }
+    // VCCAUX powers up on twice its 0.1 A leakage at 25 degC; the test sheet gives VCCINT none.
+    EXPECT_NEAR(column(rows, "group.SYSTEM_3.powerup_current", 0), 0.2, 1e-6);
+    EXPECT_TRUE(std::isnan(column(rows, "group.PL_2.powerup_current", 0)));
+
+    // A group the scheme does not feed here is no output; the refusal lists those there are.
+    EXPECT_MENTIONS(grouped.outputsHint(), "(groups: PL_1F, PL_2, SYSTEM_3)");
+    try {
+        (void)selectOutputs(grouped, "group.PL_3.current");
+        ADD_FAILURE() << "group.PL_3 accepted";
+    } catch (HostError const& e) {
+        EXPECT_MENTIONS(std::string(e.what()), "(groups: PL_1F, PL_2, SYSTEM_3)");
+    }
 }
 
 // The solved junction u = Tj - 25 = (Ta - 25 + 2 (P_dyn + p25) - 2 s heat) / (1 - 2 s), heat = 2 P_dyn
