@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 namespace prsm::design {
 
@@ -97,7 +98,7 @@ void calculateDecoupling(EstimateState& s) {
         f.steps.clear();
         return;
     }
-    std::vector<double> const steps = loadSteps(s);
+    std::vector<double> steps = loadSteps(s);
     bool const fresh =
         runner.dirty() || f.steps.size() != steps.size() || f.decoupling.size() != rails.size();
     if (fresh) f.decoupling.assign(rails.size(), std::nullopt);
@@ -109,7 +110,7 @@ void calculateDecoupling(EstimateState& s) {
         if (stepped) f.decoupling[r].reset();
         due[r] = !f.decoupling[r] && inRailView(s, rails[r].rail);
     }
-    f.steps = steps;
+    f.steps = std::move(steps);
     if (std::none_of(due.begin(), due.end(), [](bool d) { return d; })) return;
     runner.evaluate(
         s.voltage, s.runners,
