@@ -121,6 +121,9 @@ struct EstimateState {
     std::optional<RailGrouping> grouping;
     SupplyScheme scheme;  // the grouping sheet's answer, read whenever its inputs change
     std::optional<DecouplingCells> decouplingCells;
+    // Per step input of the decoupling sheet, in rail and part order: the aggregates its region draws
+    // on its rail (none for the rest of a rail), picked once as the aggregates are fixed at setup.
+    std::vector<std::vector<std::size_t>> stepAggregates;
     std::vector<std::string> schemeProblems;  // cells the grouping sheet could not evaluate
     std::vector<std::size_t> loadRail, loadRegion, loadTag, loadAggregate;
     std::vector<Aggregate> aggregates;

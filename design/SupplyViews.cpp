@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 namespace prsm::design {
 
@@ -23,6 +24,7 @@ void calculateGrouping(EstimateState& s) {
 // input's region draws (the rest for the part of no region).
 std::vector<double> loadSteps(EstimateState const& s) {
     std::vector<double> steps;
+    std::size_t input = 0;
     for (DecouplingCells::Rail const& rail : s.decouplingCells->rails()) {
         double const volts = s.voltage[rail.rail];
         double const fraction = s.design.decoupling->fractionOf(s.rails[rail.rail]);
@@ -30,16 +32,29 @@ std::vector<double> loadSteps(EstimateState const& s) {
         double inRegions = 0;
         std::vector<double> own(rail.parts.size(), 0.0);
         for (std::size_t p = 0; p < rail.parts.size(); ++p) {
-            if (rail.parts[p].region == DecouplingCells::kNone || volts <= 0) continue;
-            for (EstimateState::Aggregate const& a : s.aggregates)
-                if (a.rail == rail.rail && a.region == rail.parts[p].region) own[p] += a.power / volts;
+            if (volts <= 0) continue;
+            for (std::size_t a : s.stepAggregates[input + p]) own[p] += s.aggregates[a].power / volts;
             inRegions += own[p];
         }
         for (std::size_t p = 0; p < rail.parts.size(); ++p)
             steps.push_back(fraction *
                             (rail.parts[p].region == DecouplingCells::kNone ? dynamic - inRegions : own[p]));
+        input += rail.parts.size();
     }
     return steps;
+}
+
+// The aggregates each step input's region draws on its rail, in loadSteps' order.
+std::vector<std::vector<std::size_t>> stepAggregatesOf(EstimateState const& s) {
+    std::vector<std::vector<std::size_t>> picked;
+    for (DecouplingCells::Rail const& rail : s.decouplingCells->rails())
+        for (DecouplingCells::Part const& part : rail.parts) {
+            std::vector<std::size_t>& own = picked.emplace_back();
+            if (part.region == DecouplingCells::kNone) continue;
+            for (std::size_t a = 0; a < s.aggregates.size(); ++a)
+                if (s.aggregates[a].rail == rail.rail && s.aggregates[a].region == part.region) own.push_back(a);
+        }
+    return picked;
 }
 
 // One rail's load step and counts from an instance whose step inputs are set; a count the sheet cannot
@@ -83,7 +98,7 @@ void calculateDecoupling(EstimateState& s) {
         f.steps.clear();
         return;
     }
-    std::vector<double> const steps = loadSteps(s);
+    std::vector<double> steps = loadSteps(s);
     bool const fresh =
         runner.dirty() || f.steps.size() != steps.size() || f.decoupling.size() != rails.size();
     if (fresh) f.decoupling.assign(rails.size(), std::nullopt);
@@ -95,7 +110,7 @@ void calculateDecoupling(EstimateState& s) {
         if (stepped) f.decoupling[r].reset();
         due[r] = !f.decoupling[r] && inRailView(s, rails[r].rail);
     }
-    f.steps = steps;
+    f.steps = std::move(steps);
     if (std::none_of(due.begin(), due.end(), [](bool d) { return d; })) return;
     runner.evaluate(
         s.voltage, s.runners,
@@ -128,8 +143,10 @@ void setupSupplyViews(EstimateState& s) {
         s.grouping.emplace(s.runners[s.suppliesRunner].sheet());
         calculateGrouping(s);
     }
-    if (s.decouplingRunner != kNoIndex)
+    if (s.decouplingRunner != kNoIndex) {
         s.decouplingCells.emplace(s.runners[s.decouplingRunner].sheet(), s.rails);
+        s.stepAggregates = stepAggregatesOf(s);
+    }
     for (auto const& entry : s.design.budget.supplyCurrents) {
         std::string const& name = entry.first;
         bool const regulator = std::any_of(s.design.regulators.begin(), s.design.regulators.end(),
@@ -171,11 +188,10 @@ void describeSupplyViews(EstimateState const& s, Report& out) {
         SheetRunner const& runner = s.runners[s.decouplingRunner];
         out.decouplingModel = runner.given().model;
         std::vector<std::string> problems;
-        for (std::optional<EstimateState::DecouplingLine> const& line : s.figures.decoupling) {
-            bool const shown =
-                line && std::any_of(out.rails.begin(), out.rails.end(),
-                                    [&](RailResult const& r) { return r.rail == line->counts.rail; });
-            if (!shown) continue;  // not evaluated, or no longer in the rail view
+        std::vector<DecouplingCells::Rail> const& rails = s.decouplingCells->rails();
+        for (std::size_t r = 0; r < s.figures.decoupling.size(); ++r) {
+            std::optional<EstimateState::DecouplingLine> const& line = s.figures.decoupling[r];
+            if (!line || !inRailView(s, rails[r].rail)) continue;  // not evaluated, or no longer in the view
             out.decoupling.push_back(line->counts);
             problems.insert(problems.end(), line->problems.begin(), line->problems.end());
         }
