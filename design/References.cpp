@@ -2,7 +2,6 @@
 #include <prsm/framework/PRSMReservedValues.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <functional>
 
 namespace prsm::design {
@@ -148,7 +147,7 @@ double calculatedNumber(Sheet const& sheet, SheetInstance& instance, std::size_t
     CellInfo const& info = sheet.cells()[cell];
     double const value = instance.storedNumber(cell);
     bool const notSet = info.type == CellType::Int ? value == kIntNotSet : value >= kFloatNotSet;
-    return notSet ? std::strtod(instance.evaluate(info.name).c_str(), nullptr) : value;
+    return notSet ? instance.evaluateNumber(cell) : value;
 }
 
 std::vector<std::size_t> calculationOrder(std::vector<std::vector<Link>> const& links) {

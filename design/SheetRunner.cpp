@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <stdexcept>
 
 namespace prsm::design {
@@ -87,8 +86,7 @@ void SheetRunner::fail(std::string why) {
 
 double SheetRunner::number(std::size_t cell) const {
     double value = m_instance->storedNumber(cell);
-    if (value >= kFloatNotSet)  // not computed by calculate(): evaluate it by name
-        value = std::strtod(m_instance->evaluate(m_sheet->cells()[cell].name).c_str(), nullptr);
+    if (value >= kFloatNotSet) value = m_instance->evaluateNumber(cell);  // not computed by calculate()
     return value;
 }
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <utility>
 
 namespace prsm::design {
@@ -64,18 +63,18 @@ EstimateState::DecouplingLine countsOf(SheetRunner const& runner, SheetInstance&
                                        std::vector<std::string> const& railNames) {
     EstimateState::DecouplingLine line;
     line.counts.rail = railNames[rail.rail];
+    line.counts.capacitors.reserve(rail.counts.size());
     for (std::size_t p = 0; p < rail.parts.size(); ++p) {
         line.counts.stepCurrent += steps[p];
         if (!rail.parts[p].name.empty()) line.counts.stepParts.emplace_back(rail.parts[p].name, steps[p]);
     }
     for (auto const& count : rail.counts) {  // a lambda below: no structured binding
-        std::string const& name = runner.sheet().cells()[count.second].name;
-        std::string text;
+        double value = std::nan("");
         instance.setNumber(count.second, prsm::kFloatNotSet);  // the counts are the sheet's only figures
-        if (std::string failure = failureOf([&] { text = instance.evaluate(name); }); !failure.empty())
-            line.problems.push_back(name + ": " + failure);
-        line.counts.capacitors.push_back(
-            {count.first, text.empty() ? std::nan("") : std::strtod(text.c_str(), nullptr)});
+        if (std::string failure = failureOf([&] { value = instance.evaluateNumber(count.second); });
+            !failure.empty())
+            line.problems.push_back(runner.sheet().cells()[count.second].name + ": " + failure);
+        line.counts.capacitors.push_back({count.first, value});
     }
     return line;
 }
@@ -170,7 +169,6 @@ void calculateSupplyViews(EstimateState& s) {
 
 void describeSupplyViews(EstimateState const& s, Report& out) {
     out.supplyGroups.clear();
-    out.decoupling.clear();
     auto warnings = [&](SheetRunner const& runner, std::vector<std::string> const& problems) {
         std::string const& role = runner.given().name;
         if (!runner.error().empty()) out.warnings.push_back({role, "", "not calculated: " + runner.error()});
@@ -184,17 +182,25 @@ void describeSupplyViews(EstimateState const& s, Report& out) {
         warnings(runner, s.schemeProblems);
         groupSupplies(s.scheme, out);
     }
-    if (s.decouplingRunner != kNoIndex) {
+    if (s.decouplingRunner == kNoIndex) {
+        out.decoupling.clear();
+    } else {
         SheetRunner const& runner = s.runners[s.decouplingRunner];
         out.decouplingModel = runner.given().model;
         std::vector<std::string> problems;
         std::vector<DecouplingCells::Rail> const& rails = s.decouplingCells->rails();
+        std::size_t shown = 0;
         for (std::size_t r = 0; r < s.figures.decoupling.size(); ++r) {
             std::optional<EstimateState::DecouplingLine> const& line = s.figures.decoupling[r];
             if (!line || !inRailView(s, rails[r].rail)) continue;  // not evaluated, or no longer in the view
-            out.decoupling.push_back(line->counts);
+            if (shown < out.decoupling.size())  // into the last report's rail: its storage is reused
+                out.decoupling[shown] = line->counts;
+            else
+                out.decoupling.push_back(line->counts);
+            ++shown;
             problems.insert(problems.end(), line->problems.begin(), line->problems.end());
         }
+        out.decoupling.resize(shown);
         warnings(runner, problems);
     }
 }

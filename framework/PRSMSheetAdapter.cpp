@@ -5,6 +5,7 @@
 #include <libconfig.h++>
 
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 
 namespace prsm {
@@ -32,11 +33,29 @@ float parseFloatCell(std::string const& name, std::string const& text) {
     return value;
 }
 
-// Nine significant digits: the text reads back as the same float.
+namespace {
+
+constexpr int kFloatDigits = 9;  // significant digits enough for the text to read back as the same float
+
+// Writes "%.9g" of the value into `text` (to_chars gives printf's text, far faster); returns its end.
+char* writeFloatCell(float value, char (&text)[32]) {
+    return std::to_chars(text, text + sizeof text, static_cast<double>(value), std::chars_format::general,
+                         kFloatDigits)
+        .ptr;
+}
+
+}  // namespace
+
 std::string formatFloatCell(float value) {
     char text[32];
-    std::snprintf(text, sizeof text, "%.9g", static_cast<double>(value));
-    return text;
+    return std::string(text, writeFloatCell(value, text));
+}
+
+double floatCellNumber(float value) {
+    char text[32];
+    double number = 0;
+    std::from_chars(text, writeFloatCell(value, text), number);  // correctly rounded, as strtod
+    return number;
 }
 
 std::string_view keyPart(std::string_view key, std::size_t position) {

@@ -22,6 +22,8 @@ namespace prsm {
 int parseIntCell(std::string const& name, std::string const& text);
 float parseFloatCell(std::string const& name, std::string const& text);
 std::string formatFloatCell(float value);
+// The number formatFloatCell's text reads back as: the double nearest to `value`'s nine significant digits.
+double floatCellNumber(float value);
 [[noreturn]] void throwUnknownCell(std::string const& sheet, std::string const& name);
 // Call inside a catch block: a data file that could not be found, read or parsed becomes DataFileError
 // naming the file; anything else is rethrown as it is.
@@ -170,6 +172,14 @@ private:
             if (slot.type == CellType::Float)
                 return m_params[static_cast<typename Params::FloatEnum>(slot.index)];
             return 0.0;
+        }
+        double evaluateNumber(std::size_t cell) override {
+            Slot const slot = m_sheet.slots().at(cell);
+            if (slot.type == CellType::String) return 0.0;
+            Model const& model = Model::getGlobal();
+            std::string const& name = m_sheet.m_cells[cell].name;
+            if (slot.type == CellType::Int) return model.intDispatchTable(m_params, loadedData(), name);
+            return floatCellNumber(model.floatDispatchTable(m_params, loadedData(), name));
         }
         void setNumber(std::size_t cell, double value) override {
             Slot const slot = m_sheet.slots().at(cell);

@@ -199,6 +199,9 @@ TEST(DesignGroups, DecouplingCountsFollowTheRailsLoadSteps) {
     RailDecoupling const& aux = report.decoupling[1];
     EXPECT_NEAR(aux.stepCurrent, 0.2, 1e-6);
     EXPECT_NEAR(count(aux, "22uF"), 9.4, 1e-5);
+    // In float, 7 x 0.2f + 8 is 9.39999961853..., the float nearest 9.4; the count is its nine
+    // significant digits, as its text reads: 9.39999962, not the float widened.
+    EXPECT_EQ(count(aux, "22uF"), 9.39999962);
     EXPECT_NEAR(count(aux, "330uF"), 0.35, 1e-5);
     EXPECT_EQ(wholeCapacitors(count(aux, "0p1uF")), 3.0);
     EXPECT_MENTIONS(toCsv(report), "decoupling,330uF,VCCAUX,whole_count,1,count");

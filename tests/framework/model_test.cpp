@@ -6,6 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
 
 namespace {
 
@@ -106,6 +109,36 @@ TEST(Model, RegistryDrivesTheSheetByName) {
     EXPECT_EQ(instance->evaluate("GET_MAX_RATE"), "1");
     EXPECT_EQ(instance->isValid("COUNT"), 1);
     EXPECT_EQ(instance->validValues("MODE"), "FAST,SLOW");
+}
+
+// By position, a number cell is evaluated as the figure its text reads back as: a float's nine significant
+// digits, not the float widened (0.1f is 0.100000001490116..., its text 0.100000001).
+TEST(Model, NumbersEvaluateByPositionAsTheirTextReads) {
+    prsm::Sheet const& sheet = *prsm::SheetRegistry::instance().find("TestSampler");
+    auto position = [&](std::string const& name) {
+        return static_cast<std::size_t>(sheet.findCell(name) - sheet.cells().data());
+    };
+    auto instance = sheet.create();
+    instance->set("RATE", "0.1");
+    instance->set("COUNT", "3");
+    // LANE_A_LOAD defaults to RATE, 0.1f; SCALE to 2 x RATE, 0.2f = 0.200000002980..., text 0.200000003.
+    EXPECT_EQ(instance->evaluateNumber(position("LANE_A_LOAD")), 0.100000001);
+    EXPECT_NE(instance->evaluateNumber(position("LANE_A_LOAD")), static_cast<double>(0.1f));
+    EXPECT_EQ(instance->evaluateNumber(position("SCALE")), 0.200000003);
+    EXPECT_EQ(instance->evaluateNumber(position("COUNT_OUT")), 6.0);  // 2 x 3, an int exactly
+    EXPECT_EQ(instance->evaluateNumber(position("LABEL")), 0.0);      // text is no number
+    instance->set("RATE", "1e-7");  // 1.00000001168...e-07: the text in exponent form, 1.00000001e-07
+    EXPECT_EQ(instance->evaluateNumber(position("RATE")), 1.00000001e-7);
+    EXPECT_THROW(instance->evaluateNumber(sheet.cells().size()), std::out_of_range);
+
+    // Every number cell, evaluated either way on a fresh set, gives the same figure.
+    auto byName = sheet.create();
+    auto byPosition = sheet.create();
+    for (std::size_t c = 0; c < sheet.cells().size(); ++c) {
+        if (sheet.cells()[c].type == prsm::CellType::String) continue;
+        std::string const text = byName->evaluate(sheet.cells()[c].name);
+        EXPECT_EQ(byPosition->evaluateNumber(c), std::strtod(text.c_str(), nullptr)) << sheet.cells()[c].name;
+    }
 }
 
 // Messages name a list input's valid choices; a long list is cut after `shown` of them.

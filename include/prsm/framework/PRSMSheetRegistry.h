@@ -98,6 +98,9 @@ public:
     // included, 0 for a string cell); `setNumber` writes an int (truncated) or float cell.
     virtual double storedNumber(std::size_t cell) const = 0;
     virtual void setNumber(std::size_t cell, double value) = 0;
+    // Evaluates an int or float cell as evaluate() does, as the number its text reads back as: a float's
+    // nine significant digits, not the float widened. 0 for a string cell.
+    virtual double evaluateNumber(std::size_t cell) = 0;
 };
 
 class Sheet {
