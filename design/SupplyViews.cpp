@@ -19,25 +19,32 @@ void calculateGrouping(EstimateState& s) {
     if (runner.validityDue()) runner.checkValidity({});
 }
 
+// What step input `input`'s region draws on its rail (A); nothing for the part of no region.
+double regionCurrent(EstimateState const& s, std::size_t input, double volts) {
+    double current = 0;
+    for (std::size_t a : s.stepAggregates[input]) current += s.aggregates[a].power / volts;
+    return current;
+}
+
 // Each step input's load step: the fraction of its rail's dynamic current, or of the part of it that the
 // input's region draws (the rest for the part of no region).
 std::vector<double> loadSteps(EstimateState const& s) {
     std::vector<double> steps;
+    steps.reserve(s.stepAggregates.size());
     std::size_t input = 0;
     for (DecouplingCells::Rail const& rail : s.decouplingCells->rails()) {
         double const volts = s.voltage[rail.rail];
         double const fraction = s.design.decoupling->fractionOf(s.rails[rail.rail]);
         double const dynamic = volts > 0 ? s.figures.railDynamic[rail.rail] / volts : 0.0;
         double inRegions = 0;
-        std::vector<double> own(rail.parts.size(), 0.0);
+        if (volts > 0)
+            for (std::size_t p = 0; p < rail.parts.size(); ++p)
+                inRegions += regionCurrent(s, input + p, volts);
         for (std::size_t p = 0; p < rail.parts.size(); ++p) {
-            if (volts <= 0) continue;
-            for (std::size_t a : s.stepAggregates[input + p]) own[p] += s.aggregates[a].power / volts;
-            inRegions += own[p];
+            bool const rest = rail.parts[p].region == DecouplingCells::kNone;
+            double const own = volts > 0 ? regionCurrent(s, input + p, volts) : 0.0;
+            steps.push_back(fraction * (rest ? dynamic - inRegions : own));
         }
-        for (std::size_t p = 0; p < rail.parts.size(); ++p)
-            steps.push_back(fraction *
-                            (rail.parts[p].region == DecouplingCells::kNone ? dynamic - inRegions : own[p]));
         input += rail.parts.size();
     }
     return steps;
