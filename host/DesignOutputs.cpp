@@ -1,7 +1,9 @@
 #include <prsm/design/Budget.h>
 #include <prsm/design/Rails.h>
+#include <prsm/design/SupplyFormat.h>
 #include <prsm/host/DesignOutputs.h>
 
+#include <cmath>
 #include <limits>
 
 namespace prsm::host {
@@ -23,12 +25,27 @@ std::vector<design::SupplyGroup> const& groupsOf(design::Report const& r) {
     return r.supplyGroups;
 }
 
-// The budget line of `rail` ("" for the total power) at this report.
+// The budget line of `rail` or `supply` (both "" for the total power) at this report.
 design::BudgetLine budgetLine(design::Budget const& budget, design::Report const& report,
-                              std::string const& rail) {
+                              std::string const& rail, std::string const& supply) {
     for (design::BudgetLine const& line : design::checkBudget(budget, report))
-        if (line.rail == rail) return line;
-    return {rail, kMissing, kMissing, false};
+        if (line.rail == rail && line.supply == supply) return line;
+    return {rail, kMissing, kMissing, false, supply};
+}
+
+// The counts of `rail` at this report; none where the sheet did not count for it at this point.
+design::RailDecoupling const* decouplingOf(design::Report const& report, std::string const& rail) {
+    for (design::RailDecoupling const& counted : report.decoupling)
+        if (counted.rail == rail) return &counted;
+    return nullptr;
+}
+
+// The count of one capacitor value on one rail, as the sheet leaves it; NaN where there is none.
+double capacitorCount(design::Report const& report, std::string const& rail, std::string const& value) {
+    if (design::RailDecoupling const* counted = decouplingOf(report, rail))
+        for (design::CapacitorCount const& c : counted->capacitors)
+            if (c.value == value) return c.count;
+    return kMissing;
 }
 
 }  // namespace
@@ -49,8 +66,9 @@ void DesignOutputs::addRows(std::string const& prefix, ReportOf from, std::strin
 }
 
 DesignOutputs::DesignOutputs(design::Design const& design, std::vector<std::string> const& rails,
-                             std::vector<std::string> const& groups) {
-    addReportFigures(design, rails, groups, "", ReportOf::Point);
+                             std::vector<std::string> const& groups,
+                             std::vector<design::RailDecoupling> const& decoupling) {
+    addReportFigures(design, rails, groups, decoupling, "", ReportOf::Point);
     add("thermal_iterations", CellType::Int, "count", ReportOf::Point,
         [](design::Report const& r) { return static_cast<double>(r.thermal.iterations); });
     if (design.board)
@@ -65,8 +83,8 @@ DesignOutputs::DesignOutputs(design::Design const& design, std::vector<std::stri
         add("load." + design.loads[i].name + ".power", CellType::Float, "W", ReportOf::Point,
             [at](design::Report const& r) { return r.blocks.at(at).power; });
     }
-    addReportFigures(design, rails, groups, "corner.typical.", ReportOf::TypicalCorner);
-    addReportFigures(design, rails, groups, "corner.worst.", ReportOf::WorstCorner);
+    addReportFigures(design, rails, groups, decoupling, "corner.typical.", ReportOf::TypicalCorner);
+    addReportFigures(design, rails, groups, decoupling, "corner.worst.", ReportOf::WorstCorner);
 }
 
 void DesignOutputs::add(std::string const& name, CellType type, std::string const& unit, ReportOf from,
@@ -76,8 +94,9 @@ void DesignOutputs::add(std::string const& name, CellType type, std::string cons
 }
 
 void DesignOutputs::addReportFigures(design::Design const& design, std::vector<std::string> const& rails,
-                                     std::vector<std::string> const& groups, std::string const& prefix,
-                                     ReportOf from) {
+                                     std::vector<std::string> const& groups,
+                                     std::vector<design::RailDecoupling> const& decoupling,
+                                     std::string const& prefix, ReportOf from) {
     using design::RailResult;
     using design::RegionResult;
     using design::RegulatorLoad;
@@ -124,22 +143,64 @@ void DesignOutputs::addReportFigures(design::Design const& design, std::vector<s
                           {"power", "W", [](SupplyGroup const& g) { return g.power; }},
                           {"powerup_current", "A", [](SupplyGroup const& g) { return g.powerupCurrent; }}});
 
-    // The budget: each limited figure as it is held against its limit, its headroom (negative past the
-    // limit) and the verdict, 1 when any figure exceeds its limit.
-    if (design.budget.empty()) return;
-    design::Budget const& budget = design.budget;
-    auto limited = [&](std::string const& name, std::string const& rail, char const* unit) {
-        add(prefix + name, CellType::Float, unit, from,
-            [budget, rail](Report const& r) { return budgetLine(budget, r, rail).value; });
-        add(prefix + name + ".headroom", CellType::Float, unit, from, [budget, rail](Report const& r) {
-            design::BudgetLine const line = budgetLine(budget, r, rail);
-            return line.limit - line.value;
+    addDecoupling(prefix, from, decoupling);
+    addBudget(design.budget, prefix, from);
+}
+
+void DesignOutputs::addDecoupling(std::string const& prefix, ReportOf from,
+                                  std::vector<design::RailDecoupling> const& decoupling) {
+    for (design::RailDecoupling const& counted : decoupling) {
+        std::string const rail = counted.rail;
+        std::string const name = prefix + "decoupling." + rail + ".";
+        add(name + "step_current", CellType::Float, "A", from, [rail](design::Report const& r) {
+            design::RailDecoupling const* at = decouplingOf(r, rail);
+            return at ? at->stepCurrent : kMissing;
         });
+        for (auto const& stepPart : counted.stepParts) {
+            std::string const part = stepPart.first;
+            add(name + part + ".step_current", CellType::Float, "A", from,
+                [rail, part](design::Report const& r) {
+                    if (design::RailDecoupling const* at = decouplingOf(r, rail))
+                        for (auto const& [label, step] : at->stepParts)
+                            if (label == part) return step;
+                    return kMissing;
+                });
+        }
+        for (design::CapacitorCount const& capacitor : counted.capacitors) {
+            std::string const value = capacitor.value;
+            add(name + value + ".count", CellType::Float, "count", from,
+                [rail, value](design::Report const& r) { return capacitorCount(r, rail, value); });
+            // The capacitors to place; NaN where the sheet could not count them, so a float.
+            add(name + value + ".whole_count", CellType::Float, "count", from,
+                [rail, value](design::Report const& r) {
+                    double const count = capacitorCount(r, rail, value);
+                    return std::isnan(count) ? kMissing : design::wholeCapacitors(count);
+                });
+        }
+    }
+}
+
+// Each limited figure as it is held against its limit, its headroom (negative past the limit) and the
+// verdict, 1 when any figure exceeds its limit.
+void DesignOutputs::addBudget(design::Budget const& budget, std::string const& prefix, ReportOf from) {
+    if (budget.empty()) return;
+    auto limited = [&](std::string const& name, std::string const& rail, std::string const& supply,
+                       char const* unit) {
+        add(prefix + name, CellType::Float, unit, from, [budget, rail, supply](design::Report const& r) {
+            return budgetLine(budget, r, rail, supply).value;
+        });
+        add(prefix + name + ".headroom", CellType::Float, unit, from,
+            [budget, rail, supply](design::Report const& r) {
+                design::BudgetLine const line = budgetLine(budget, r, rail, supply);
+                return line.limit - line.value;
+            });
     };
-    if (budget.totalPower) limited("budget.total_power", "", "W");
-    for (auto const& entry : budget.railCurrents) limited("budget.rail." + entry.first, entry.first, "A");
+    if (budget.totalPower) limited("budget.total_power", "", "", "W");
+    for (auto const& entry : budget.railCurrents) limited("budget.rail." + entry.first, entry.first, "", "A");
+    for (auto const& entry : budget.supplyCurrents)
+        limited("budget.supply." + entry.first, "", entry.first, "A");
     // A float, so that a corner without figures reads NaN rather than "within".
-    add(prefix + "budget.exceeded", CellType::Float, "", from, [budget](Report const& r) {
+    add(prefix + "budget.exceeded", CellType::Float, "", from, [budget](design::Report const& r) {
         return design::anyExceeded(design::checkBudget(budget, r)) ? 1.0 : 0.0;
     });
 }

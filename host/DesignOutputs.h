@@ -1,7 +1,8 @@
 #pragma once
-// The figures a design sweep reads from a point: the report's totals, rails, regions, supplies and
-// budget, the same figures of the design's two corners (`corner.typical.` and `corner.worst.` before
-// the name), and the point's own blocks, loads, board and thermal solve. docs/sweeps.md lists them.
+// The figures a design sweep reads from a point: the report's totals, rails, regions, supplies,
+// decoupling counts and budget, the same figures of the design's two corners (`corner.typical.` and
+// `corner.worst.` before the name), and the point's own blocks, loads, board and thermal solve.
+// docs/sweeps.md lists them.
 
 #include <prsm/design/Design.h>
 #include <prsm/design/Estimate.h>
@@ -30,9 +31,11 @@ struct DesignOutput {
 class DesignOutputs {
 public:
     // `rails`: every rail the design uses, in the engine's order; `groups`: the regulator groups of the
-    // design's scheme that feed them, as an estimate of the file reports them.
+    // design's scheme that feed them, and `decoupling`: the rails the decoupling sheet counts for, with
+    // their step parts and capacitor values, both as an estimate of the file reports them.
     DesignOutputs(design::Design const& design, std::vector<std::string> const& rails,
-                  std::vector<std::string> const& groups);
+                  std::vector<std::string> const& groups,
+                  std::vector<design::RailDecoupling> const& decoupling);
 
     std::vector<Quantity> const& quantities() const { return m_quantities; }
     // What a sweep keeps when no output is asked for: the point's totals.
@@ -44,7 +47,14 @@ private:
              std::function<double(design::Report const&)> read);
     // The figures every report of the design has, each name after `prefix`.
     void addReportFigures(design::Design const& design, std::vector<std::string> const& rails,
-                          std::vector<std::string> const& groups, std::string const& prefix, ReportOf from);
+                          std::vector<std::string> const& groups,
+                          std::vector<design::RailDecoupling> const& decoupling, std::string const& prefix,
+                          ReportOf from);
+    // `prefix` + decoupling.RAIL.step_current, .PART.step_current, .VALUE.count and .VALUE.whole_count.
+    void addDecoupling(std::string const& prefix, ReportOf from,
+                       std::vector<design::RailDecoupling> const& decoupling);
+    // `prefix` + budget.*: each limited figure, its headroom and the verdict.
+    void addBudget(design::Budget const& budget, std::string const& prefix, ReportOf from);
     // One output per named row and figure: `prefix` + KIND.NAME.FIGURE.
     template <typename Row>
     struct RowFigure {

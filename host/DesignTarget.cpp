@@ -256,12 +256,14 @@ void DesignTarget::describe() {
 
     std::vector<std::string> railNames;
     for (auto const& [rail, volts] : rails) railNames.push_back(rail);
-    // The scheme's groups follow from the sheet's cells and the rails in use: one estimate names them.
-    if (m_design.supplies) {
+    // The scheme's groups and the rails the decoupling sheet counts for follow from the sheets' cells
+    // and the rails in use, not from the file's keys: one estimate names them.
+    if (m_design.supplies || m_design.decoupling) {
         design::Report const report = guarded([&] { return design::Estimator(m_design).estimate(); });
         for (design::SupplyGroup const& group : report.supplyGroups) m_groups.push_back(group.name);
+        m_decoupling = report.decoupling;
     }
-    m_outputs.emplace(m_design, railNames, m_groups);
+    m_outputs.emplace(m_design, railNames, m_groups, m_decoupling);
 }
 
 // `load.NAME.FIGURE` that is no variable: an unknown load, or a figure the file does not give it as.
@@ -362,13 +364,37 @@ std::string DesignTarget::outputsHint() const {
         for (std::string const& group : m_groups) groups += (groups.empty() ? "" : ", ") + group;
         hint += ", group.NAME.{current,power,powerup_current} (groups: " + groups + ")";
     }
+    if (!m_decoupling.empty()) hint += ", " + decouplingHint();
     if (!m_design.budget.empty()) {
-        std::string limited = m_design.budget.totalPower ? "budget.total_power" : "";
-        for (auto const& entry : m_design.budget.railCurrents)
-            limited += (limited.empty() ? "budget.rail." : ", budget.rail.") + entry.first;
+        design::Budget const& budget = m_design.budget;
+        std::string limited = budget.totalPower ? "budget.total_power" : "";
+        auto list = [&](char const* kind, std::string const& name) {
+            limited += (limited.empty() ? "" : ", ") + std::string(kind) + name;
+        };
+        for (auto const& entry : budget.railCurrents) list("budget.rail.", entry.first);
+        for (auto const& entry : budget.supplyCurrents) list("budget.supply.", entry.first);
         hint += ", " + limited + ", each with .headroom, budget.exceeded";
     }
     return hint + "; and the report's figures at either corner: corner.typical.NAME, corner.worst.NAME";
+}
+
+// decoupling.RAIL.*, with the rails, their step parts and the capacitor values there are.
+std::string DesignTarget::decouplingHint() const {
+    std::string rails, values;
+    std::vector<std::string> seen;
+    for (design::RailDecoupling const& counted : m_decoupling) {
+        std::string parts;
+        for (auto const& part : counted.stepParts) parts += (parts.empty() ? "" : ", ") + part.first;
+        if (!parts.empty()) parts = " (parts: " + parts + ")";
+        rails += (rails.empty() ? "" : ", ") + counted.rail + parts;
+        for (design::CapacitorCount const& capacitor : counted.capacitors) {
+            if (std::find(seen.begin(), seen.end(), capacitor.value) != seen.end()) continue;
+            seen.push_back(capacitor.value);
+            values += (values.empty() ? "" : ", ") + capacitor.value;
+        }
+    }
+    return "decoupling.RAIL.{step_current,PART.step_current,VALUE.count,VALUE.whole_count} (rails: " + rails +
+           "; values: " + values + ")";
 }
 
 std::string DesignTarget::conflict(std::vector<std::string> const& names) const {

@@ -49,10 +49,12 @@ public:
 private:
     void describe();
     std::string notALoadFigure(std::string const& name) const;
+    std::string decouplingHint() const;
 
     design::Design m_design;
     std::vector<Quantity> m_variables;
     std::vector<std::string> m_groups;  // the regulator groups of the design's scheme that feed its rails
+    std::vector<design::RailDecoupling> m_decoupling;  // the rails the decoupling sheet counts for
     std::optional<DesignOutputs> m_outputs;
     std::map<std::string, Setting> m_settings;
 };

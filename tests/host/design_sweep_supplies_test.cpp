@@ -150,6 +150,60 @@ TEST(DesignSweepSupplies, GroupFiguresFollowTheSweptLoadByHand) {
     }
 }
 
+// A design that counts its decoupling and budgets a supply, at Tj 35 degC. The block draws
+// 1000 pF * 0.8^2 V^2 * f = 0.00064 f W (f in MHz) on VCCINT, all of it logic, so that the test sheet
+// takes t = 35 - 2 * P off the junction: VCCINT leaks 0.5 + 0.01 (t - 25) A.
+TEST(DesignSweepSupplies, DecouplingCountsAndASupplysBudgetFollowTheSweptClockByHand) {
+    DesignTarget const decoupled(design::parseDesign(
+        R"({"schema_version": 1, "device": {"part": "TESTDEV", "family": "FAM_A", "package": "PKG_A"},
+            "thermal": {"junction_temperature": 35}, "rails": {"VCCINT": 0.8, "VCCAUX": 1.5},
+            "static": {"model": "TestLeakage"},
+            "blocks": [{"name": "core", "model": "TestLoad", "inputs": {"CAPACITANCE": 1000}}],
+            "supplies": {}, "decoupling": {}, "budget": {"supplies": {"PL_2": 2.0}}})",
+        "decoupled.json"));
+    SweepResult const rows = runSweep(
+        decoupled, {}, gridPoints({parseValues(*decoupled.findVariable("core.CLOCK_FREQ"), "100,1000,2000")}),
+        selectOutputs(decoupled, "decoupling.*,budget.*"));
+    ASSERT_EQ(rows.rows, 3u);
+    //   f     P (W)  dynamic = P / 0.8  t = 35 - 2P  leakage          PL_2 = VCCINT total
+    //   100   0.064  0.08 A             34.872       0.59872 A        0.67872 A
+    //   1000  0.64   0.8 A              33.72        0.5872 A         1.3872 A
+    //   2000  1.28   1.6 A              32.44        0.5744 A         2.1744 A
+    // The whole dynamic current is VCCINT's load step, all of it the logic's part (no AI engines). The
+    // 22 uF count is the AI-engine line at no load, 2 * 0 + 1, plus the logic's line on PKG_A,
+    // 0.5 * step + 1.5: 2.54, 2.9 and 3.3, so 3, 3 and 4 capacitors.
+    double const step[] = {0.08, 0.8, 1.6}, supply[] = {0.67872, 1.3872, 2.1744}, count[] = {2.54, 2.9, 3.3};
+    double const whole[] = {3, 3, 4};
+    for (std::size_t row = 0; row < 3; ++row) {
+        EXPECT_NEAR(column(rows, "decoupling.VCCINT.step_current", row), step[row], 1e-6) << row;
+        EXPECT_NEAR(column(rows, "decoupling.VCCINT.pl.step_current", row), step[row], 1e-6) << row;
+        EXPECT_EQ(column(rows, "decoupling.VCCINT.aie.step_current", row), 0.0) << row;
+        EXPECT_NEAR(column(rows, "decoupling.VCCINT.22uF.count", row), count[row], 1e-5) << row;
+        EXPECT_EQ(column(rows, "decoupling.VCCINT.22uF.whole_count", row), whole[row]) << row;
+        // VCCAUX draws no dynamic current, so no step: 7 * 0 + 8 capacitors of 22 uF at every clock.
+        EXPECT_NEAR(column(rows, "decoupling.VCCAUX.22uF.count", row), 8.0, 1e-5) << row;
+        // The test data has no 0.1 uF row for VCCINT: no count, so no whole count either.
+        EXPECT_TRUE(std::isnan(column(rows, "decoupling.VCCINT.0p1uF.whole_count", row))) << row;
+        // PL_2 carries VCCINT alone; held against its 2 A.
+        EXPECT_NEAR(column(rows, "budget.supply.PL_2", row), supply[row], 1e-5) << row;
+        EXPECT_NEAR(column(rows, "budget.supply.PL_2.headroom", row), 2.0 - supply[row], 1e-5) << row;
+        EXPECT_EQ(column(rows, "budget.exceeded", row), row == 2 ? 1.0 : 0.0) << row;
+    }
+
+    // A rail or a supply that is not there is refused, listing those that are.
+    EXPECT_MENTIONS(decoupled.outputsHint(), "(rails: VCCINT (parts: aie, pl), VCCAUX; values: ");
+    EXPECT_MENTIONS(decoupled.outputsHint(), "budget.supply.PL_2, each with .headroom");
+    for (char const* unknown : {"decoupling.VCCO12.22uF.count", "budget.supply.PL_3"}) {
+        try {
+            (void)selectOutputs(decoupled, unknown);
+            ADD_FAILURE() << unknown << " accepted";
+        } catch (HostError const& e) {
+            EXPECT_MENTIONS(std::string(e.what()), "budget.supply.PL_2");
+            EXPECT_MENTIONS(std::string(e.what()), "(rails: VCCINT (parts: aie, pl), VCCAUX;");
+        }
+    }
+}
+
 // The solved junction u = Tj - 25 = (Ta - 25 + 2 (P_dyn + p25) - 2 s heat) / (1 - 2 s), heat = 2 P_dyn
 // (the test block is logic), and the total P_dyn + p25 + s (Tj - 25 - heat).
 double solvedTotal(double ambient, double dynamic, double p25, double slope) {
