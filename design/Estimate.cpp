@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
+#include <vector>
 
 namespace prsm::design {
 
@@ -506,24 +507,35 @@ bool Estimator::State::staticAt(double junction, double& staticPower) {
 }
 
 // The board after the thermal solve: each current input takes its rail's dynamic plus static current;
-// its total and its regulators' figures read out.
+// its total and its regulators' figures read out. A rail with current that no input takes is listed as
+// not supplied: the module has no regulator for it, and leaving it out silently would hide that.
 void Estimator::State::calculateBoard() {
     SheetRunner& sheet = runners[boardRunner];
     BoardResult result;
     result.model = sheet.given().model;
     auto read = [&](std::size_t cell) { return cell == kNone ? std::nan("") : sheet.number(cell); };
+    auto dynamicCurrent = [&](std::size_t r) {
+        return voltage[r] > 0 ? figures.railDynamic[r] / voltage[r] : 0.0;
+    };
     sheet.calculate(
         voltage, runners,
         [&](SheetInstance& instance) {
+            std::vector<bool> received(rails.size(), false);
             for (auto const& [cell, railName] : board.inputs) {
                 double current = 0;
                 if (auto it = railIndex.find(railName); it != railIndex.end()) {
                     std::size_t const r = it->second;
-                    current = (voltage[r] > 0 ? figures.railDynamic[r] / voltage[r] : 0.0) +
-                              figures.staticCurrent[r];
+                    current = dynamicCurrent(r) + figures.staticCurrent[r];
+                    received[r] = true;
                 }
                 instance.setNumber(cell, current);
                 result.currents.emplace_back(sheet.sheet().cells()[cell].name, current);
+            }
+            for (std::size_t r = 0; r < rails.size(); ++r) {
+                double const current = dynamicCurrent(r) + figures.staticCurrent[r];
+                if (received[r] || !(current > 0)) continue;
+                result.unsupplied.push_back({rails[r], current, dynamicCurrent(r), voltage[r] * current});
+                result.unsuppliedPower += voltage[r] * current;
             }
         },
         [&](SheetInstance&) {

@@ -163,7 +163,8 @@ void describeRegions(State const& s, Report& out) {
 }
 
 // The module board when it was calculated: its figures, a warning for each regulator beyond its rating
-// (unless the sheet declares its own message for the cell) and its own warnings; else why it failed.
+// (unless the sheet declares its own message for the cell), for each rail the blocks draw on that it does
+// not supply, and its own warnings; else why it failed.
 void describeBoard(State const& s, Report& out) {
     if (s.boardRunner == kNoIndex || !out.complete) {
         out.board.reset();
@@ -194,6 +195,18 @@ void describeBoard(State const& s, Report& out) {
                           regulator.label.c_str(), regulator.load, regulator.rating);
             out.warnings.push_back({board.model, "", text});
         }
+    }
+    // A rail the design's blocks draw on that the board does not supply is a design the module cannot
+    // power as it stands. Leakage alone comes with the device whatever the design: it is listed in the
+    // view, not warned about in every design on the board.
+    for (UnsuppliedRail const& rail : board.unsupplied) {
+        if (!(rail.dynamicCurrent > 0)) continue;
+        char figures[64];
+        std::snprintf(figures, sizeof figures, "%.4g A (%.4g W)", rail.current, rail.power);
+        out.warnings.push_back({board.model, "",
+                                "rail " + rail.rail + " draws " + figures + " that board " + board.model +
+                                    " does not supply: no regulator of the module feeds it, so the "
+                                    "module's total leaves it out; the device's total counts it"});
     }
     out.warnings.insert(out.warnings.end(), sheet.warnings().begin(), sheet.warnings().end());
     out.board = board;  // into the last report's board, whose storage it reuses

@@ -136,10 +136,18 @@ std::string toJson(Report const& report) {
                                   {"rating", figure(r.rating)},
                                   {"margin", figure(r.margin)},
                                   {"over_rating", r.margin < 0}});
+        Json unsupplied = Json::array();
+        for (UnsuppliedRail const& r : b.unsupplied)
+            unsupplied.push_back({{"rail", r.rail},
+                                  {"current", r.current},
+                                  {"dynamic_current", r.dynamicCurrent},
+                                  {"power", r.power}});
         out["board"] = {{"model", b.model},
                         {"total_power", figure(b.totalPower)},
                         {"currents", currents},
-                        {"regulators", regulators}};
+                        {"regulators", regulators},
+                        {"unsupplied", unsupplied},
+                        {"unsupplied_power", b.unsuppliedPower}};
     }
     Json warnings = Json::array();
     for (Warning const& w : report.warnings)
@@ -218,7 +226,13 @@ std::string toCsv(Report const& report) {
                   std::tuple{"rating", r.rating, "A"}, std::tuple{"margin", r.margin, "A"}})
                 if (!std::isnan(value)) line("regulator", r.name, r.rail, quantity, csvNumber(value), unit);
         }
+        for (UnsuppliedRail const& r : b.unsupplied) {
+            line("board_unsupplied", r.rail, r.rail, "current", csvNumber(r.current), "A");
+            line("board_unsupplied", r.rail, r.rail, "dynamic_current", csvNumber(r.dynamicCurrent), "A");
+            line("board_unsupplied", r.rail, r.rail, "power", csvNumber(r.power), "W");
+        }
         if (!std::isnan(b.totalPower)) line("board", b.model, "", "total_power", csvNumber(b.totalPower), "W");
+        line("board", b.model, "", "unsupplied_power", csvNumber(b.unsuppliedPower), "W");
     }
     // Supplies.
     for (RailResult const& r : report.rails) {

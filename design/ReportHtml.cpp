@@ -207,6 +207,11 @@ void supplies(std::ostream& out, Report const& report) {
         std::vector<std::vector<Cell>> fed;
         for (auto const& [cell, value] : board.currents) fed.push_back({{cell}, num(value, 4)});
         if (!fed.empty()) out << table({"board input", "current (A)"}, fed);
+        std::vector<std::vector<Cell>> unsupplied;
+        for (UnsuppliedRail const& r : board.unsupplied)
+            unsupplied.push_back({{r.rail}, num(r.current, 4), num(r.power, 4)});
+        if (!unsupplied.empty())
+            out << table({"not supplied by the board", "current (A)", "power (W)"}, unsupplied);
     } else {
         out << "<h2>Supplies</h2>\n";
     }

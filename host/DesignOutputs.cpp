@@ -71,9 +71,12 @@ DesignOutputs::DesignOutputs(design::Design const& design, std::vector<std::stri
     addReportFigures(design, rails, groups, decoupling, "", ReportOf::Point);
     add("thermal_iterations", CellType::Int, "count", ReportOf::Point,
         [](design::Report const& r) { return static_cast<double>(r.thermal.iterations); });
-    if (design.board)
+    if (design.board) {
         add("board.total_power", CellType::Float, "W", ReportOf::Point,
             [](design::Report const& r) { return r.board ? r.board->totalPower : kMissing; });
+        add("board.unsupplied_power", CellType::Float, "W", ReportOf::Point,
+            [](design::Report const& r) { return r.board ? r.board->unsuppliedPower : kMissing; });
+    }
     // Blocks and loads by their place in the report: the blocks in file order, then the loads.
     for (std::size_t i = 0; i < design.blocks.size(); ++i)
         add("block." + design.blocks[i].name + ".power", CellType::Float, "W", ReportOf::Point,

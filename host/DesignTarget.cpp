@@ -355,7 +355,7 @@ std::string DesignTarget::outputsHint() const {
         "a design's outputs are total_power, dynamic_power, static_power, junction_temperature, "
         "thermal_iterations, rail.RAIL.{voltage,dynamic_current,static_current,current,power}, "
         "region.REGION.{dynamic,static,total}, block.NAME.power, load.NAME.power";
-    if (m_design.board) hint += ", board.total_power";
+    if (m_design.board) hint += ", board.{total_power,unsupplied_power}";
     if (!m_design.regulators.empty())
         hint += ", regulator.NAME.{load,margin,loss,input_power,powerup_current} (regulators: " +
                 names(m_design.regulators) + "), supplies.{input_power,unregulated_power}";

@@ -165,6 +165,11 @@ std::string renderEstimateTable(design::Report const& report) {
         for (auto const& [cell, value] : b.currents)
             if (value != 0) fed.push_back({cell, fixed(value, 4)});
         if (!fed.empty()) text << "\n" << formatTable({"board input", "current (A)"}, fed);
+        std::vector<TextRow> unsupplied;
+        for (design::UnsuppliedRail const& r : b.unsupplied)
+            unsupplied.push_back({r.rail, fixed(r.current, 4), fixed(r.power, 4)});
+        if (!unsupplied.empty())
+            text << "\n" << formatTable({"not supplied by the board", "current (A)", "power (W)"}, unsupplied);
     }
 
     text << renderSupplies(report);

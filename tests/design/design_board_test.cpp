@@ -33,6 +33,8 @@ TEST(DesignBoard, RailCurrentsFeedTheRegulatorsByHand) {
     EXPECT_NEAR(boardInput(board, "AUX_CURRENT"), aux, 1e-6);
     EXPECT_EQ(boardInput(board, "IO_CURRENT"), 0.0);
 
+    EXPECT_TRUE(board.unsupplied.empty());  // every rail with current reaches an input
+
     ASSERT_EQ(board.regulators.size(), 3u);
     RegulatorResult const& c = board.regulators[0];
     EXPECT_EQ(c.name, "CORE_REG");
@@ -89,6 +91,44 @@ TEST(DesignBoard, RailCurrentsFeedTheRegulatorsByHand) {
     // The board's own inputs can change; the next update recalculates it: 1.0 W instead of 0.5 W.
     estimator.setInput("board", "OTHER_POWER", "1.0");
     EXPECT_NEAR(estimator.update().board->totalPower, board.totalPower + 0.5, 1e-5);
+}
+
+// A load on VCCPSAUX, which no input of the board takes: 0.25 A at 1.8 V = 0.45 W, no leakage there. It is
+// listed as not supplied and warned about, counts in the device's dynamic power (0.8 W + 0.2 A * 1.5 V +
+// 0.45 W = 1.55 W) and not in the module's total, which stays 3.2733 W as without it.
+TEST(DesignBoard, RailNoInputTakesIsListedNotDropped) {
+    Design design = readDesignFile(std::string(PRSM_TEST_DESIGNDIR) + "/board.json");
+    design.rails.emplace_back("VCCPSAUX", 1.8);
+    Load extra;
+    extra.name = "sensor";
+    extra.rail = "VCCPSAUX";
+    extra.current = 0.25;
+    extra.region = "noc";
+    extra.pointer = "/loads/2";
+    design.loads.push_back(extra);
+    Estimator estimator(std::move(design));
+    Report const& report = estimator.estimate();
+    ASSERT_TRUE(report.complete && report.board) << (report.failures.empty() ? "" : report.failures[0]);
+    BoardResult const& board = *report.board;
+    ASSERT_EQ(board.unsupplied.size(), 1u);
+    UnsuppliedRail const& rail = board.unsupplied[0];
+    EXPECT_EQ(rail.rail, "VCCPSAUX");
+    EXPECT_NEAR(rail.current, 0.25, 1e-9);
+    EXPECT_NEAR(rail.dynamicCurrent, 0.25, 1e-9);
+    EXPECT_NEAR(rail.power, 0.45, 1e-9);
+    EXPECT_NEAR(board.unsuppliedPower, 0.45, 1e-9);
+    EXPECT_NEAR(report.dynamicPower, 1.55, 1e-6);
+    EXPECT_NEAR(board.totalPower, 1.28 + 0.48 + 0.32 + 0.576 + 0.32 * 3.3 / 9 + 0.5, 1e-5);
+    int said = 0;
+    for (Warning const& w : report.warnings)
+        if (w.message.find("VCCPSAUX") != std::string::npos) {
+            ++said;
+            EXPECT_EQ(w.block, "TestBoard");
+            EXPECT_MENTIONS(w.message, "rail VCCPSAUX draws 0.25 A (0.45 W) that board TestBoard does not supply");
+        }
+    EXPECT_EQ(said, 1);
+    EXPECT_MENTIONS(toJson(report), "\"unsupplied_power\": 0.45");
+    EXPECT_MENTIONS(toCsv(report), "board_unsupplied,VCCPSAUX,VCCPSAUX,current,0.25,A");
 }
 
 TEST(DesignBoard, RefusesWhatIsNotABoardDesign) {

@@ -87,11 +87,22 @@ struct RegulatorResult {
     double margin = std::numeric_limits<double>::quiet_NaN();        // A: rating - load, negative over it
 };
 
+// A device rail with current that no input of the board takes: no regulator of the module feeds it. The
+// device's total counts it; the module's total, which sums what the board supplies, does not.
+struct UnsuppliedRail {
+    std::string rail;
+    double current = 0;         // A: the rail's total, dynamic plus leakage
+    double dynamicCurrent = 0;  // A: what the design's blocks and loads draw on it
+    double power = 0;           // W: the rail's voltage times its current
+};
+
 struct BoardResult {
     std::string model;
     double totalPower = 0;                                 // W: the module's total, device included
     std::vector<std::pair<std::string, double>> currents;  // fed input cell -> A
     std::vector<RegulatorResult> regulators;
+    std::vector<UnsuppliedRail> unsupplied;  // in the engine's rail order
+    double unsuppliedPower = 0;              // W: the unsupplied rails' power summed
 };
 
 // A regulator the design declares, loaded with the rails it feeds. A rail whose static current another
