@@ -33,17 +33,6 @@ bool begins(std::string const& shorter, std::string const& longer) {
            !isDigit(longer[shorter.size()]);
 }
 
-std::vector<std::string> splitList(std::string const& text) {
-    std::vector<std::string> items;
-    for (std::size_t pos = 0; pos <= text.size();) {
-        std::size_t comma = text.find(',', pos);
-        if (comma == std::string::npos) comma = text.size();
-        if (comma > pos) items.push_back(text.substr(pos, comma - pos));
-        pos = comma + 1;
-    }
-    return items;
-}
-
 std::string joined(std::vector<std::string> const& items) {
     std::string text;
     for (std::string const& item : items) text += (text.empty() ? "" : ", ") + item;
@@ -51,6 +40,16 @@ std::string joined(std::vector<std::string> const& items) {
 }
 
 }  // namespace
+
+std::vector<std::string> validValueEntries(std::string const& validValues) {
+    std::vector<std::string> entries;
+    for (std::size_t start = 0; start <= validValues.size();) {
+        std::size_t const comma = std::min(validValues.find(',', start), validValues.size());
+        if (comma > start) entries.push_back(validValues.substr(start, comma - start));
+        start = comma + 1;
+    }
+    return entries;
+}
 
 bool isGradeField(std::string const& field) {
     return std::find(std::begin(kGradeFields), std::end(kGradeFields), field) != std::end(kGradeFields);
@@ -107,7 +106,7 @@ std::vector<std::pair<std::string, std::string>> deviceInputs(Device const& devi
         }
         std::vector<std::string> accepted;
         try {
-            accepted = splitList(instance.validValues(cell));
+            accepted = validValueEntries(instance.validValues(cell));
         } catch (PRSMException const&) {  // no data: the sheet's calculation reports it
         } catch (std::exception const&) {
         }
