@@ -157,6 +157,12 @@ REFUSALS = [
     (f'{STATIC}count_feeds = {{ FED = 3 }}  {MARK}', 'design.count_feeds.FED: counts joined with " + "'),
     (f'{STATIC}count_feeds = {{ FED = "luts + flip_flops %" }}  {MARK}', "sums counts of one device"),
     (f'{INT_INPUT}{STATIC}count_feeds = {{ N = "luts %" }}  {MARK}', "a share in percent goes into a float input"),
+    (f'{STATIC}[[families]]\nname = "Rail"\nmembers = ["VCCINT", "FED"]\ncells = ["{{}}"]\n[[families]]\nname = "Block"\n'
+     'members = ["CORE"]\n[[families]]\nname = "RailTerm"\nmembers = ["VCCINT_CORE"]\n'
+     '[rows.Block.columns]\nrail = "Rail"\n[rows.Block.members]\n'
+     f'CORE = {{ rail = "FED" }}  {MARK}\n[rows.RailTerm.columns]\nrail = "Rail"\ncurrent = "float cell"\n'
+     '[rows.RailTerm.members]\nVCCINT_CORE = { rail = "VCCINT", current = "CURRENT" }',
+     "rows.Block.members.CORE: no RailTerm row adds to its rail FED"),
     (f'[design]  {MARK}\nboard_total = "POWER"', "design: a module board names the inputs of the device's currents"),
     (f'{STATIC}board_currents = {{ FED = "VCCINT" }}  {MARK}', "either the static-power sheet or a module board"),
     (f'[design]\nboard_currents = {{}}  {MARK}', "design.board_currents: an empty table"),
