@@ -1,9 +1,9 @@
 #include <prsm/design/Catalogue.h>
 #include <prsm/design/DeviceChecks.h>
-#include <prsm/design/Grades.h>
 #include <prsm/framework/PRSMCommonParamControlData.h>
 #include <prsm/framework/PRSMNumberText.h>
 #include <prsm/framework/PRSMReservedValues.h>
+#include <prsm/framework/PRSMValueList.h>
 
 #include <algorithm>
 #include <cstdio>

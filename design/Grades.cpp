@@ -1,5 +1,6 @@
 #include <prsm/design/Grades.h>
 #include <prsm/framework/PRSMException.h>
+#include <prsm/framework/PRSMValueList.h>
 
 #include <algorithm>
 #include <cctype>
@@ -40,16 +41,6 @@ std::string joined(std::vector<std::string> const& items) {
 }
 
 }  // namespace
-
-std::vector<std::string> validValueEntries(std::string const& validValues) {
-    std::vector<std::string> entries;
-    for (std::size_t start = 0; start <= validValues.size();) {
-        std::size_t const comma = std::min(validValues.find(',', start), validValues.size());
-        if (comma > start) entries.push_back(validValues.substr(start, comma - start));
-        start = comma + 1;
-    }
-    return entries;
-}
 
 bool isGradeField(std::string const& field) {
     return std::find(std::begin(kGradeFields), std::end(kGradeFields), field) != std::end(kGradeFields);

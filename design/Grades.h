@@ -22,9 +22,6 @@ bool isGradeField(std::string const& field);
 // max, min.
 std::vector<std::string> const& voltageCorners();
 
-// The entries of a list input's valid values as a sheet gives them ("1,2,3"), empty ones left out.
-std::vector<std::string> validValueEntries(std::string const& validValues);
-
 // The catalogue's combined grade split into its parts: "-S2M-E" is speed 2, voltage M, temperature E;
 // "-2-E" (an architecture without voltage grades) speed 2 and temperature E. Nullopt when the text is
 // of neither form.
