@@ -3,6 +3,7 @@
 #include <prsm/framework/PRSMCommonParamControlData.h>
 #include <prsm/framework/PRSMNumberText.h>
 #include <prsm/framework/PRSMReservedValues.h>
+#include <prsm/framework/PRSMValueList.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -34,17 +35,6 @@ std::optional<double> evaluated(SheetInstance& instance, std::string const& cell
 bool namesCell(std::string const& bound) {
     DecimalText number;
     return !bound.empty() && !parseDecimalText(bound, number);
-}
-
-std::vector<std::string> splitList(std::string const& text) {
-    std::vector<std::string> items;
-    for (std::size_t start = 0; start <= text.size();) {
-        std::size_t comma = text.find(',', start);
-        if (comma == std::string::npos) comma = text.size();
-        if (comma > start) items.push_back(text.substr(start, comma - start));
-        start = comma + 1;
-    }
-    return items;
 }
 
 std::string volts(double v) {
@@ -138,7 +128,7 @@ std::vector<std::string> voltageGradeMismatches(Sheet const& sheet, CellTexts co
     std::string const grade = chosen->evaluate(gradeInput);
     // Each grade's range per graded rail; none where its cells give no range.
     std::vector<std::pair<std::string, std::vector<std::optional<VoltageRange>>>> ranges;
-    for (std::string const& candidate : splitList(chosen->validValues(gradeInput))) {
+    for (std::string const& candidate : validValueEntries(chosen->validValues(gradeInput))) {
         std::unique_ptr<SheetInstance> const instance = instanceWith(sheet, inputs, gradeInput, candidate);
         std::vector<std::optional<VoltageRange>> perRail;
         for (auto const& [info, v] : graded) {

@@ -1,5 +1,6 @@
 #include <prsm/design/Grades.h>
 #include <prsm/framework/PRSMException.h>
+#include <prsm/framework/PRSMValueList.h>
 
 #include <algorithm>
 #include <cctype>
@@ -31,17 +32,6 @@ bool isDigit(char c) {
 bool begins(std::string const& shorter, std::string const& longer) {
     return shorter.size() < longer.size() && longer.compare(0, shorter.size(), shorter) == 0 &&
            !isDigit(longer[shorter.size()]);
-}
-
-std::vector<std::string> splitList(std::string const& text) {
-    std::vector<std::string> items;
-    for (std::size_t pos = 0; pos <= text.size();) {
-        std::size_t comma = text.find(',', pos);
-        if (comma == std::string::npos) comma = text.size();
-        if (comma > pos) items.push_back(text.substr(pos, comma - pos));
-        pos = comma + 1;
-    }
-    return items;
 }
 
 std::string joined(std::vector<std::string> const& items) {
@@ -107,7 +97,7 @@ std::vector<std::pair<std::string, std::string>> deviceInputs(Device const& devi
         }
         std::vector<std::string> accepted;
         try {
-            accepted = splitList(instance.validValues(cell));
+            accepted = validValueEntries(instance.validValues(cell));
         } catch (PRSMException const&) {  // no data: the sheet's calculation reports it
         } catch (std::exception const&) {
         }

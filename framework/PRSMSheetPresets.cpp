@@ -1,6 +1,6 @@
 #include <prsm/framework/PRSMSheetPresets.h>
+#include <prsm/framework/PRSMValueList.h>
 
-#include <algorithm>
 #include <memory>
 
 namespace prsm {
@@ -28,14 +28,7 @@ Sheet const* findPresetSheet(Sheet const& sheet) {
 }
 
 std::vector<std::string> presetNames(Sheet const& presets) {
-    std::string const list = presets.create()->validValues(kSelector);
-    std::vector<std::string> names;
-    for (std::size_t start = 0; start <= list.size();) {
-        std::size_t const end = std::min(list.find(',', start), list.size());
-        if (end > start) names.push_back(list.substr(start, end - start));
-        start = end + 1;
-    }
-    return names;
+    return validValueEntries(presets.create()->validValues(kSelector));
 }
 
 std::string presetDescription(Sheet const& presets, std::string const& preset) {

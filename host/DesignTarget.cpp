@@ -1,7 +1,7 @@
 #include <prsm/design/Estimate.h>
-#include <prsm/framework/PRSMException.h>
 #include <prsm/host/DesignPoint.h>
 #include <prsm/host/DesignTarget.h>
+#include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Suggest.h>
 
@@ -26,10 +26,8 @@ template <typename Body>
 auto guarded(Body&& body) {
     try {
         return body();
-    } catch (design::DesignError const& e) {
-        throw HostError(kExitBadInput, e.what());
-    } catch (PRSMException const& e) {
-        throw HostError(kExitDataFailure, e.what());
+    } catch (...) {
+        rethrowAsHostError();
     }
 }
 

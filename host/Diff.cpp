@@ -1,7 +1,7 @@
 #include <prsm/design/CsvText.h>
 #include <prsm/design/Diff.h>
-#include <prsm/framework/PRSMException.h>
 #include <prsm/host/Diff.h>
+#include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/TextTable.h>
 
@@ -18,12 +18,8 @@ namespace {
 design::Report estimate(std::string const& path) {
     try {
         return design::estimateFile(path);
-    } catch (design::DesignError const& e) {
-        throw HostError(kExitBadInput, e.what());
-    } catch (PRSMException const& e) {
-        throw HostError(kExitDataFailure, e.what());
-    } catch (std::exception const& e) {
-        throw HostError(kExitDataFailure, e.what());
+    } catch (...) {
+        rethrowAsHostError();
     }
 }
 

@@ -3,9 +3,9 @@
 #include <prsm/design/ReportHtml.h>
 #include <prsm/design/StaticCurve.h>
 #include <prsm/design/ViewFormat.h>
-#include <prsm/framework/PRSMException.h>
 #include <prsm/host/Estimate.h>
 #include <prsm/host/EstimateViews.h>
+#include <prsm/host/Failures.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/SupplyTables.h>
 #include <prsm/host/TextTable.h>
@@ -216,14 +216,8 @@ int runEstimate(Request const& request, std::string const& dataHint, std::ostrea
         if (!request.htmlFile.empty()) writeHtml(report, design, request.htmlFile);
         // A budget must hold at the worst corner when there is one.
         budget = design::checkBudget(limits, corners ? corners->worst : report);
-    } catch (HostError const&) {
-        throw;
-    } catch (design::DesignError const& e) {
-        throw HostError(kExitBadInput, e.what());
-    } catch (PRSMException const& e) {
-        throw HostError(kExitDataFailure, e.what());
-    } catch (std::exception const& e) {
-        throw HostError(kExitDataFailure, e.what());
+    } catch (...) {
+        rethrowAsHostError();
     }
     auto warn = [&err](design::Warning const& w, char const* corner) {
         err << "prsm: warning: " << corner << warningText(w) << "\n";

@@ -1,6 +1,8 @@
+#include <prsm/design/Design.h>
 #include <prsm/framework/PRSMData.h>
 #include <prsm/framework/PRSMException.h>
 #include <prsm/host/Failures.h>
+#include <prsm/host/HostError.h>
 
 #include <libconfig.h++>
 
@@ -29,6 +31,20 @@ std::string describeCurrentException() {
         return e.what();
     } catch (...) {
         return "unknown failure";
+    }
+}
+
+void rethrowAsHostError() {
+    try {
+        throw;
+    } catch (HostError const&) {
+        throw;
+    } catch (design::DesignError const& e) {
+        throw HostError(kExitBadInput, e.what());
+    } catch (PRSMException const& e) {
+        throw HostError(kExitDataFailure, e.what());
+    } catch (std::exception const& e) {
+        throw HostError(kExitDataFailure, e.what());
     }
 }
 

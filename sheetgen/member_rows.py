@@ -69,7 +69,25 @@ def load(doc: dict, sheet: Sheet) -> list[Rows]:
         if missing := [m for m in family.members if m not in values]:
             raise SheetError(f"{where}.members: no row for {', '.join(missing)}")
         loaded.append(Rows(family, columns, values))
+    _check_rail_terms(loaded, sheet)
     return loaded
+
+
+def _check_rail_terms(loaded: list[Rows], sheet: Sheet) -> None:
+    """A static sheet that writes its rails' sums as RailTerm rows gives every leaking block's rail a term:
+    a block on a rail whose sum takes none would leak into no rail's static current. A block reported
+    apart, or summed into a cell of several, sits on a rail that has other terms."""
+    design = getattr(sheet, "design", None)
+    rows = {r.family.name: r for r in loaded}
+    blocks, terms = rows.get("Block"), rows.get("RailTerm")
+    if not (design and design.temperature and blocks and terms) or \
+            not all(any(c.name == "rail" and c.kind == "family" for c in r.columns) for r in (blocks, terms)):
+        return
+    summed = {row["rail"] for row in terms.values.values()}
+    for member, row in blocks.values.items():
+        if row["rail"] not in summed:
+            raise SheetError(f"rows.Block.members.{member}: no RailTerm row adds to its rail {row['rail']}, so "
+                             "its leakage would reach no rail's static current", ("rows", "Block", "members", member))
 
 
 def _column(where: str, name: str, kind, families: dict[str, Family]) -> Column:

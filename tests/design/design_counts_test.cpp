@@ -3,6 +3,7 @@
 #include <prsm/design/Estimate.h>
 #include <prsm/design/ReportFormat.h>
 
+#include "DesignText.h"
 #include "ReportLookup.h"
 
 #include <gtest/gtest.h>
@@ -16,8 +17,6 @@ using namespace prsm::design;
 using prsm::test::held;
 using prsm::test::rail;
 using prsm::test::resource;
-
-#define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
 
 // TestCounts blocks on the catalogued part ZQVC1902 (899840 LUTs, 1799680 flip-flops, 967 block RAMs):
 //   luts:  8 x 22496 LUT_DRAM units         -> 179968 LUTs, 20 % of the device's

@@ -3,6 +3,7 @@
 // cannot disagree), and a sheet of the other architecture is refused.
 #include <prsm/design/Estimate.h>
 
+#include "DesignText.h"
 #include "ReportLookup.h"
 
 #include <gtest/gtest.h>
@@ -13,8 +14,6 @@ namespace {
 
 using namespace prsm::design;
 using prsm::test::boardInput;
-
-#define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
 
 // The smaller module's part, no static sheet (no leakage: the board's currents are the blocks' alone).
 std::string moduleDesign(std::string const& boardInputs) {
@@ -60,15 +59,9 @@ TEST(DesignDravikPs, RailCurrentsAndMemoryTrafficReachTheBoard) {
 
 TEST(DesignDravikPs, ASheetOfTheOtherArchitectureIsRefused) {
     auto refusal = [](std::string const& part, std::string const& model) {
-        std::string const text =
-            R"({"schema_version": 1, "thermal": {"junction_temperature": 25}, "device": {"part": ")" + part +
-            R"("}, "blocks": [{"name": "cpu", "model": ")" + model + R"("}]})";
-        try {
-            Estimator(parseDesign(text, "mixed.json"));
-        } catch (DesignError const& e) {
-            return std::string(e.what());
-        }
-        return std::string();
+        std::string const blocks = R"("blocks": [{"name": "cpu", "model": ")" + model + R"("}])";
+        return prsm::test::designRefusal(prsm::test::testDesign(blocks, 25, R"("part": ")" + part + R"(")"),
+                                         "mixed.json");
     };
     EXPECT_MENTIONS(refusal("ZDM9200", "TalvexPss"),
                     "mixed.json: /blocks/0/model: block \"cpu\": TalvexPss is a TALVEX sheet; the design's "

@@ -2,6 +2,8 @@
 // cell, and nothing is estimated.
 #include <prsm/design/Design.h>
 
+#include "DesignText.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -10,76 +12,67 @@ namespace {
 
 using namespace prsm::design;
 
-// The refusal message of a design text, or "" when it is accepted.
-std::string refusal(std::string const& text) {
-    try {
-        parseDesign(text, "bad.json");
-    } catch (DesignError const& e) {
-        return e.what();
-    }
-    return "";
-}
+using prsm::test::designRefusal;
 
 std::string withBlocks(std::string const& blocks, std::string const& extra = "") {
-    return R"({"schema_version": 1, "device": {"part": "TESTDEV"}, "thermal": {"junction_temperature": 25},)" +
-           extra + R"("blocks": [)" + blocks + "]}";
+    return prsm::test::testDesign(extra + R"("blocks": [)" + blocks + "]");
 }
-
-#define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
 
 TEST(DesignFile, RefusesEachKindOfFault) {
     std::string m;
 
-    m = refusal(withBlocks(R"({"name": "a", "model": "NoSuchSheet"})"));
+    m = designRefusal(withBlocks(R"({"name": "a", "model": "NoSuchSheet"})"));
     EXPECT_MENTIONS(m, "bad.json: /blocks/0/model: block \"a\": unknown model NoSuchSheet");
 
-    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"NOPE": 1}})"));
+    m = designRefusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"NOPE": 1}})"));
     EXPECT_MENTIONS(m, "bad.json: /blocks/0/inputs/NOPE: block \"a\": TestLoad has no cell NOPE");
 
-    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"CORE_POWER": 1}})"));
+    m = designRefusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"CORE_POWER": 1}})"));
     EXPECT_MENTIONS(m, "/blocks/0/inputs/CORE_POWER: block \"a\": cell CORE_POWER is an output");
 
     // Wrong value types: text for a number, a fraction for a whole number, a number for a text.
-    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"CLOCK_FREQ": "fast"}})"));
+    m = designRefusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"CLOCK_FREQ": "fast"}})"));
     EXPECT_MENTIONS(
         m, "/blocks/0/inputs/CLOCK_FREQ: block \"a\": cell CLOCK_FREQ takes a number, found a string");
-    m = refusal(withBlocks(R"({"name": "b", "model": "TestSampler", "inputs": {"COUNT": 2.5}})"));
+    m = designRefusal(withBlocks(R"({"name": "b", "model": "TestSampler", "inputs": {"COUNT": 2.5}})"));
     EXPECT_MENTIONS(m, "/blocks/0/inputs/COUNT: block \"b\": cell COUNT takes a whole number");
-    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"MODE": 3}})"));
+    m = designRefusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"MODE": 3}})"));
     EXPECT_MENTIONS(m, "cell MODE takes a string, found an integer");
 
-    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad"}, {"name": "a", "model": "TestLoad"})"));
+    m = designRefusal(
+        withBlocks(R"({"name": "a", "model": "TestLoad"}, {"name": "a", "model": "TestLoad"})"));
     EXPECT_MENTIONS(m, "/blocks/1/name: block \"a\": the name is used by an earlier block");
 
-    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad"})", R"("description": 7,)"));
+    m = designRefusal(withBlocks(R"({"name": "a", "model": "TestLoad"})", R"("description": 7,)"));
     EXPECT_MENTIONS(m, "bad.json: /description: ");
 
-    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad"})", R"("rails": {"VCCNOPE": 1.0},)"));
+    m = designRefusal(withBlocks(R"({"name": "a", "model": "TestLoad"})", R"("rails": {"VCCNOPE": 1.0},)"));
     EXPECT_MENTIONS(m, "bad.json: /rails/VCCNOPE: unknown rail VCCNOPE");
-    m = refusal(withBlocks("", R"("loads": [{"name": "x", "rail": "VCCQ", "power": 1, "region": "io"}],)"));
+    m = designRefusal(
+        withBlocks("", R"("loads": [{"name": "x", "rail": "VCCQ", "power": 1, "region": "io"}],)"));
     EXPECT_MENTIONS(m, "/loads/0/rail: load \"x\": unknown rail VCCQ");
 
     // A rail voltage is set once for the design, not per block.
-    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"VCCINT": 0.7}})"));
+    m = designRefusal(withBlocks(R"({"name": "a", "model": "TestLoad", "inputs": {"VCCINT": 0.7}})"));
     EXPECT_MENTIONS(m, "cell VCCINT is the voltage of rail VCCINT: set it once under /rails");
 
-    m = refusal(
+    m = designRefusal(
         R"({"schema_version": 7, "device": {"part": "X"}, "thermal": {"junction_temperature": 25}, "blocks": []})");
     EXPECT_MENTIONS(m, "/schema_version: version 7 is not one this build reads");
 
-    m = refusal(
+    m = designRefusal(
         R"({"schema_version": 1, "device": {"part": "X"}, "blocks": [], "thermal": {"theta_ja": 1}})");
     EXPECT_MENTIONS(m, "/thermal: give either junction_temperature, or ambient_temperature and theta_ja");
 
     // Every problem is listed, one line each.
-    m = refusal(withBlocks(
+    m = designRefusal(withBlocks(
         R"({"name": "a", "model": "Nope"}, {"name": "b", "model": "TestLoad", "inputs": {"X": 1}})"));
     EXPECT_MENTIONS(m, "/blocks/0/model");
     EXPECT_MENTIONS(m, "/blocks/1/inputs/X");
 
-    EXPECT_EQ(
-        refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "count": 4, "inputs": {"MODE": "OFF"}})")),
-        "");
+    EXPECT_EQ(designRefusal(
+                  withBlocks(R"({"name": "a", "model": "TestLoad", "count": 4, "inputs": {"MODE": "OFF"}})")),
+              "");
 }
 
 // A block's preset fills the inputs that neither the block nor the design sets. RPU_REALTIME of the
@@ -111,13 +104,14 @@ TEST(DesignFile, APresetFillsTheInputsTheBlockLeaves) {
     EXPECT_EQ(find("VCCPSFP"), nullptr);
     EXPECT_EQ(find("VCCPSLP"), nullptr);
 
-    std::string m = refusal(withBlocks(R"({"name": "a", "model": "TalvexPss", "preset": "LINUX_HEAVVY"})"));
+    std::string m =
+        designRefusal(withBlocks(R"({"name": "a", "model": "TalvexPss", "preset": "LINUX_HEAVVY"})"));
     EXPECT_MENTIONS(m,
                     "bad.json: /blocks/0/preset: block \"a\": TalvexPss has no preset LINUX_HEAVVY (did you "
                     "mean LINUX_HEAVY?); choose one of LINUX_HEAVY, LINUX_IDLE, LINUX_LIGHT, RPU_REALTIME");
-    m = refusal(withBlocks(R"({"name": "a", "model": "TestLoad", "preset": "FAST"})"));
+    m = designRefusal(withBlocks(R"({"name": "a", "model": "TestLoad", "preset": "FAST"})"));
     EXPECT_MENTIONS(m, "bad.json: /blocks/0/preset: block \"a\": TestLoad has no presets");
-    m = refusal(withBlocks(R"({"name": "a", "model": "TalvexPss", "preset": 1})"));
+    m = designRefusal(withBlocks(R"({"name": "a", "model": "TalvexPss", "preset": 1})"));
     EXPECT_MENTIONS(m, "bad.json: /blocks/0/preset: a string expected, found an integer");
 }
 

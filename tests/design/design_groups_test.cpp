@@ -8,6 +8,8 @@
 #include <prsm/design/ReportHtml.h>
 #include <prsm/design/SupplyFormat.h>
 
+#include "DesignText.h"
+
 #include <nlohmann/json.hpp>
 
 #include <gtest/gtest.h>
@@ -19,7 +21,8 @@ namespace {
 
 using namespace prsm::design;
 
-#define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
+using prsm::test::designRefusal;
+using prsm::test::testDesign;
 
 RailResult railOf(std::string name, double volts, double dynamic, double leakage,
                   std::string countedIn = "") {
@@ -92,14 +95,13 @@ TEST(DesignGroups, GroupsCarryTheirRailsAndHeldLeakageOnce) {
 // At Tj = 35 degC: VCCINT 0.8 W / 0.8 V + 0.6 A leakage = 1.6 A, VCCAUX 0.2 A + 0.12 A = 0.32 A,
 // VCCO12 0.5 A (no leakage in the test sheet).
 std::string groupedDesign(std::string const& extra) {
-    return R"({"schema_version": 1, "device": {"part": "TESTDEV", "family": "FAM_A"},
-        "thermal": {"junction_temperature": 35}, "rails": {"VCCINT": 0.8, "VCCAUX": 1.5, "VCCO12": 1.2},
+    std::string const members = R"("rails": {"VCCINT": 0.8, "VCCAUX": 1.5, "VCCO12": 1.2},
         "static": {"model": "TestLeakage"}, "blocks": [],
         "loads": [{"name": "fabric", "rail": "VCCINT", "power": 0.8, "region": "noc"},
                   {"name": "aux", "rail": "VCCAUX", "current": 0.2, "region": "noc"},
                   {"name": "ddr", "rail": "VCCO12", "current": 0.5, "region": "io"}],
-        "supplies": {"model": "TalvexPowerRailGrouping"})" +
-           extra + "}";
+        "supplies": {"model": "TalvexPowerRailGrouping"})";
+    return testDesign(members + extra, 35, R"("part": "TESTDEV", "family": "FAM_A")");
 }
 
 TEST(DesignGroups, TheGroupingSheetGroupsTheDesignsRails) {
@@ -161,15 +163,14 @@ TEST(DesignGroups, TheGroupingSheetGroupsTheDesignsRails) {
 }
 
 TEST(DesignGroups, DecouplingCountsFollowTheRailsLoadSteps) {
-    Estimator estimator(parseDesign(
-        R"({"schema_version": 1, "device": {"part": "TESTDEV", "package": "PKG_A"},
-        "thermal": {"junction_temperature": 35}, "rails": {"VCCINT": 0.8, "VCCAUX": 1.5},
+    Estimator estimator(parseDesign(testDesign(R"("rails": {"VCCINT": 0.8, "VCCAUX": 1.5},
         "static": {"model": "TestLeakage"}, "blocks": [],
         "loads": [{"name": "fabric", "rail": "VCCINT", "power": 0.8, "region": "noc"},
                   {"name": "kernels", "rail": "VCCINT", "power": 0.4, "region": "aie"},
                   {"name": "aux", "rail": "VCCAUX", "current": 0.2, "region": "noc"}],
-        "decoupling": {"step_fraction": 0.5, "rail_step_fractions": {"VCCAUX": 1}}})",
-        "decoupled.json"));
+        "decoupling": {"step_fraction": 0.5, "rail_step_fractions": {"VCCAUX": 1}})",
+                                               35, R"("part": "TESTDEV", "package": "PKG_A")"),
+                                    "decoupled.json"));
     Report const& report = estimator.estimate();
     ASSERT_TRUE(report.complete);
     EXPECT_EQ(report.decouplingModel, "TalvexDecouplingCapXq");  // the sheet that offers PKG_A
@@ -221,42 +222,34 @@ TEST(DesignGroups, DecouplingCountsFollowTheRailsLoadSteps) {
 }
 
 TEST(DesignGroups, RefusesBadSupplyViewsWithTheirPointer) {
-    auto refusal = [](std::string const& text) {
-        try {
-            Estimator estimator(parseDesign(text, "bad.json"));
-        } catch (DesignError const& e) {
-            return std::string(e.what());
-        }
-        return std::string();
-    };
     EXPECT_MENTIONS(
-        refusal(groupedDesign(R"(, "budget": {"supplies": {"PL_9": 1}})")),
+        designRefusal(groupedDesign(R"(, "budget": {"supplies": {"PL_9": 1}})")),
         "bad.json: /budget/supplies/PL_9: PL_9 is neither a declared regulator nor a regulator group");
     // A group of the sheet that this scheme leaves blank is not one of the design's.
-    EXPECT_MENTIONS(refusal(groupedDesign(R"(, "budget": {"supplies": {"MIN_RAILS_3": 1}})")),
+    EXPECT_MENTIONS(designRefusal(groupedDesign(R"(, "budget": {"supplies": {"MIN_RAILS_3": 1}})")),
                     "/budget/supplies/MIN_RAILS_3");
-    std::string const base = R"({"schema_version": 1, "device": {"part": "TESTDEV"},
-        "thermal": {"junction_temperature": 35}, "blocks": [], )";
-    EXPECT_MENTIONS(refusal(base + R"("supplies": {"model": "TestLoad"}})"),
+    auto base = [](std::string const& view) { return testDesign(R"("blocks": [], )" + view); };
+    EXPECT_MENTIONS(designRefusal(base(R"("supplies": {"model": "TestLoad"})")),
                     "/supplies/model: block \"supplies\": TestLoad is not a rail-grouping sheet");
-    EXPECT_MENTIONS(refusal(base + R"("supplies": {"inputs": {"VOLTAGE_GRADE": "L"}}})"),
+    EXPECT_MENTIONS(designRefusal(base(R"("supplies": {"inputs": {"VOLTAGE_GRADE": "L"}})")),
                     "/supplies/inputs/VOLTAGE_GRADE: block \"supplies\": cell VOLTAGE_GRADE is taken from "
                     "/device/voltage_grade");
-    EXPECT_MENTIONS(refusal(base + R"("supplies": {"strategy": "MINIMUM_RAILS"}})"), "/supplies/strategy");
-    EXPECT_MENTIONS(refusal(base + R"("decoupling": {}})"),
+    EXPECT_MENTIONS(designRefusal(base(R"("supplies": {"strategy": "MINIMUM_RAILS"})")),
+                    "/supplies/strategy");
+    EXPECT_MENTIONS(designRefusal(base(R"("decoupling": {})")),
                     "/decoupling: block \"decoupling\": missing \"model\" (no decoupling sheet lists the "
                     "device's package");
     EXPECT_MENTIONS(
-        refusal(base + R"("decoupling": {"model": "TalvexDecouplingCapXq",
-                                                      "inputs": {"VCCAUX_STEP_CURRENT": 1}}})"),
+        designRefusal(base(R"("decoupling": {"model": "TalvexDecouplingCapXq",
+                                                      "inputs": {"VCCAUX_STEP_CURRENT": 1}})")),
         "/decoupling/inputs/VCCAUX_STEP_CURRENT: block \"decoupling\": cell VCCAUX_STEP_CURRENT is "
         "a rail's load step");
     EXPECT_MENTIONS(
-        refusal(base + R"("decoupling": {"model": "TalvexDecouplingCapXq", "step_fraction": -1,
-                                                      "rail_step_fractions": {"VCCNOPE": 1}}})"),
+        designRefusal(base(R"("decoupling": {"model": "TalvexDecouplingCapXq", "step_fraction": -1,
+                                                      "rail_step_fractions": {"VCCNOPE": 1}})")),
         "/decoupling/step_fraction: a load step is a fraction of the dynamic current, not negative");
-    EXPECT_MENTIONS(refusal(base + R"("decoupling": {"model": "TalvexDecouplingCapXq",
-                                                      "rail_step_fractions": {"VCCNOPE": 1}}})"),
+    EXPECT_MENTIONS(designRefusal(base(R"("decoupling": {"model": "TalvexDecouplingCapXq",
+                                                      "rail_step_fractions": {"VCCNOPE": 1}})")),
                     "/decoupling/rail_step_fractions/VCCNOPE: unknown rail VCCNOPE");
 }
 

@@ -3,6 +3,8 @@
 #include <prsm/design/Estimate.h>
 #include <prsm/host/DesignTarget.h>
 
+#include "DesignText.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,21 +14,12 @@ namespace {
 
 using namespace prsm::design;
 
-#define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
-
 std::string designWith(std::string const& blocks) {
-    return R"({"schema_version": 1, "device": {"part": "TESTDEV"}, "thermal": {"junction_temperature": 25},
-               "rails": {"VCCINT": 0.8, "VCCAUX": 1.5}, "blocks": [)" +
-           blocks + "]}";
+    return prsm::test::testDesign(R"("rails": {"VCCINT": 0.8, "VCCAUX": 1.5}, "blocks": [)" + blocks + "]");
 }
 
 std::string refusal(std::string const& blocks) {
-    try {
-        parseDesign(designWith(blocks), "refs.json");
-    } catch (DesignError const& e) {
-        return e.what();
-    }
-    return "";
+    return prsm::test::designRefusal(designWith(blocks), "refs.json");
 }
 
 double blockPower(Report const& report, std::string const& name) {

@@ -5,6 +5,7 @@
 #include <prsm/design/Regulators.h>
 #include <prsm/design/ReportFormat.h>
 
+#include "DesignText.h"
 #include "ReportLookup.h"
 
 #include <gtest/gtest.h>
@@ -16,8 +17,6 @@ namespace {
 
 using namespace prsm::design;
 using prsm::test::rail;
-
-#define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
 
 // At Tj = 35 degC, the loads in the noc region (no logic heating): VCCINT leaks 0.5 + 0.01 * 10 = 0.6 A
 // and carries 0.8 W / 0.8 V = 1.0 A, 1.6 A in all; VCCAUX leaks 0.1 + 0.002 * 10 = 0.12 A and carries
@@ -113,12 +112,7 @@ TEST(DesignSupplies, HeldLeakageIsCountedOnce) {
 
 TEST(DesignSupplies, RefusesBadRegulatorsWithTheirPointer) {
     auto refusal = [](std::string const& regulators) {
-        try {
-            parseDesign(design(regulators), "bad.json");
-        } catch (DesignError const& e) {
-            return std::string(e.what());
-        }
-        return std::string();
+        return prsm::test::designRefusal(design(regulators));
     };
     EXPECT_MENTIONS(refusal(R"([{"name": "R", "rails": ["VCCNOPE"], "rating": 1, "efficiency": 0.9}])"),
                     "bad.json: /regulators/0/rails/0: unknown rail VCCNOPE");

@@ -9,6 +9,8 @@
 #include <prsm/host/HostError.h>
 #include <prsm/host/Sweep.h>
 
+#include "DesignText.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -17,8 +19,6 @@
 
 namespace prsm::host {
 namespace {
-
-#define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
 
 DesignTarget target(char const* file) {
     return DesignTarget(design::readDesignFile(std::string(PRSM_TEST_DESIGNDIR) + "/" + file));

@@ -4,11 +4,11 @@
 #ifdef PRSM_HOST_CORE_LINKED
 
 #include <prsm/design/Estimate.h>
-#include <prsm/host/Commands.h>
 #include <prsm/host/DesignTarget.h>
 #include <prsm/host/HostError.h>
-#include <prsm/host/Request.h>
 #include <prsm/host/Sweep.h>
+
+#include "HostCommand.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -216,32 +216,21 @@ TEST(DesignSweep, ComputedDefaultsFollowTheSweptInputOnTheExample) {
               f(report["totals"]["total_power"].get<double>()));
 }
 
-int runCommand(std::vector<char const*> args, std::string& out, std::string& err) {
-    args.insert(args.begin(), "prsm");
-    std::ostringstream outStream, errStream;
-    ParsedCommandLine const parsed =
-        parseCommandLine(static_cast<int>(args.size()), args.data(), outStream, errStream);
-    int const code = parsed.request ? runRequest(*parsed.request, {}, outStream, errStream) : parsed.exitCode;
-    out = outStream.str();
-    err = errStream.str();
-    return code;
-}
-
 TEST(DesignSweep, BadVariablesAndOutputsAreRefusedAndAFailingPointIsNamed) {
     std::string const file = testDesign("small.json");
     std::string out, err;
-    EXPECT_EQ(runCommand({"sweep", file.c_str(), "slow.CLOCK_FREQ=50:100:50", "--csv", "--outputs",
-                          "total_power,block.slow.power"},
-                         out, err),
+    EXPECT_EQ(runCommandLine({"sweep", file.c_str(), "slow.CLOCK_FREQ=50:100:50", "--csv", "--outputs",
+                              "total_power,block.slow.power"},
+                             out, err),
               0)
         << err;
     EXPECT_EQ(out.substr(0, out.find('\n')), "slow.CLOCK_FREQ,total_power,block.slow.power");
     EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 3);
 
-    EXPECT_EQ(runCommand({"sweep", file.c_str(), "slow.CLOCK_FREQQ=1,2", "slow.CORE_POWER=1",
-                          "core.VCCINT=0.7", "rail.VCCX=1,2", "nothing=1", "junction_temperature=50",
-                          "ambient_temperature=20,30", "--outputs", "total_power,rail.*.nope"},
-                         out, err),
+    EXPECT_EQ(runCommandLine({"sweep", file.c_str(), "slow.CLOCK_FREQQ=1,2", "slow.CORE_POWER=1",
+                              "core.VCCINT=0.7", "rail.VCCX=1,2", "nothing=1", "junction_temperature=50",
+                              "ambient_temperature=20,30", "--outputs", "total_power,rail.*.nope"},
+                             out, err),
               2);
     EXPECT_EQ(out, "");
     for (char const* expected : {
@@ -258,7 +247,7 @@ TEST(DesignSweep, BadVariablesAndOutputsAreRefusedAndAFailingPointIsNamed) {
         EXPECT_NE(err.find(expected), std::string::npos) << expected << "\n" << err;
 
     // MODE=BROKEN makes the test block throw: the point is named, nothing is printed.
-    EXPECT_EQ(runCommand({"sweep", file.c_str(), "slow.MODE=ON,BROKEN", "--json"}, out, err), 3);
+    EXPECT_EQ(runCommandLine({"sweep", file.c_str(), "slow.MODE=ON,BROKEN", "--json"}, out, err), 3);
     EXPECT_EQ(out, "");
     EXPECT_NE(err.find("no characterisation for mode BROKEN"), std::string::npos) << err;
     EXPECT_NE(err.find("failed at point 2 of 2 (slow.MODE=BROKEN): block \"slow\" (TestLoad): "),
@@ -267,9 +256,9 @@ TEST(DesignSweep, BadVariablesAndOutputsAreRefusedAndAFailingPointIsNamed) {
     // A thermal runaway is a row without figures, not a failure. The test leakage grows by
     // 0.8 V * 0.01 A/K + 1.5 V * 0.002 A/K = 0.011 W/K, so theta_ja 3 degC/W settles (3 * 0.011 < 1) and
     // 200 degC/W cannot (200 * 0.011 = 2.2).
-    EXPECT_EQ(runCommand({"sweep", file.c_str(), "theta_ja=3,200", "--csv", "--outputs",
-                          "total_power,junction_temperature"},
-                         out, err),
+    EXPECT_EQ(runCommandLine({"sweep", file.c_str(), "theta_ja=3,200", "--csv", "--outputs",
+                              "total_power,junction_temperature"},
+                             out, err),
               0)
         << err;
     std::istringstream rows(out);
@@ -284,8 +273,8 @@ TEST(DesignSweep, BadVariablesAndOutputsAreRefusedAndAFailingPointIsNamed) {
     EXPECT_NE(err.find("prsm: warning: theta_ja=200: thermal runaway"), std::string::npos) << err;
 
     // A design file that is refused is refused before anything is swept.
-    EXPECT_EQ(runCommand({"sweep", testDesign("malformed.json").c_str(), "slow.CLOCK_FREQ=1,2"}, out, err),
-              2);
+    EXPECT_EQ(
+        runCommandLine({"sweep", testDesign("malformed.json").c_str(), "slow.CLOCK_FREQ=1,2"}, out, err), 2);
 }
 
 TEST(DesignSweep, DeviceProcessIsAVariableWhoseRowsMatchTheFileAtThatProcess) {
@@ -313,7 +302,7 @@ TEST(DesignSweep, DeviceProcessIsAVariableWhoseRowsMatchTheFileAtThatProcess) {
 
     std::string err, sink;
     std::string const small = testDesign("small.json");
-    EXPECT_NE(runCommand({"sweep", small.c_str(), "device.process=typical,slow"}, sink, err), 0);
+    EXPECT_NE(runCommandLine({"sweep", small.c_str(), "device.process=typical,slow"}, sink, err), 0);
     EXPECT_NE(err.find("device.process: unknown process \"slow\"; one of typical, max"), std::string::npos) << err;
 }
 

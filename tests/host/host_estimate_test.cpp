@@ -2,9 +2,9 @@
 // a refused design and of a design without a steady temperature.
 #ifdef PRSM_HOST_CORE_LINKED
 
-#include <prsm/host/Commands.h>
 #include <prsm/host/HostError.h>
-#include <prsm/host/Request.h>
+
+#include "HostCommand.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,6 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 
 namespace prsm::host {
 namespace {
@@ -25,13 +24,10 @@ struct EstimateRun {
 
 EstimateRun estimate(std::string const& file, std::vector<char const*> flags = {}) {
     std::string const path = std::string(PRSM_TEST_DESIGNDIR) + "/" + file;
-    std::vector<char const*> args{"prsm", "estimate", path.c_str()};
-    args.insert(args.end(), flags.begin(), flags.end());
-    std::ostringstream out, err;
-    ParsedCommandLine const parsed = parseCommandLine(static_cast<int>(args.size()), args.data(), out, err);
-    EXPECT_TRUE(parsed.request);
-    int const code = runRequest(*parsed.request, DataDirChoice{}, out, err);
-    return {code, out.str(), err.str()};
+    flags.insert(flags.begin(), {"estimate", path.c_str()});
+    EstimateRun run;
+    run.code = runCommandLine(flags, run.out, run.err);
+    return run;
 }
 
 TEST(HostEstimate, PrintsTableJsonAndCsv) {
@@ -122,12 +118,9 @@ TEST(HostEstimate, BudgetGatesTheExitStatusAtTheWorstCorner) {
 TEST(HostEstimate, DiffMatchesBlocksByNameAndLeavesOneSidedFiguresEmpty) {
     std::string const a = std::string(PRSM_TEST_DESIGNDIR) + "/small.json";
     std::string const b = std::string(PRSM_TEST_DESIGNDIR) + "/corners.json";
-    std::vector<char const*> args{"prsm", "diff", a.c_str(), b.c_str(), "--json"};
-    std::ostringstream out, err;
-    ParsedCommandLine const parsed = parseCommandLine(static_cast<int>(args.size()), args.data(), out, err);
-    ASSERT_TRUE(parsed.request);
-    ASSERT_EQ(runRequest(*parsed.request, DataDirChoice{}, out, err), kExitOk) << err.str();
-    nlohmann::json const rows = nlohmann::json::parse(out.str())["rows"];
+    std::string out, err;
+    ASSERT_EQ(runCommandLine({"diff", a.c_str(), b.c_str(), "--json"}, out, err), kExitOk) << err;
+    nlohmann::json const rows = nlohmann::json::parse(out)["rows"];
     auto row = [&](std::string const& section, std::string const& name, std::string const& quantity) {
         for (auto const& r : rows)
             if (r["section"] == section && r["name"] == name && r["quantity"] == quantity) return r;

@@ -3,23 +3,21 @@
 #ifdef PRSM_HOST_CORE_LINKED
 
 #include <prsm/host/Calculation.h>
-#include <prsm/host/Commands.h>
 #include <prsm/host/HostError.h>
 #include <prsm/host/Inputs.h>
 #include <prsm/host/OutputPatterns.h>
 #include <prsm/host/Plot.h>
-#include <prsm/host/Request.h>
 #include <prsm/host/Sweep.h>
 #include <prsm/host/SweepCommand.h>
 
 #include <gtest/gtest.h>
 
+#include "HostCommand.h"
 #include "HostFailure.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 
 namespace prsm::host {
 namespace {
@@ -220,36 +218,28 @@ TEST(SweepRun, AStoppedSweepKeepsTheRowsDoneFirst) {
 }
 
 TEST(SweepCommand, PrintsRowsAndWritesThePlotScriptWithoutGnuplot) {
-    auto run = [](std::vector<char const*> args, std::string& out, std::string& err) {
-        args.insert(args.begin(), "prsm");
-        std::ostringstream outStream, errStream;
-        ParsedCommandLine const parsed =
-            parseCommandLine(static_cast<int>(args.size()), args.data(), outStream, errStream);
-        int const code =
-            parsed.request ? runRequest(*parsed.request, {}, outStream, errStream) : parsed.exitCode;
-        out = outStream.str();
-        err = errStream.str();
-        return code;
-    };
     std::string out, err;
     EXPECT_EQ(
-        run({"sweep", "TestSampler", "RATE=0:1:0.5", "MODE=SLOW", "--outputs", "TOTAL", "--csv"}, out, err),
+        runCommandLine({"sweep", "TestSampler", "RATE=0:1:0.5", "MODE=SLOW", "--outputs", "TOTAL", "--csv"},
+                       out, err),
         0);
     // 3 r^2 + 0.25 at r = 0, 0.5, 1.
     EXPECT_EQ(out, "RATE,TOTAL\n0,0.25\n0.5,1\n1,3.25\n");
 
-    EXPECT_EQ(run({"sweep", "TestSampler", "RATE=0:1:0", "TOTAL=1", "--plot", "x.pdf"}, out, err), 2);
+    EXPECT_EQ(runCommandLine({"sweep", "TestSampler", "RATE=0:1:0", "TOTAL=1", "--plot", "x.pdf"}, out, err),
+              2);
     EXPECT_EQ(out, "");
     EXPECT_NE(err.find("prsm: error: the step of RATE=0:1:0 is zero\n"), std::string::npos) << err;
     EXPECT_NE(err.find("prsm: error: TOTAL is an output cell"), std::string::npos);
     EXPECT_NE(err.find("prsm: error: --plot x.pdf: the picture's name ends in .png or .svg"),
               std::string::npos);
-    EXPECT_EQ(run({"sweep", "TestSampler", "RATE=0.5"}, out, err), 2);
+    EXPECT_EQ(runCommandLine({"sweep", "TestSampler", "RATE=0.5"}, out, err), 2);
     EXPECT_NE(err.find("a sweep needs one or two variables"), std::string::npos);
-    EXPECT_EQ(run({"sweep", "TestSampler", "RATE=0:1:1", "COUNT=1,2", "MODE=FAST,SLOW"}, out, err), 2);
+    EXPECT_EQ(runCommandLine({"sweep", "TestSampler", "RATE=0:1:1", "COUNT=1,2", "MODE=FAST,SLOW"}, out, err),
+              2);
     EXPECT_NE(err.find("a sweep takes one or two variables, not 3"), std::string::npos);
 
-    EXPECT_EQ(run({"sweep", "TestSampler", "MODE=FAST,MEDIUM", "--json"}, out, err), 3);
+    EXPECT_EQ(runCommandLine({"sweep", "TestSampler", "MODE=FAST,MEDIUM", "--json"}, out, err), 3);
     EXPECT_EQ(out, "");
     EXPECT_NE(err.find("failed at point 2 of 2 (MODE=MEDIUM)"), std::string::npos);
 
@@ -257,9 +247,9 @@ TEST(SweepCommand, PrintsRowsAndWritesThePlotScriptWithoutGnuplot) {
     std::string const script = testing::TempDir() + "prsm_sweep_plot.gp";
     std::remove(script.c_str());
     ::setenv("PRSM_GNUPLOT", "/nonexistent/gnuplot", 1);
-    EXPECT_EQ(run({"sweep", "TestSampler", "RATE=0:1:0.5", "MODE=FAST,SLOW", "COUNT=4", "--outputs", "TOTAL",
-                   "--plot", picture.c_str(), "--json"},
-                  out, err),
+    EXPECT_EQ(runCommandLine({"sweep", "TestSampler", "RATE=0:1:0.5", "MODE=FAST,SLOW", "COUNT=4",
+                              "--outputs", "TOTAL", "--plot", picture.c_str(), "--json"},
+                             out, err),
               0);
     ::unsetenv("PRSM_GNUPLOT");
     EXPECT_NE(out.find("\"complete\": true"), std::string::npos);

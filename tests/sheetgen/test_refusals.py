@@ -51,6 +51,7 @@ REFUSALS = [
     (f'[units]\nW = "POWER"  {MARK}', "units.W: expected a list of cell name patterns (strings)"),
     (f'[units]\nW = ["*_WATTS"]  {MARK}', "units: pattern *_WATTS matches no cell"),
     (f'[units]\nW = ["WATTS"]  {MARK}', "units: no cell WATTS"),
+    (f'[units]\nW = ["POWER", 3]  {MARK}', "units.W: expected a list of cell name patterns (strings)"),
     (f'[units]\nW = ["POWER"]\nmW = ["POWER"]  {MARK}', "units: cell POWER is given two values, 'W' and 'mW'"),
     (f'[units]\nW = ["P*"]\nmW = ["*R"]  {MARK}', "cell POWER matches *R, P* of equal length with different"),
     # [warnings]
@@ -58,6 +59,8 @@ REFUSALS = [
     (f'[warnings.too_high]  {MARK}\nPOWER = "m"', "warnings: unknown checks ['too_high']"),
     (f'[warnings.below_zero]  {MARK}\nPOWER = 3', "warnings.below_zero: expected a table of cell name"),
     (f'[warnings.below_zero]\nPOWER = "{{power}} is low"  {MARK}', "warnings.below_zero.POWER: unknown field {power}"),
+    (f'[warnings.below_zero]\n"D*" = "m"  {MARK}', "warnings.below_zero: pattern D* matches no number cell"),
+    (f'[warnings.below_zero]\nVCCX = "m"  {MARK}', "warnings.below_zero: no cell VCCX"),
     (f'[warnings.below_zero]\nDEVICE = "m"  {MARK}', "warnings.below_zero: DEVICE is a string cell"),
     (f'[warnings]\noutside = 3  {MARK}', "warnings.outside: expected a table of cell name"),
     (f'[warnings.outside.POWER]  {MARK}\nrange = [0.0, 1.0]', "warnings.outside.POWER: expected { range = [low, high]"),
@@ -157,6 +160,12 @@ REFUSALS = [
     (f'{STATIC}count_feeds = {{ FED = 3 }}  {MARK}', 'design.count_feeds.FED: counts joined with " + "'),
     (f'{STATIC}count_feeds = {{ FED = "luts + flip_flops %" }}  {MARK}', "sums counts of one device"),
     (f'{INT_INPUT}{STATIC}count_feeds = {{ N = "luts %" }}  {MARK}', "a share in percent goes into a float input"),
+    (f'{STATIC}[[families]]\nname = "Rail"\nmembers = ["VCCINT", "FED"]\ncells = ["{{}}"]\n[[families]]\nname = "Block"\n'
+     'members = ["CORE"]\n[[families]]\nname = "RailTerm"\nmembers = ["VCCINT_CORE"]\n'
+     '[rows.Block.columns]\nrail = "Rail"\n[rows.Block.members]\n'
+     f'CORE = {{ rail = "FED" }}  {MARK}\n[rows.RailTerm.columns]\nrail = "Rail"\ncurrent = "float cell"\n'
+     '[rows.RailTerm.members]\nVCCINT_CORE = { rail = "VCCINT", current = "CURRENT" }',
+     "rows.Block.members.CORE: no RailTerm row adds to its rail FED"),
     (f'[design]  {MARK}\nboard_total = "POWER"', "design: a module board names the inputs of the device's currents"),
     (f'{STATIC}board_currents = {{ FED = "VCCINT" }}  {MARK}', "either the static-power sheet or a module board"),
     (f'[design]\nboard_currents = {{}}  {MARK}', "design.board_currents: an empty table"),

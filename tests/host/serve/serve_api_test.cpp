@@ -3,73 +3,34 @@
 // from, a design saved and reopened byte for byte, and file names kept inside the folder.
 #ifdef PRSM_HOST_CORE_LINKED
 
-#include <prsm/host/serve/Api.h>
+#include "ServeFixture.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <vector>
 
-namespace prsm::host::serve {
+namespace prsm::host::serve::test {
 namespace {
 
-namespace fs = std::filesystem;
-using Json = nlohmann::json;
-
-// One TestLoad block at a given junction temperature and no static sheet, so the total is the blocks'
-// dynamic power: CAPACITANCE pF * VCCINT^2 * CLOCK_FREQ MHz on VCCINT, plus AUX_MILLIAMPS on VCCAUX.
-// core: 1000e-12 * 0.8^2 * 100e6 = 0.064 W, and 0.010 A * 1.5 V = 0.015 W: 0.079 W.
-constexpr char kDesign[] = R"({
-  "schema_version": 1,
-  "device": {"part": "TESTDEV", "internal_part": "TESTDEV"},
-  "thermal": {"junction_temperature": 50},
-  "rails": {"VCCINT": 0.8, "VCCAUX": 1.5},
-  "blocks": [
-    {"name": "core", "model": "TestLoad", "inputs": {"CAPACITANCE": 1000, "CLOCK_FREQ": 100, "AUX_MILLIAMPS": 10}}
-  ]
-})";
-
-fs::path scratchFolder() {
-    std::string pattern = (fs::temp_directory_path() / "prsm-serve-XXXXXX").string();
-    return fs::path(mkdtemp(pattern.data()));
-}
-
-struct ApiFixture : ::testing::Test {
-    fs::path folder = scratchFolder();
-    Api api{Workspace(folder), DesignSession(kDesign, "test.json")};
-
-    ~ApiFixture() override { fs::remove_all(folder); }
-
-    Json post(std::string const& path, Json const& body, int status = 200) {
-        ApiResponse const r = api.handle({"POST", path, body.dump()});
-        EXPECT_EQ(r.status, status) << path << " " << r.body;
-        return Json::parse(r.body);
-    }
-    Json get(std::string const& path, int status = 200) {
-        ApiResponse const r = api.handle({"GET", path, ""});
-        EXPECT_EQ(r.status, status) << path << " " << r.body;
-        return Json::parse(r.body);
-    }
-    // The report after setting an input.
-    Json setInput(std::string const& block, std::string const& cell, Json const& value) {
-        Json answer = post("/api/input", {{"block", block}, {"cell", cell}, {"value", value}});
+struct ApiFixture : ServeFixture {
+    // The report after setting an input, which recalculates the edited block alone.
+    Json edited(std::string const& block, std::string const& cell, Json const& value) {
+        Json answer = setInput(block, cell, value);
         EXPECT_TRUE(answer["blocks_changed_only"].get<bool>());
         return answer["report"];
     }
-    static double total(Json const& report) { return report["totals"]["total_power"].get<double>(); }
 };
 
 TEST_F(ApiFixture, EditsReestimateTheDesign) {
     EXPECT_NEAR(total(get("/api/report")), 0.079, 1e-6);
 
     // CLOCK_FREQ 200: 1000e-12 * 0.64 * 200e6 = 0.128 W, + 0.015 W = 0.143 W.
-    EXPECT_NEAR(total(setInput("core", "CLOCK_FREQ", "200")), 0.143, 1e-6);
+    EXPECT_NEAR(total(edited("core", "CLOCK_FREQ", "200")), 0.143, 1e-6);
     // A number in the request is taken as it is written.
-    EXPECT_NEAR(total(setInput("core", "CLOCK_FREQ", 150)), 0.111, 1e-6);
+    EXPECT_NEAR(total(edited("core", "CLOCK_FREQ", 150)), 0.111, 1e-6);
 
     // A new TestLoad at its defaults: 1000 pF at 100 MHz = 0.064 W, no VCCAUX current: 0.111 + 0.064.
     Json added = post("/api/blocks/add", {{"model", "TestLoad"}});
@@ -88,11 +49,11 @@ TEST_F(ApiFixture, EditsReestimateTheDesign) {
 
     // An input edit answers with the blocks whose figures moved only: spare at 50 MHz is
     // 1000e-12 * 0.64 * 50e6 = 0.032 W, core keeps its 0.111 W.
-    Json const edited = setInput("spare", "CLOCK_FREQ", "50");
-    ASSERT_EQ(edited["blocks"].size(), 1u);
-    EXPECT_EQ(edited["blocks"][0]["name"], "spare");
-    EXPECT_NEAR(edited["blocks"][0]["power"].get<double>(), 0.032, 1e-6);
-    EXPECT_NEAR(total(edited), 0.143, 1e-6);
+    Json const spare = edited("spare", "CLOCK_FREQ", "50");
+    ASSERT_EQ(spare["blocks"].size(), 1u);
+    EXPECT_EQ(spare["blocks"][0]["name"], "spare");
+    EXPECT_NEAR(spare["blocks"][0]["power"].get<double>(), 0.032, 1e-6);
+    EXPECT_NEAR(total(spare), 0.143, 1e-6);
 
     // The review page of the design as it now stands, the edited block in it, as `--html` writes it.
     ApiResponse const page = api.handle({"GET", "/api/report.html", ""});
@@ -104,7 +65,7 @@ TEST_F(ApiFixture, EditsReestimateTheDesign) {
 
 TEST_F(ApiFixture, InvalidEntriesAreMarkedAndRefusedOnesChangeNothing) {
     // A value outside the rule is taken and warned about, naming the block, the cell and the rule.
-    Json const report = setInput("core", "MODE", "SLEEP");
+    Json const report = edited("core", "MODE", "SLEEP");
     bool marked = false;
     for (Json const& w : report["warnings"])
         marked |= w["block"] == "core" && w["cell"] == "MODE" &&
@@ -168,7 +129,7 @@ TEST_F(ApiFixture, SweepsABlockInput) {
 }
 
 TEST_F(ApiFixture, SavedDesignsReopenByteForByte) {
-    setInput("core", "CLOCK_FREQ", "212.5");
+    edited("core", "CLOCK_FREQ", "212.5");
     post("/api/blocks/add", {{"model", "TestLoad"}, {"name", "b\u00e4r"}});
     post("/api/save", {{"file", "one.json"}});
     post("/api/open", {{"file", "one.json"}});
@@ -201,7 +162,7 @@ TEST_F(ApiFixture, FilesStayInsideTheFolder) {
 }
 
 TEST(DesignSession, RenamingABlockRenamesTheBlocksThatReadFromIt) {
-    std::string design = kDesign;
+    std::string design = kLoadDesign;
     design.replace(design.rfind("}\n  ]"), 1,
                    R"(},
     {"name": "reader", "model": "TestLoad", "inputs": {"CAPACITANCE": {"from": "core"}}})");
@@ -217,6 +178,6 @@ TEST(DesignSession, RenamingABlockRenamesTheBlocksThatReadFromIt) {
 }
 
 }  // namespace
-}  // namespace prsm::host::serve
+}  // namespace prsm::host::serve::test
 
 #endif

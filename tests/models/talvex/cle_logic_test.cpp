@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cfloat>
-#include <climits>
 
 namespace {
 
@@ -16,26 +15,6 @@ using Model = PRSMTalvexCleLogicModel;
 using Data = PRSMTalvexCleLogicData;
 
 class CleLogic : public prsm::test::ModelFixture<Model> {};
-
-TEST_F(CleLogic, LayoutMatchesTheDeclaredCells) {
-    EXPECT_EQ(Params::LastUIInt, 5);
-    EXPECT_EQ(Params::FirstICInt, 8);
-    EXPECT_EQ(Params::LastUIFloat, 19);
-    EXPECT_EQ(Params::FirstMOFloat, 20);
-    EXPECT_EQ(Params::KPE_LOGIC_POWER, 36);
-    EXPECT_EQ(Params::LastICFloat, 85);
-    EXPECT_EQ(Params::LastString, 9);
-    p[Params::LastUIFloat] = 1.0f;
-    p[Params::LastICInt] = 7;
-    p.resetUserInputs();
-    p.resetIntermediateCalculations();
-    EXPECT_EQ(p[Params::LastUIFloat], 1.0f);   // float ranges stop before the closing marker
-    EXPECT_EQ(p[Params::LastICInt], INT_MAX);  // int ranges include it
-    EXPECT_EQ(Params::enum_to_string(Params::A6_PIN_COMPONENT), "A6_PIN_COMPONENT");
-    EXPECT_EQ(Params::string_to_string_enum("INSTANCE_TYPE"), Params::INSTANCE_TYPE);
-    EXPECT_EQ(model.className(), "PRSMTalvexCleLogicModel");
-    EXPECT_EQ(data.className(), "PRSMTalvexCleLogicData");
-}
 
 // 200 MHz x 0.125 gives signal rates of 25 and pin frequencies of 12.5. Pins: 12.5 x (0.01+...+0.06)
 // = 2.625 and OP 1.25; the largest internal component is A1's, 12.5 x (1+2+3+4+5) = 187.5. So the
