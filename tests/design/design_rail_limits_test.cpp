@@ -3,6 +3,8 @@
 #include <prsm/design/Estimate.h>
 #include <prsm/design/ReportFormat.h>
 
+#include "ReportLookup.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -11,11 +13,12 @@
 namespace {
 
 using namespace prsm::design;
+using prsm::test::rail;
 
-RailResult const& railOf(Report const& report, std::string const& name) {
-    for (RailResult const& rail : report.rails)
-        if (rail.rail == name) return rail;
-    throw std::runtime_error("no rail " + name);
+void expectLimit(Report const& report, std::string const& name, double maxCurrent, bool over) {
+    RailResult const& r = rail(report, name);
+    EXPECT_DOUBLE_EQ(r.maxCurrent, maxCurrent) << name;
+    EXPECT_EQ(r.overLimit, over) << name;
 }
 
 Report estimateLoads(std::string const& part) {
@@ -33,14 +36,9 @@ TEST(DesignRailLimits, TheCatalogueLimitsEachRail) {
     // ZQVC1902: VCCINT 60 A, the static data's device-wide maximum; VCCAUX 4 A; VCCO33 1 A for each of
     // its 3 HDIO banks, 3 A.
     Report const report = estimateLoads("ZQVC1902");
-    RailResult const& core = railOf(report, "VCCINT");
-    EXPECT_DOUBLE_EQ(core.maxCurrent, 60.0);
-    EXPECT_TRUE(core.overLimit);  // 61 A
-    RailResult const& aux = railOf(report, "VCCAUX");
-    EXPECT_DOUBLE_EQ(aux.maxCurrent, 4.0);
-    EXPECT_FALSE(aux.overLimit);  // 1 A
-    EXPECT_DOUBLE_EQ(railOf(report, "VCCO33").maxCurrent, 3.0);
-    EXPECT_FALSE(railOf(report, "VCCO33").overLimit);  // 0.5 A
+    expectLimit(report, "VCCINT", 60.0, true);   // 61 A
+    expectLimit(report, "VCCAUX", 4.0, false);   // 1 A
+    expectLimit(report, "VCCO33", 3.0, false);   // 0.5 A
     int flagged = 0;
     for (Warning const& w : report.warnings)
         if (w.cell.rfind("/rails/", 0) == 0) {
@@ -53,10 +51,10 @@ TEST(DesignRailLimits, TheCatalogueLimitsEachRail) {
     EXPECT_NE(json.find("\"max_current\": 60.0"), std::string::npos) << json;
 
     // An alias is looked up as the part it stands for; a part the catalogue does not know has no limits.
-    EXPECT_DOUBLE_EQ(railOf(estimateLoads("ZQVC1902A"), "VCCINT").maxCurrent, 60.0);
+    EXPECT_DOUBLE_EQ(rail(estimateLoads("ZQVC1902A"), "VCCINT").maxCurrent, 60.0);
     Report const unknown = estimateLoads("NOSUCHPART");
-    EXPECT_EQ(railOf(unknown, "VCCINT").maxCurrent, 0.0);
-    EXPECT_FALSE(railOf(unknown, "VCCINT").overLimit);
+    EXPECT_EQ(rail(unknown, "VCCINT").maxCurrent, 0.0);
+    EXPECT_FALSE(rail(unknown, "VCCINT").overLimit);
 }
 
 TEST(DesignRailLimits, BankAndQuadRailsFollowTheBanksAndQuadsOfThePackage) {
@@ -71,13 +69,9 @@ TEST(DesignRailLimits, BankAndQuadRailsFollowTheBanksAndQuadsOfThePackage) {
           {"name": "aux", "rail": "VCCAUX", "current": 1, "region": "logic"}]})",
                                     "banks.json"));
     Report const& report = estimator.estimate();
-    RailResult const& io = railOf(report, "VCCO33");
-    EXPECT_DOUBLE_EQ(io.maxCurrent, 2.0);
-    EXPECT_TRUE(io.overLimit);  // 2.5 A
-    RailResult const& lanes = railOf(report, "MGTYAVCC");
-    EXPECT_DOUBLE_EQ(lanes.maxCurrent, 9.0);
-    EXPECT_FALSE(lanes.overLimit);  // 8 A
-    EXPECT_DOUBLE_EQ(railOf(report, "VCCAUX").maxCurrent, 4.0);
+    expectLimit(report, "VCCO33", 2.0, true);     // 2.5 A
+    expectLimit(report, "MGTYAVCC", 9.0, false);  // 8 A
+    expectLimit(report, "VCCAUX", 4.0, false);    // 1 A
     std::vector<std::string> flagged;
     for (Warning const& w : report.warnings)
         if (w.cell.rfind("/rails/", 0) == 0) flagged.push_back(w.cell + ": " + w.message);
