@@ -36,7 +36,9 @@ def header(sheet: Sheet) -> str:
     enums = []
     for t in TYPES:
         body = ",\n".join(f"        {n}" for n, _ in enumerators(sheet, t))
-        enums.append(f"    enum {TITLE[t]}Enum {{\n{body}\n    }};")
+        # A fixed underlying type: any int is a value of the enum, so a caller's out-of-range cell
+        # reaches enum_to_string's "StringError" instead of undefined behaviour.
+        enums.append(f"    enum {TITLE[t]}Enum : int {{\n{body}\n    }};")
     lists = "\n".join(f'    static constexpr char const* {TITLE[t]}EnumList =\n        "{enum_list_string(sheet, t)}";'
                       for t in TYPES)
     names = "\n".join(f"    void get{TITLE[t]}{CATEGORY_WORD[c]}Names(std::vector<std::string>& names) const;"
