@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace prsm::design {
 
@@ -67,25 +68,24 @@ SupplyScheme RailGrouping::read(SheetInstance& instance, std::vector<std::string
         scheme.groups.push_back(
             {group, std::move(label), text(group + kSequence), text(group + kDc), text(group + kRipple)});
     }
-    for (std::string const& rail : rails)
-        if (std::string label = text(rail + kLabel); !label.empty())
-            scheme.railLabel.emplace(rail, std::move(label));
+    for (std::string const& rail : rails) {
+        std::string const label = text(rail + kLabel);
+        for (std::size_t g = 0; g < scheme.groups.size() && !label.empty(); ++g)
+            if (scheme.groups[g].label == label) scheme.railGroup.emplace(rail, g);
+    }
     return scheme;
 }
 
 void groupSupplies(SupplyScheme const& scheme, Report& report) {
-    report.supplyGroups.clear();
-    if (!report.complete) return;  // no rail totals to load the groups with
+    if (!report.complete) {  // no rail totals to load the groups with
+        report.supplyGroups.clear();
+        return;
+    }
     std::vector<RailResult> const& rails = report.rails;
     auto indexOf = [&](std::string const& name) {
         auto const found =
             std::find_if(rails.begin(), rails.end(), [&](RailResult const& r) { return r.rail == name; });
         return static_cast<std::size_t>(found - rails.begin());
-    };
-    auto groupOfLabel = [&](std::string const& label) {
-        for (std::size_t g = 0; g < scheme.groups.size(); ++g)
-            if (scheme.groups[g].label == label) return g;
-        return kNoSupply;
     };
     // Each rail's group; a rail the sheet does not group, whose leakage another rail holds, goes with
     // its holder.
@@ -93,42 +93,61 @@ void groupSupplies(SupplyScheme const& scheme, Report& report) {
     std::vector<std::size_t> holder(rails.size(), rails.size());
     for (std::size_t i = 0; i < rails.size(); ++i) {
         if (!rails[i].countedIn.empty()) holder[i] = indexOf(rails[i].countedIn);
-        auto label = scheme.railLabel.find(rails[i].rail);
-        if (label == scheme.railLabel.end() && !rails[i].countedIn.empty())
-            label = scheme.railLabel.find(rails[i].countedIn);
-        if (label != scheme.railLabel.end()) group[i] = groupOfLabel(label->second);
+        auto found = scheme.railGroup.find(rails[i].rail);
+        if (found == scheme.railGroup.end() && !rails[i].countedIn.empty())
+            found = scheme.railGroup.find(rails[i].countedIn);
+        if (found != scheme.railGroup.end()) group[i] = found->second;
     }
     std::vector<double> const share = supplyShares(rails, group);
     auto heldHere = [&](std::size_t i) { return holder[i] < rails.size() && group[holder[i]] == group[i]; };
-    auto entry = [&](std::size_t i) {
+    auto fill = [&](GroupRail& to, std::size_t i) {
         RailResult const& r = rails[i];
-        return GroupRail{r.rail, r.voltage, share[i], r.voltage * share[i], r.powerupCurrent, {}};
+        to.rail = r.rail;
+        to.voltage = r.voltage;
+        to.current = share[i];
+        to.power = r.voltage * share[i];
+        to.powerupCurrent = r.powerupCurrent;
+        to.held.clear();
     };
 
-    // The groups that feed a rail, in the scheme's order.
+    // The groups that feed a rail, in the scheme's order, written over the last report's groups (an
+    // update after one block's change names the same groups and rails): no text is allocated again.
     std::vector<std::size_t> slot(scheme.groups.size(), kNoSupply);
+    std::vector<std::size_t> members;  // rails written into each slot's group
     for (std::size_t g : group)
         if (g != kNoSupply) slot[g] = 0;
+    std::size_t used = 0;
     for (std::size_t g = 0; g < scheme.groups.size(); ++g) {
         if (slot[g] == kNoSupply) continue;
-        slot[g] = report.supplyGroups.size();
+        slot[g] = used;
+        if (used == report.supplyGroups.size()) report.supplyGroups.emplace_back();
         SupplyScheme::Group const& from = scheme.groups[g];
-        SupplyGroup& to = report.supplyGroups.emplace_back();
+        SupplyGroup& to = report.supplyGroups[used++];
         to.name = from.name;
         to.label = from.label;
         to.sequence = from.sequence;
         to.dcTolerance = from.dcTolerance;
         to.acRipple = from.acRipple;
+        to.voltage = std::numeric_limits<double>::quiet_NaN();
+        to.current = to.power = 0;
+        to.powerupCurrent = std::numeric_limits<double>::quiet_NaN();
+        members.push_back(0);
     }
-    for (std::size_t i = 0; i < rails.size(); ++i)
-        if (group[i] != kNoSupply && !heldHere(i))
-            report.supplyGroups[slot[group[i]]].rails.push_back(entry(i));
+    report.supplyGroups.resize(used);
+    for (std::size_t i = 0; i < rails.size(); ++i) {
+        if (group[i] == kNoSupply || heldHere(i)) continue;
+        std::size_t const at = slot[group[i]];
+        std::vector<GroupRail>& list = report.supplyGroups[at].rails;
+        if (members[at] == list.size()) list.emplace_back();
+        fill(list[members[at]++], i);
+    }
+    for (std::size_t at = 0; at < used; ++at) report.supplyGroups[at].rails.resize(members[at]);
     for (std::size_t i = 0; i < rails.size(); ++i) {
         if (group[i] == kNoSupply || !heldHere(i)) continue;
-        std::vector<GroupRail>& members = report.supplyGroups[slot[group[i]]].rails;
-        auto const found = std::find_if(members.begin(), members.end(),
+        std::vector<GroupRail>& list = report.supplyGroups[slot[group[i]]].rails;
+        auto const found = std::find_if(list.begin(), list.end(),
                                         [&](GroupRail const& r) { return r.rail == rails[i].countedIn; });
-        (found == members.end() ? members : found->held).push_back(entry(i));
+        fill((found == list.end() ? list : found->held).emplace_back(), i);
     }
 
     for (SupplyGroup& g : report.supplyGroups) {
@@ -146,5 +165,4 @@ void groupSupplies(SupplyScheme const& scheme, Report& report) {
         if (sameVoltage) g.voltage = g.rails.front().voltage;
     }
 }
-
 }  // namespace prsm::design

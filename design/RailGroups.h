@@ -8,7 +8,7 @@
 #include <prsm/design/Estimate.h>
 #include <prsm/framework/PRSMSheetRegistry.h>
 
-#include <map>
+#include <unordered_map>
 #include <string>
 #include <vector>
 
@@ -22,7 +22,9 @@ struct SupplyScheme {
     // The groups with a label, in the sheet's order; of two groups with one label (one regulator listed
     // under two domains) only the first, so that no rail is counted twice.
     std::vector<Group> groups;
-    std::map<std::string, std::string> railLabel;  // rail -> its group's label
+    // rail -> its group in `groups`, for the rails whose label names one of them (resolved once, when
+    // the sheet is read: the report's groups are loaded again at each update).
+    std::unordered_map<std::string, std::size_t> railGroup;
 };
 
 class RailGrouping {

@@ -132,28 +132,33 @@ double efficiencyAt(Regulator const& regulator, double load) {
 }
 
 void loadRegulators(std::vector<Regulator> const& regulators, Report& report) {
-    report.regulators.clear();
     report.supplyInputPower = 0;
     report.unregulatedPower = 0;
-    if (regulators.empty() || !report.complete) return;  // no rail totals to load them with
+    if (regulators.empty() || !report.complete) {  // no rail totals to load them with
+        report.regulators.clear();
+        return;
+    }
 
-    std::map<std::string, std::size_t> feeder;  // rail -> regulator index
-    for (std::size_t g = 0; g < regulators.size(); ++g)
-        for (std::string const& rail : regulators[g].rails) feeder[rail] = g;
+    // Each rail's regulator: a design declares a handful, each over a few rails.
     auto regulatorOf = [&](std::string const& rail) {
-        auto const it = feeder.find(rail);
-        return it == feeder.end() ? kNoSupply : it->second;
+        for (std::size_t g = regulators.size(); g-- > 0;)  // the last to name a rail feeds it
+            for (std::string const& name : regulators[g].rails)
+                if (name == rail) return g;
+        return kNoSupply;
     };
     std::vector<std::size_t> supply;
+    supply.reserve(report.rails.size());
     for (RailResult const& rail : report.rails) supply.push_back(regulatorOf(rail.rail));
     std::vector<double> const share = supplyShares(report.rails, supply);
 
-    for (Regulator const& regulator : regulators) {
-        RegulatorLoad loaded;
-        loaded.name = regulator.name;
-        loaded.rails = regulator.rails;
-        loaded.rating = regulator.rating;
-        report.regulators.push_back(std::move(loaded));
+    // Into the last report's regulators, whose names and rail lists are the same after an update.
+    report.regulators.resize(regulators.size());
+    for (std::size_t g = 0; g < regulators.size(); ++g) {
+        RegulatorLoad& loaded = report.regulators[g];
+        loaded = RegulatorLoad{std::move(loaded.name), std::move(loaded.rails)};
+        loaded.name = regulators[g].name;
+        loaded.rails = regulators[g].rails;
+        loaded.rating = regulators[g].rating;
     }
     for (std::size_t i = 0; i < report.rails.size(); ++i) {
         RailResult const& rail = report.rails[i];

@@ -136,6 +136,19 @@ void calculateDecoupling(EstimateState& s) {
     if (runner.validityDue()) runner.checkValidity({});
 }
 
+// `to` = `from`; a rail's parts and capacitor values are the sheet's, so when `to` already holds the
+// same rail (the last report's) only the figures are copied.
+void assignCounts(RailDecoupling& to, RailDecoupling const& from) {
+    if (to.rail != from.rail || to.stepParts.size() != from.stepParts.size() ||
+        to.capacitors.size() != from.capacitors.size()) {
+        to = from;
+        return;
+    }
+    to.stepCurrent = from.stepCurrent;
+    for (std::size_t p = 0; p < from.stepParts.size(); ++p) to.stepParts[p].second = from.stepParts[p].second;
+    for (std::size_t c = 0; c < from.capacitors.size(); ++c) to.capacitors[c].count = from.capacitors[c].count;
+}
+
 std::string pointerToken(std::string const& name) {
     std::string out;
     for (char c : name) out += c == '~' ? "~0" : c == '/' ? "~1" : std::string(1, c);
@@ -175,7 +188,6 @@ void calculateSupplyViews(EstimateState& s) {
 }
 
 void describeSupplyViews(EstimateState const& s, Report& out) {
-    out.supplyGroups.clear();
     auto warnings = [&](SheetRunner const& runner, std::vector<std::string> const& problems) {
         std::string const& role = runner.given().name;
         if (!runner.error().empty()) out.warnings.push_back({role, "", "not calculated: " + runner.error()});
@@ -188,6 +200,8 @@ void describeSupplyViews(EstimateState const& s, Report& out) {
         out.supplyModel = runner.given().model;
         warnings(runner, s.schemeProblems);
         groupSupplies(s.scheme, out);
+    } else {
+        out.supplyGroups.clear();
     }
     if (s.decouplingRunner == kNoIndex) {
         out.decoupling.clear();
@@ -201,7 +215,7 @@ void describeSupplyViews(EstimateState const& s, Report& out) {
             std::optional<EstimateState::DecouplingLine> const& line = s.figures.decoupling[r];
             if (!line || !inRailView(s, rails[r].rail)) continue;  // not evaluated, or no longer in the view
             if (shown < out.decoupling.size())  // into the last report's rail: its storage is reused
-                out.decoupling[shown] = line->counts;
+                assignCounts(out.decoupling[shown], line->counts);
             else
                 out.decoupling.push_back(line->counts);
             ++shown;

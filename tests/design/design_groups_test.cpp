@@ -48,7 +48,7 @@ TEST(DesignGroups, GroupsCarryTheirRailsAndHeldLeakageOnce) {
     scheme.groups = {{"PL_2", "CORE", "PL/2", "1%", "+-17mV"},
                      {"PL_3", "RAM", "PL/3", "1%", "+-17mV"},  // feeds none of the design's rails
                      {"SYSTEM_3", "AUX", "SYSTEM/3", "1%", "2%"}};
-    scheme.railLabel = {{"VCCINT", "CORE"}, {"VCCINTGT", "CORE"}, {"VCCAUX", "AUX"}, {"VCCO33", "IO33"}};
+    scheme.railGroup = {{"VCCINT", 0}, {"VCCINTGT", 0}, {"VCCAUX", 2}};  // VCCO33's label names no group
     report.supplyModel = "TalvexPowerRailGrouping";
     groupSupplies(scheme, report);
     ASSERT_EQ(report.supplyGroups.size(), 2u);
@@ -85,6 +85,17 @@ TEST(DesignGroups, GroupsCarryTheirRailsAndHeldLeakageOnce) {
     EXPECT_MENTIONS(json, "\"groups\"");
     EXPECT_MENTIONS(json, "\"held\"");
     EXPECT_MENTIONS(toCsv(report), "supply_group_rail,PL_2,VCCME,held_in,VCCINT,");
+
+    // Grouped again into the same report, as after an update: VCCAUX draws 0.1 A more, nothing else moves
+    // and nothing is listed twice.
+    report.rails[3] = railOf("VCCAUX", 1.5, 0.3, 0.12);
+    groupSupplies(scheme, report);
+    ASSERT_EQ(report.supplyGroups.size(), 2u);
+    EXPECT_NEAR(report.supplyGroups[1].current, 0.42, 1e-12);
+    EXPECT_TRUE(std::isnan(report.supplyGroups[1].powerupCurrent));  // the new rail row has none
+    ASSERT_EQ(report.supplyGroups[0].rails.size(), 2u);
+    EXPECT_EQ(report.supplyGroups[0].rails[0].held.size(), 1u);
+    EXPECT_NEAR(report.supplyGroups[0].current, 2.4, 1e-12);
 
     report.complete = false;  // no rail totals, no groups
     groupSupplies(scheme, report);
