@@ -97,7 +97,6 @@ TEST_F(DravikPs, ImpossibleInputsAreFlaggedAndStillCalculated) {
     EXPECT_EQ(valid("IS_VALID_MEMORY_TYPE"), 1);
     // Nothing is clamped: five cores cost five cores' power.
     expectRel(p[Params::CPU_DYNAMIC_POWER], 5 * 0.099705);
-    EXPECT_GT(p[Params::DDR_IO_POWER], 0.0f);
 
     p = Params();
     p[Params::MEMORY_TYPE] = "DDR5";
@@ -154,9 +153,7 @@ TEST(DravikPsPreset, PresetsOrderTheLoadAndSetTheTraffic) {
                 heavyPower = total("HEAVY_LOAD", heavy);
     EXPECT_LT(idlePower, linuxPower);
     EXPECT_LT(linuxPower, heavyPower);
-    EXPECT_EQ(withLinux[PRSMDravikPsPresetParams::CPU_CORES], 4);
     EXPECT_EQ(withLinux[PRSMDravikPsPresetParams::CPU_LOAD], 25.0f);
-    EXPECT_EQ(idle[PRSMDravikPsPresetParams::CPU_CORES], 1);
     EXPECT_EQ(heavy[PRSMDravikPsPresetParams::READ_RATE], 0.4f);
 }
 
