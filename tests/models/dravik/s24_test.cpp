@@ -10,6 +10,7 @@
 #include <prsm/models/dravik/PRSMDravikS26Params.h>
 
 #include "ModelFixture.h"
+#include "ShippedEfficiency.h"
 #include "TestData.h"
 
 #include <gtest/gtest.h>
@@ -105,30 +106,14 @@ TEST_F(S24, SameRulesOnItsOwnRails) {
 
 TEST_F(S24, ShippedEfficiencyTablesCoverEveryKey) {
     prsm::test::ScopedDataDir dir(prsm::test::shippedDataDir());
-    Data const shipped;
-    struct Row {
-        Model::Converter converter;
-        Params::FloatEnum load;
-        float rating;
-    };
-    Row const rows[] = {
-        {Model::Converter::DA9062_BUCK1, Params::REG_LOAD_VCC_PS_1V10, 2.5f},
-        {Model::Converter::DA9062_BUCK2, Params::REG_LOAD_VCC_PS_1V20, 1.0f},
-        {Model::Converter::DA9062_BUCK3, Params::DA9062_BUCK3_LOAD, 2.0f},
-        {Model::Converter::DA9062_BUCK4, Params::REG_LOAD_VCC_PL_1V80, 0.6f},
-        {Model::Converter::DA9131_CH1, Params::REG_LOAD_VCC_PS_0V85, 3.5f},
-        {Model::Converter::DA9131_CH2, Params::REG_LOAD_VCC_PL_0V72, 3.2f},
-    };
-    for (Row const& row : rows) {
-        SCOPED_TRACE(Model::memberName(row.converter));
-        int const top = static_cast<int>(row.rating * 1200.0f);
-        for (int ma = 0; ma <= top; ma += 1) {
-            Params q;
-            q[row.load] = ma / 1000.0f;
-            float const e = model.calculateEfficiency(q, shipped, row.converter);
-            ASSERT_TRUE(e > 0.0f && e < 1.0f && e != 0.5f) << ma << " mA";
-        }
-    }
+    prsm::test::expectAnEfficiencyRowForEveryLoad(
+        model, Data(),
+        {{Model::Converter::DA9062_BUCK1, Params::REG_LOAD_VCC_PS_1V10, 2.5f},
+         {Model::Converter::DA9062_BUCK2, Params::REG_LOAD_VCC_PS_1V20, 1.0f},
+         {Model::Converter::DA9062_BUCK3, Params::DA9062_BUCK3_LOAD, 2.0f},
+         {Model::Converter::DA9062_BUCK4, Params::REG_LOAD_VCC_PL_1V80, 0.6f},
+         {Model::Converter::DA9131_CH1, Params::REG_LOAD_VCC_PS_0V85, 3.5f},
+         {Model::Converter::DA9131_CH2, Params::REG_LOAD_VCC_PL_0V72, 3.2f}});
 }
 
 }  // namespace
