@@ -106,6 +106,8 @@ TEST_F(DravikBram, PowerScalesWithBlocksAndActivity) {
 
 TEST_F(DravikBram, DefaultsGiveAFigureAndBadInputsAreFlagged) {
     Params defaults;
+    EXPECT_GT(calc(defaults, Params::VCCINT_POWER), 0.0f);
+    EXPECT_GT(defaults[Params::VCCBRAM_POWER], 0.0f);
     EXPECT_EQ(model.intDispatchTable(defaults, data, "IS_VALID_DEVICE"), 1);
 
     Params q = configured();

@@ -72,6 +72,7 @@ TEST_F(DravikCleLogic, PowerIsLinearInElementsToggleAndWrites) {
 
 TEST_F(DravikCleLogic, DefaultsGiveAFigureAndBadInputsAreFlagged) {
     Params defaults;
+    EXPECT_GT(calc(defaults, Params::LOGIC_POWER), 0.0f);
     EXPECT_EQ(model.intDispatchTable(defaults, data, "IS_VALID_INSTANCE_TYPE"), 1);
 
     Params q = configured("LUT_LOGIC");

@@ -93,6 +93,7 @@ TEST_F(DravikDdr, ImpossibleInterfacesAreInvalidAndStillCalculated) {
     percent[Params::READ_RATE] = 40.0f;
     model.calculate(percent);
     EXPECT_EQ(valid(percent, "IS_VALID_READ_RATE"), 0);
+    EXPECT_EQ(percent[Params::READ_RATE], 40.0f);
 }
 
 TEST_F(DravikDdr, PowerGrowsWithTrafficWidthAndRate) {
@@ -114,6 +115,9 @@ TEST_F(DravikDdr, PowerGrowsWithTrafficWidthAndRate) {
                   q[Params::WRITE_RATE] = 0.0f;
               }),
               0.0f);
+    Params defaults;
+    model.calculate(defaults);
+    EXPECT_GT(defaults[Params::TOTAL_POWER], 0.0f);
 }
 
 }  // namespace

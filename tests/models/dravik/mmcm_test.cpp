@@ -82,6 +82,7 @@ TEST_F(DravikMmcm, ImpossibleSettingsAreInvalidAndStillCalculated) {
     EXPECT_EQ(model.floatDispatchTable(p, data, "GET_MAX_CLKOUT3_DIVIDE"), 128.0f);
     expectRel(p[Params::FVCO], 20.3 * 100);  // calculated as given
     EXPECT_EQ(p[Params::CLOCKOUT1], 0.0f);
+    EXPECT_GT(p[Params::VCCAUX_PWR], 0.0f);
 
     // D 0: no phase-detector clock and no VCO; the managers draw their bias and control alone:
     // 5 x 0.019 x 1.8 = 0.171 W and 5 x 0.0008 x 0.85 = 0.0034 W.

@@ -97,6 +97,7 @@ TEST_F(DravikPs, ImpossibleInputsAreFlaggedAndStillCalculated) {
     EXPECT_EQ(valid("IS_VALID_MEMORY_TYPE"), 1);
     // Nothing is clamped: five cores cost five cores' power.
     expectRel(p[Params::CPU_DYNAMIC_POWER], 5 * 0.099705);
+    EXPECT_GT(p[Params::DDR_IO_POWER], 0.0f);
 
     p = Params();
     p[Params::MEMORY_TYPE] = "DDR5";

@@ -68,7 +68,11 @@ TEST_F(DravikUram, HandWorkedConfigurationOnItsTwoRails) {
     EXPECT_EQ(q[Params::URAM_SLEEP_COUNT], 2);
 }
 
-TEST_F(DravikUram, BadInputsAreFlagged) {
+TEST_F(DravikUram, DefaultsGiveAFigureAndBadInputsAreFlagged) {
+    Params defaults;
+    EXPECT_GT(calc(defaults, Params::VCCINT_POWER), 0.0f);
+    EXPECT_GT(defaults[Params::VCCBRAM_POWER], 0.0f);
+
     Params q = configured();
     q[Params::CASCADE_DEPTH] = 9;  // the file allows 8
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_CASCADE_DEPTH"), 0);

@@ -58,6 +58,7 @@ TEST_F(Bram, HandWorkedConfigurationAndItsRails) {
     expectRel(q[Params::VCCINT_POWER], 7 * 0.2824e-3);
     expectRel(q[Params::VCCRAM_POWER], 7 * 0.806e-3);
     expectRel(q[Params::VCCAUX_POWER], 7 * 0.07e-3);
+    EXPECT_EQ(q[Params::SLEEP_INSTANCE_COUNT], 3);
     EXPECT_EQ(q[Params::ACTIVE_INSTANCE_COUNT], 7);
     EXPECT_EQ(q[Params::BRAM36_ACTIVE_COUNT], 7);
     EXPECT_EQ(q[Params::BRAM36_SLEEP_COUNT], 3);

@@ -114,6 +114,7 @@ TEST_F(Ddrmc, ImpossibleCombinationsAreInvalidAndStillCalculated) {
     EXPECT_EQ(valid("IS_VALID_ECC"), 1);
     EXPECT_EQ(p[Params::DATA_RATE], 3600.0f);
     EXPECT_EQ(p[Params::USED_DDRMC], 5);
+    EXPECT_GT(p[Params::TOTAL_POWER], 0.0f);
     for (int width : {8, 128}) {
         p[Params::DATA_WIDTH] = width;
         EXPECT_EQ(valid("IS_VALID_DATA_WIDTH"), 0) << width;

@@ -89,6 +89,7 @@ TEST_F(Dsp, InvalidInputsAreReportedAndStillCalculated) {
     EXPECT_EQ(model.intDispatchTable(p, data, "IS_VALID_PIPELINE_STAGES"), 0);
     EXPECT_EQ(model.intDispatchTable(p, data, "IS_VALID_CASCADE"), 0);
     EXPECT_EQ(p[Params::CASCADE_COMPONENT], 0.0f);
+    EXPECT_EQ(p[Params::B_WIDTH], 30);  // never clamped
 
     PRSMTalvexDspParams unknownMode;
     unknownMode[Params::DSP_MODE] = "FIXED";

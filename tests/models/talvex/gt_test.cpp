@@ -98,6 +98,7 @@ TEST_F(Gt, ImpossibleLinksAreInvalidAndStillCalculated) {
     EXPECT_EQ(valid(fast, "IS_VALID_LINE_RATE"), 0);
     EXPECT_EQ(valid(fast, "IS_VALID_MODULATION"), 0);
     EXPECT_EQ(model.calculateValidValuesModulation(fast, data), "NRZ");
+    EXPECT_EQ(fast[Params::LINE_RATE], 40.0f);
 
     Params ring = gtyLinks();
     ring[Params::PLL_TYPE] = "RING";

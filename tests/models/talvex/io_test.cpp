@@ -148,6 +148,7 @@ TEST_F(Io, ImpossibleCombinationsAreInvalidAndStillCalculated) {
     EXPECT_EQ(model.floatDispatchTable(q, data, "GET_MAX_DATA_RATE"), 3200.0f);
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_DRIVE_STRENGTH"), 0);
     EXPECT_EQ(model.intDispatchTable(q, data, "IS_VALID_ODT"), 0);  // below 30 ohms
+    EXPECT_GT(q[Params::VCCO12_POWER], 0.0f);
 
     // A standard the file does not know has no rail: nothing on any VCCO rail, no banks.
     Params unknown;

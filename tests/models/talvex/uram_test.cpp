@@ -79,6 +79,7 @@ TEST_F(Uram, InvalidInputsAreFlaggedAndStillCalculated) {
 
 TEST_F(Uram, PowerGrowsWithActivityAndScalesWithTheBlocks) {
     float const base = calc(Params::TOTAL_POWER);
+    EXPECT_GT(base, 0.0f);
     for (auto [cell, higher] : {std::pair{Params::CLOCK_FREQ, 400.0f}, std::pair{Params::TOGGLE_RATE, 0.5f},
                                 std::pair{Params::ENABLE_RATE, 0.75f}}) {
         Params q;
