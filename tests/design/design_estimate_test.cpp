@@ -296,16 +296,9 @@ TEST(DesignEstimate, AnInputOutsideItsListNamesTheChoices) {
     EXPECT_TRUE(warningsOn("REG_X").empty());
 }
 
-TEST(DesignEstimate, ShippedSheetsDeclareTheirRails) {
+TEST(DesignEstimate, TheDesignsRailVoltageReachesAShippedBlock) {
     prsm::Sheet const* logic = prsm::SheetRegistry::instance().find("TalvexCleLogic");
     ASSERT_NE(logic, nullptr);
-    prsm::SheetDesign const& d = logic->design();
-    EXPECT_EQ(d.region, "logic");
-    ASSERT_EQ(d.powerOutputs.size(), 1u);
-    EXPECT_EQ(d.powerOutputs[0], std::make_pair(std::string("LOGIC_POWER"), std::string("VCCINT")));
-    prsm::SheetDesign const& noc = prsm::SheetRegistry::instance().find("TalvexNoc")->design();
-    EXPECT_EQ(noc.voltageInputs[0], std::make_pair(std::string("VCC_SOC"), std::string("VCCSOC")));
-
     // A design's rail voltage reaches the block: the logic sheet's power scales with VCCINT, so the
     // engine's VCCINT figure is the sheet's own LOGIC_POWER at the design's 0.7 V, not its 0.72 V default.
     Design design = parseDesign(R"({"schema_version": 1, "device": {"part": "ZQVC1902"},

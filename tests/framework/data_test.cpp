@@ -62,10 +62,6 @@ TEST(Data, SearchPathTakesTheFirstDirectoryHoldingTheFile) {
 
     ScopedDataDir empty("");
     EXPECT_EQ(PRSMData::getQDIDataDir("powercfg"), "");
-}
-
-TEST(Data, UnsetDataDirectoryIsALogicError) {
-    ScopedDataDir scope("");
     ::unsetenv("QDI_DATADIR");
     EXPECT_THROW(PRSMData::getQDIDataDir("x"), std::logic_error);
 }
@@ -212,8 +208,6 @@ TEST(Data, SizeAndGroupLimits) {
     DataDir dir;
     ScopedDataDir scope(dir.root());
     LimitsScope const restore;
-    EXPECT_EQ(PRSMData::maxDataBytes(), 32u * 1024 * 1024);
-    EXPECT_EQ(PRSMData::maxGroupPairs(), 33554432u);
 
     std::string const text = kSmall;
     PRSMData::setMaxDataBytes(text.size());

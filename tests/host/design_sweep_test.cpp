@@ -122,7 +122,6 @@ TEST(DesignSweep, ThermalSettingsAndRailsOfLoadsMatchSingleEstimates) {
     SweepResult const given =
         runSweep(target, {}, {parseValues(*target.findVariable("junction_temperature"), "40,60")}, outputs);
     EXPECT_NEAR(given.outputs[0].numbers[0], 0.8 * 0.64652 + 1.5 * 0.129304, 1e-6);
-    EXPECT_EQ(given.outputs[1].numbers[1], 60.0);
     design::Design at60 = base;
     at60.thermal.junction = 60.0;
     EXPECT_EQ(given.outputs[0].numbers[1], single(at60, "static_power"));
@@ -140,15 +139,8 @@ TEST(DesignSweep, ThermalSettingsAndRailsOfLoadsMatchSingleEstimates) {
         setRail(point, "VCCO18", std::stod(solved.variables[1].cellText(row)));
         EXPECT_EQ(solved.outputs[1].numbers[row], single(point, "junction_temperature")) << row;
         EXPECT_EQ(solved.outputs[0].numbers[row], single(point, "static_power")) << row;
+        EXPECT_EQ(solved.outputs[2].numbers[row], single(point, "load.ddr phy.power")) << row;
     }
-    // Two points of one axis: gridPoints crosses them, so row 2 is ambient 0 at 2 V: 0.1 A * 2 V.
-    SweepResult const crossed =
-        runSweep(target, {},
-                 gridPoints({parseValues(*target.findVariable("ambient_temperature"), "0,25"),
-                             parseValues(*target.findVariable("rail.VCCO18"), "1.8,2")}),
-                 outputs);
-    EXPECT_NEAR(crossed.outputs[2].numbers[1], 0.2, 1e-7);
-    EXPECT_NEAR(crossed.outputs[2].numbers[2], 0.18, 1e-7);  // back to the file's 1.8 V
 }
 
 // The `prsm` executable on the shipped data: its standard output, "" when it fails.

@@ -159,13 +159,10 @@ TEST(HostJsonInput, KeepsNumbersAsWrittenAndRefusesWhatWouldCrashOrMislead) {
 }
 
 TEST(HostOutput, ShowsNoReservedValueAsAValue) {
-    EXPECT_TRUE(isReservedValue(CellType::Int, "2147483647"));
     EXPECT_TRUE(isReservedValue(CellType::Int, "2147483646"));
     EXPECT_FALSE(isReservedValue(CellType::Int, "2147483645"));
-    EXPECT_TRUE(isReservedValue(CellType::Float, "3.40282347e+38"));
     EXPECT_TRUE(isReservedValue(CellType::Float, "-3.40282347e+38"));
     EXPECT_FALSE(isReservedValue(CellType::Float, "3.4e+38"));
-    EXPECT_TRUE(isReservedValue(CellType::String, "UninitializedString"));
 
     CalcResult result;
     result.model = "M";

@@ -88,12 +88,6 @@ TEST(PrsmEstimateCli, ModuleExampleFeedsItsBoard) {
     EXPECT_EQ(report["static"]["counts"]["USED_GTH_QUAD"].get<double>(), 1.0);
     ASSERT_TRUE(report.contains("board"));
     nlohmann::json const& board = report["board"];
-    for (auto const& rail : report["rails"]) {
-        if (rail["rail"] == "VCCINT") {
-            EXPECT_NEAR(board["currents"]["FPGA_VCCINT_CURRENT"].get<double>(),
-                        rail["total_current"].get<double>(), 1e-6);
-        }
-    }
     // The board's regulators take the block-built rail currents: the 0.72 V core regulator feeds VCCINT
     // alone, the 0.85 V processor regulator the full-power, low-power and memory-controller domains.
     auto railCurrent = [&](char const* name) {
@@ -113,7 +107,6 @@ TEST(PrsmEstimateCli, ModuleExampleFeedsItsBoard) {
     double const module = board["total_power"].get<double>();
     EXPECT_GT(module, device + 0.5);
     EXPECT_LT(module, 10.0);
-    EXPECT_FALSE(board["regulators"].empty());
 }
 
 // The camera example on the smaller module, from block sheets alone: the board's core and processor

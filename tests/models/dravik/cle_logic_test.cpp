@@ -37,7 +37,6 @@ protected:
 TEST_F(DravikCleLogic, HandWorkedFiguresOfEachKind) {
     Params lut = configured("LUT_LOGIC");
     expectRel(calc(lut, Params::LOGIC_POWER), 2.5e-3);
-    expectRel(lut[Params::SIGNAL_COMPONENT], 0.0025);
     EXPECT_EQ(lut[Params::MEMORY_WRITE_COMPONENT], 0.0f);
 
     Params ram = configured("LUT_DRAM");

@@ -44,8 +44,6 @@ TEST_F(DravikDdr, ADdr4InterfaceOnItsFourRails) {
     Params q = ddr4x32();
     model.calculate(q);
     expectRel(q[Params::TOTAL_POWER], 1.0441);
-    expectRel(q[Params::IO_TERMINATION_COMPONENT], 279.9);
-    expectRel(q[Params::IO_SWITCHING_COMPONENT], 74.7);
     expectRel(q[Params::VCCO12_POWER], 0.3546);
     expectRel(q[Params::VCCINTIO_POWER], 0.169);
     expectRel(q[Params::VCCAUXIO_POWER], 0.082);

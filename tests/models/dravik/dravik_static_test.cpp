@@ -45,7 +45,6 @@ TEST_F(DravikStatic, RailLeakageAtTheJunctionTemperature) {
     expectRel(calc(Params::COMMON_VCCINT_VT_LEAKAGE), kVccint25);
     EXPECT_EQ(p[Params::COMMON_VCCINT_V_SCALING], 1.0f);  // V_C1 = 0, whatever V_C2
     EXPECT_EQ(p[Params::SKU_NAME], "BIN_A");
-    EXPECT_EQ(p[Params::VCCINT], 0.85f);
     expectRel(p[Params::URAM_VCCINT_STATIC_CURRENT], 0.1);
     expectRel(p[Params::VCCINT_STATIC_CURRENT], kVccint25 * 0.5 + 0.1);
     // Worst process: times the factor 1.5; power-up = 25-degree leakage x 0.5 x 1 x 1.5 + 250 mA.
@@ -131,7 +130,6 @@ TEST_F(DravikStatic, RegionTotalsProcessAndZeroVoltage) {
 
 TEST_F(DravikStatic, CellsByNameAndChoices) {
     EXPECT_EQ(model.floatDispatchTable(p, data, "COMMON_VCCINT_VT_E"), 0.05f);
-    EXPECT_EQ(model.floatDispatchTable(p, data, "VCCINT"), 0.85f);
     EXPECT_EQ(model.calculateValidValuesDeviceName(p, data), "ZDM7100,ZDM9200");
     EXPECT_EQ(model.calculateValidValuesProcess(p, data), "TYPICAL,MAX");
     p[Params::PROCESS] = "SLOW";

@@ -30,7 +30,6 @@ TEST_F(DravikIo, LvcmosOutputsOnAnHdioBank) {
     p[Params::PIN_COUNT] = 25;
     p[Params::DATA_RATE] = 100.0f;
     expectRel(calc(Params::TOTAL_POWER), 0.0680625 + 25 * 0.00180625e-3);
-    expectRel(p[Params::SWITCHING_COMPONENT], 2.7225);
     expectRel(p[Params::VCCO33_POWER], 0.0680625);
     expectRel(p[Params::VCCINTIO_POWER], 25 * 0.00180625e-3);
     EXPECT_EQ(p[Params::VCCO18_POWER], 0.0f);
@@ -52,7 +51,6 @@ TEST_F(DravikIo, AMipiCameraInputDrawsFromVccauxio) {
     p[Params::PIN_COUNT] = 5;
     p[Params::DATA_RATE] = 1000.0f;
     expectRel(calc(Params::TOTAL_POWER), 5 * (2.61 + 0.036125) * 0.001);
-    expectRel(p[Params::RECEIVER_COMPONENT], 2.61);
     expectRel(p[Params::VCCAUXIO_POWER], 0.01305);
     expectRel(p[Params::VCCINTIO_POWER], 5 * 0.036125e-3);
     EXPECT_EQ(p[Params::VCCAUX_POWER], 0.0f);
@@ -76,16 +74,13 @@ TEST_F(DravikIo, SstlTerminationsAndTheDefaultScale) {
     p[Params::IO_STANDARD] = "SSTL12";
     p[Params::DATA_RATE] = 800.0f;
     expectRel(calc(Params::VCCO_SIGNAL_POWER), 13.608);
-    expectRel(p[Params::TERMINATION_COMPONENT], 9.0);
-    expectRel(p[Params::SWITCHING_COMPONENT], 4.608);
     expectRel(p[Params::VCCO12_POWER], 13.608e-3);
 }
 
 // Impossible inputs are invalid and still calculated as given, never clamped.
 TEST_F(DravikIo, ImpossibleInputsAreInvalidAndStillCalculated) {
     p[Params::IO_STANDARD] = "LVCMOS33";  // HPIO carries nothing above 1.8 V
-    float const hpio33 = calc(Params::TOTAL_POWER);
-    EXPECT_GT(hpio33, 0.0f);
+    EXPECT_GT(calc(Params::TOTAL_POWER), 0.0f);
     EXPECT_EQ(valid("IS_VALID_IO_STANDARD"), 0);
     EXPECT_EQ(model.calculateValidValuesIoStandard(p, data), "LVCMOS18,SSTL12,MIPI_DPHY");
 

@@ -10,6 +10,7 @@
 #include <prsm/models/dravik/PRSMDravikS26Params.h>
 
 #include "ModelFixture.h"
+#include "ShippedEfficiency.h"
 #include "TestData.h"
 
 #include <gtest/gtest.h>
@@ -25,26 +26,10 @@ using Data = PRSMDravikS24Data;
 
 class S24 : public prsm::test::ModelFixture<Model> {};
 
-TEST_F(S24, CellsDifferFromTheLargerBoardOnlyWhereTheBoardsDiffer) {
+// A design feeds either board by the same input names: the smaller board has every input of the larger
+// one but the video codec's supply.
+TEST_F(S24, SharesTheLargerBoardsInputs) {
     using Large = PRSMDravikS26Params;
-    // What the smaller board lacks: the DA9130, the MPS3805A, the TPS51200, the video codec supply, and the
-    // DDR4 total.
-    for (char const* name :
-         {"DA9130_OVERLIMIT", "DA9130_POWER", "DA9130_EFFICIENCY", "MPS3805A_A_OVERLIMIT", "MPS3805A_B_POWER",
-          "MPM_A_EFFICIENCY", "TPS51200DRCT_OVERLIMIT", "TPS51200DRCT_POWER", "FPGA_VCCINT_VCU_CURRENT",
-          "DDR4_POWER", "REG_LOAD_DDR4VTT_0V60"}) {
-        EXPECT_EQ(Params::string_to_float_enum(name), Params::LastFloat) << name;
-        EXPECT_NE(Large::string_to_float_enum(name), Large::LastFloat) << name;
-    }
-    EXPECT_EQ(Params::string_to_string_enum("DA9130_LOAD_KEY"), Params::LastString);
-    // What it adds.
-    for (char const* name :
-         {"LPDDR4_POWER", "REG_LOAD_VCC_PS_1V10", "LOAD_DDR4_VDD_CGRADE", "LOAD_DDR4_VDD_IGRADE",
-          "LOAD_DDR4_VPP_CGRADE", "LOAD_DDR4_VPP_IGRADE", "REG_LOAD_VCC_PS_1V10_CALC"}) {
-        EXPECT_NE(Params::string_to_float_enum(name), Params::LastFloat) << name;
-        EXPECT_EQ(Large::string_to_float_enum(name), Large::LastFloat) << name;
-    }
-    // Every other input is shared.
     std::vector<std::string> small, large;
     Params().getFloatUserInputNames(small);
     Large().getFloatUserInputNames(large);
@@ -121,30 +106,14 @@ TEST_F(S24, SameRulesOnItsOwnRails) {
 
 TEST_F(S24, ShippedEfficiencyTablesCoverEveryKey) {
     prsm::test::ScopedDataDir dir(prsm::test::shippedDataDir());
-    Data const shipped;
-    struct Row {
-        Model::Converter converter;
-        Params::FloatEnum load;
-        float rating;
-    };
-    Row const rows[] = {
-        {Model::Converter::DA9062_BUCK1, Params::REG_LOAD_VCC_PS_1V10, 2.5f},
-        {Model::Converter::DA9062_BUCK2, Params::REG_LOAD_VCC_PS_1V20, 1.0f},
-        {Model::Converter::DA9062_BUCK3, Params::DA9062_BUCK3_LOAD, 2.0f},
-        {Model::Converter::DA9062_BUCK4, Params::REG_LOAD_VCC_PL_1V80, 0.6f},
-        {Model::Converter::DA9131_CH1, Params::REG_LOAD_VCC_PS_0V85, 3.5f},
-        {Model::Converter::DA9131_CH2, Params::REG_LOAD_VCC_PL_0V72, 3.2f},
-    };
-    for (Row const& row : rows) {
-        SCOPED_TRACE(Model::memberName(row.converter));
-        int const top = static_cast<int>(row.rating * 1200.0f);
-        for (int ma = 0; ma <= top; ma += 1) {
-            Params q;
-            q[row.load] = ma / 1000.0f;
-            float const e = model.calculateEfficiency(q, shipped, row.converter);
-            ASSERT_TRUE(e > 0.0f && e < 1.0f && e != 0.5f) << ma << " mA";
-        }
-    }
+    prsm::test::expectAnEfficiencyRowForEveryLoad(
+        model, Data(),
+        {{Model::Converter::DA9062_BUCK1, Params::REG_LOAD_VCC_PS_1V10, 2.5f},
+         {Model::Converter::DA9062_BUCK2, Params::REG_LOAD_VCC_PS_1V20, 1.0f},
+         {Model::Converter::DA9062_BUCK3, Params::DA9062_BUCK3_LOAD, 2.0f},
+         {Model::Converter::DA9062_BUCK4, Params::REG_LOAD_VCC_PL_1V80, 0.6f},
+         {Model::Converter::DA9131_CH1, Params::REG_LOAD_VCC_PS_0V85, 3.5f},
+         {Model::Converter::DA9131_CH2, Params::REG_LOAD_VCC_PL_0V72, 3.2f}});
 }
 
 }  // namespace

@@ -45,7 +45,6 @@ TEST_F(DravikUram, HandWorkedConfigurationOnItsTwoRails) {
     expectRel(calc(q, Params::TOTAL_POWER), 4 * 5.4676e-3);
     EXPECT_EQ(q[Params::PORT_A_WIDTH], 72);
     expectRel(q[Params::PORT_A_CAP_FREQ], 607.6);
-    expectRel(q[Params::PORT_B_ARRAY_COMPONENT], 2430.0);
     expectRel(q[Params::VCCINT_POWER], 2.4304e-3);
     expectRel(q[Params::VCCBRAM_POWER], 19.44e-3);
     EXPECT_EQ(q[Params::URAM_ACTIVE_COUNT], 4);

@@ -31,9 +31,7 @@ protected:
 TEST_F(Gt, TwoGtyLinksOnTheirRails) {
     Params q = gtyLinks();
     expectRel(calc(q, Params::TOTAL_POWER), 1.08);
-    expectRel(q[Params::INSTANCE_POWER], 540.0);
     expectRel(q[Params::LANE_POWER], 135.0);
-    expectRel(q[Params::AVCC_INSTANCE_POWER], 400.0);
     expectRel(q[Params::MGTYAVCC_POWER], 0.8);
     expectRel(q[Params::MGTYAVTT_POWER], 0.16);
     expectRel(q[Params::MGTYVCCAUX_POWER], 0.04);

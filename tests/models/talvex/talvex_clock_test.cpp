@@ -30,7 +30,6 @@ TEST(TalvexClock, DefaultDevice) {
     Params p;
     Model::getGlobal().calculate(p);
     EXPECT_EQ(p[Params::NUM_FFS_BASE], 1799680);
-    EXPECT_EQ(p[Params::DESIGN_STATE], "SYNTHESIZED");
     EXPECT_FLOAT_EQ(p[Params::MAX_HDIST], 39.0f);
     EXPECT_FLOAT_EQ(p[Params::SITES], 1000.0f);
     EXPECT_FLOAT_EQ(p[Params::AVG_CE_FF_GROUPS_PER_SLICE], 0.25f);

@@ -43,11 +43,6 @@ TEST(TalvexPll, DpllDefaultsLimitsAndMagnitudes) {
     using Params = PRSMTalvexDpllParams;
     Params p;
     PRSMTalvexDpllModel::getGlobal().calculate(p);
-    EXPECT_EQ(p[Params::INPUT_FREQUENCY], 320.0f);
-    EXPECT_EQ(p[Params::M_COUNTER], 10);
-    EXPECT_EQ(p[Params::VCCINT], 0.825f);
-    EXPECT_EQ(p[Params::VCCRAM], 0.825f);
-    EXPECT_EQ(p[Params::SPREAD_SPECTRUM], "OFF");
     EXPECT_FLOAT_EQ(p[Params::FVCO], 3200.0f);
     EXPECT_FLOAT_EQ(p[Params::CLOCKOUT3], 3200.0f / 3);
     EXPECT_GT(p[Params::VCCAUX_PWR], 1e-3f);
@@ -78,9 +73,6 @@ void expectIoPll() {
     auto const& data = Model::Data::getGlobal();
     Params p;
     model.calculate(p);
-    EXPECT_EQ(p[Params::INPUT_FREQUENCY], 320.0f);
-    EXPECT_EQ(p[Params::VCCINTIO], 0.88f);
-    EXPECT_EQ(p[Params::XIPHY_DIVIDE], 2);
     EXPECT_FLOAT_EQ(p[Params::XIPHY_CLOCK], 1600.0f);
     EXPECT_FLOAT_EQ(p[Params::CLOCKFBOUT], 320.0f);
     EXPECT_GT(p[Params::VCC_AUX_XIPHY_CLOCK_CURRENT], 0.0f);
@@ -116,8 +108,6 @@ TEST(TalvexPll, PspllDefaultsLimitsAndMagnitudes) {
     PRSMTalvexPspllModel const& model = PRSMTalvexPspllModel::getGlobal();
     Params p;
     model.calculate(p);
-    EXPECT_EQ(p[Params::INPUT_FREQUENCY], 43.0f);
-    EXPECT_EQ(p[Params::M_COUNTER], 100);
     EXPECT_FLOAT_EQ(p[Params::FVCO], 4300.0f);
     EXPECT_FLOAT_EQ(p[Params::CLOCKOUT], 2150.0f);  // 2^1
     // Currents, in amperes: a few milliamperes per rail.
