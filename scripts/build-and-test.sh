@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds and passes the tests: the whole suite normally, then again after the main job (the README's two
-# commands in the other order); a consumer of the installed package; the suite under AddressSanitizer
-# and UndefinedBehaviorSanitizer, and under ThreadSanitizer; each fuzz target for a short fixed time.
+# commands in the other order); a consumer of the installed package; the suite under ThreadSanitizer,
+# and under AddressSanitizer and UndefinedBehaviorSanitizer in the clang tree that then runs each fuzz
+# target for a short fixed time.
 #
 # Every build has a folder of its own that no other command uses, configured with every option spelled
 # out, so nothing cached by an earlier run can switch the tests off; every ctest run fails when it finds
@@ -108,21 +109,22 @@ PKG_CONFIG_PATH="$PWD/build/stage/lib/pkgconfig" pkg-config --exists prsm
 echo "the consumer builds, links and calculates"
 passed=$((passed + 1))
 
-section "Build and test under AddressSanitizer and UndefinedBehaviorSanitizer"
-configure build-asan -DCMAKE_BUILD_TYPE=Debug -DPRSM_BUILD_TESTS=ON -DPRSM_SANITIZE=address -DPRSM_FUZZ=OFF
-compile build-asan
-run_tests build-asan ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 \
-  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
-
 section "Build and test under ThreadSanitizer"
 configure build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo "${tsan_flags[@]}" -DPRSM_BUILD_TESTS=ON -DPRSM_SANITIZE=thread -DPRSM_FUZZ=OFF
 compile build-tsan
 run_tests build-tsan TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1
 
-section "Fuzz each target for ${fuzz_seconds} s"
+# One clang tree serves both AddressSanitizer with UndefinedBehaviorSanitizer and fuzzing: everything in
+# it is built with both sanitizers (and coverage counters, which only the fuzz targets read), so the
+# suite runs there instead of in a library build of its own.
+section "Build and test under AddressSanitizer and UndefinedBehaviorSanitizer (clang), then fuzz"
 configure build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo "${fuzz_flags[@]}" -DCMAKE_CXX_COMPILER=clang++-14 -DPRSM_FUZZ=ON \
-  -DPRSM_BUILD_TESTS=OFF -DPRSM_SANITIZE=OFF
-compile build-fuzz --target prsm_fuzz
+  -DPRSM_BUILD_TESTS=ON -DPRSM_BUILD_PYTHON=OFF -DPRSM_SANITIZE=OFF
+compile build-fuzz
+run_tests build-fuzz ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 \
+  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+
+section "Fuzz each target for ${fuzz_seconds} s"
 findings=0
 for target in fuzz_datafile fuzz_sheetfunc fuzz_set_by_name fuzz_host_json; do
   # New inputs go to a scratch folder; the seed corpus in the repository is only read.
