@@ -33,6 +33,7 @@ Json railJson(GroupRail const& r) {
 }  // namespace
 
 double wholeCapacitors(double count) {
+    if (std::isnan(count)) return count;  // the sheet could not count them: no whole count either
     return std::max(0.0, std::ceil(count - 1e-6));
 }
 

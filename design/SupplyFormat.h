@@ -12,7 +12,7 @@
 namespace prsm::design {
 
 // A capacitor count as a board takes it: whole capacitors, rounded up (a count within a millionth of a
-// whole number is that number, not one more), none below 0.
+// whole number is that number, not one more), none below 0; NaN for a count the sheet could not make.
 double wholeCapacitors(double count);
 
 // Adds `groups` to out["supplies"] and `decoupling` to `out`, when the report has them.

@@ -230,6 +230,8 @@ TEST(DesignGroups, DecouplingCountsFollowTheRailsLoadSteps) {
     // A whole count stays whole; a float's last bit above it is not one capacitor more.
     EXPECT_EQ(wholeCapacitors(3.0000001), 3.0);
     EXPECT_EQ(wholeCapacitors(-0.5), 0.0);
+    // A count the sheet could not make has no whole count either (null in the JSON, "-" in the table).
+    EXPECT_TRUE(std::isnan(wholeCapacitors(std::nan(""))));
 }
 
 TEST(DesignGroups, RefusesBadSupplyViewsWithTheirPointer) {
