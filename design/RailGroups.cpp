@@ -37,6 +37,14 @@ void addPowerup(double& sum, double current) {
     if (!std::isnan(current)) sum = (std::isnan(sum) ? 0.0 : sum) + current;
 }
 
+// The next element of `list` to write over: the last report's where it has one, else a new one. `used`
+// counts the elements written so far.
+template <typename T>
+T& nextOf(std::vector<T>& list, std::size_t& used) {
+    if (used == list.size()) list.emplace_back();
+    return list[used++];
+}
+
 }  // namespace
 
 std::vector<std::string> RailGrouping::groupNames(Sheet const& sheet) {
@@ -70,8 +78,10 @@ SupplyScheme RailGrouping::read(SheetInstance& instance, std::vector<std::string
     }
     for (std::string const& rail : rails) {
         std::string const label = text(rail + kLabel);
-        for (std::size_t g = 0; g < scheme.groups.size() && !label.empty(); ++g)
-            if (scheme.groups[g].label == label) scheme.railGroup.emplace(rail, g);
+        auto const group = std::find_if(scheme.groups.begin(), scheme.groups.end(),
+                                        [&](SupplyScheme::Group const& g) { return g.label == label; });
+        if (!label.empty() && group != scheme.groups.end())
+            scheme.railGroup.emplace(rail, static_cast<std::size_t>(group - scheme.groups.begin()));
     }
     return scheme;
 }
@@ -120,9 +130,8 @@ void groupSupplies(SupplyScheme const& scheme, Report& report) {
     for (std::size_t g = 0; g < scheme.groups.size(); ++g) {
         if (slot[g] == kNoSupply) continue;
         slot[g] = used;
-        if (used == report.supplyGroups.size()) report.supplyGroups.emplace_back();
         SupplyScheme::Group const& from = scheme.groups[g];
-        SupplyGroup& to = report.supplyGroups[used++];
+        SupplyGroup& to = nextOf(report.supplyGroups, used);
         to.name = from.name;
         to.label = from.label;
         to.sequence = from.sequence;
@@ -137,9 +146,7 @@ void groupSupplies(SupplyScheme const& scheme, Report& report) {
     for (std::size_t i = 0; i < rails.size(); ++i) {
         if (group[i] == kNoSupply || heldHere(i)) continue;
         std::size_t const at = slot[group[i]];
-        std::vector<GroupRail>& list = report.supplyGroups[at].rails;
-        if (members[at] == list.size()) list.emplace_back();
-        fill(list[members[at]++], i);
+        fill(nextOf(report.supplyGroups[at].rails, members[at]), i);
     }
     for (std::size_t at = 0; at < used; ++at) report.supplyGroups[at].rails.resize(members[at]);
     for (std::size_t i = 0; i < rails.size(); ++i) {
@@ -165,4 +172,5 @@ void groupSupplies(SupplyScheme const& scheme, Report& report) {
         if (sameVoltage) g.voltage = g.rails.front().voltage;
     }
 }
+
 }  // namespace prsm::design

@@ -176,8 +176,7 @@ void DesignOutputs::addDecoupling(std::string const& prefix, ReportOf from,
             // The capacitors to place; NaN where the sheet could not count them, so a float.
             add(name + value + ".whole_count", CellType::Float, "count", from,
                 [rail, value](design::Report const& r) {
-                    double const count = capacitorCount(r, rail, value);
-                    return std::isnan(count) ? kMissing : design::wholeCapacitors(count);
+                    return design::wholeCapacitors(capacitorCount(r, rail, value));
                 });
         }
     }
