@@ -327,13 +327,50 @@ void throwMissingKey(std::string const& key, char const* table, char const* func
     throw PRSMException(message.c_str(), function);
 }
 
-template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&,
-                               std::unordered_map<std::string, float>&, bool);
-template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&,
-                               std::unordered_map<std::string, int>&, bool);
-template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&,
-                               std::unordered_map<std::string, bool>&, bool);
-template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&,
-                               std::unordered_map<std::string, std::string>&, bool);
+template <typename T>
+bool loadCfgSetting(libconfig::Config* cfg, std::vector<std::string>& path, char const* setting,
+                    std::unordered_map<std::string, T>& out) {
+    path.emplace_back(setting);
+    bool const found = loadCfgDataToVar(cfg, path, out, true);
+    path.pop_back();
+    return found;
+}
+
+bool loadCfgListSetting(libconfig::Config* cfg, std::vector<std::string>& path, char const* setting,
+                        std::unordered_map<std::string, CfgList>& out) {
+    path.emplace_back(setting);
+    bool const found = loadCfgDataToList(cfg, path, out, true);
+    path.pop_back();
+    return found;
+}
+
+template <typename T>
+void appendCfgKeys(std::vector<std::string>& keys, std::unordered_map<std::string, T> const& map) {
+    std::vector<std::string> const more = getCfgKeyVectorFromList(map);
+    keys.insert(keys.end(), more.begin(), more.end());
+}
+
+template <typename T>
+using Table = std::unordered_map<std::string, T>;
+
+// The value types of the generated data classes' tables.
+template std::vector<std::string> getCfgKeyVectorFromList(Table<float> const&);
+template std::vector<std::string> getCfgKeyVectorFromList(Table<int> const&);
+template std::vector<std::string> getCfgKeyVectorFromList(Table<bool> const&);
+template std::vector<std::string> getCfgKeyVectorFromList(Table<std::string> const&);
+template std::vector<std::string> getCfgKeyVectorFromList(Table<CfgList> const&);
+template void appendCfgKeys(std::vector<std::string>&, Table<float> const&);
+template void appendCfgKeys(std::vector<std::string>&, Table<int> const&);
+template void appendCfgKeys(std::vector<std::string>&, Table<bool> const&);
+template void appendCfgKeys(std::vector<std::string>&, Table<std::string> const&);
+template void appendCfgKeys(std::vector<std::string>&, Table<CfgList> const&);
+template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&, Table<float>&, bool);
+template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&, Table<int>&, bool);
+template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&, Table<bool>&, bool);
+template bool loadCfgDataToVar(libconfig::Config*, std::vector<std::string>&, Table<std::string>&, bool);
+template bool loadCfgSetting(libconfig::Config*, std::vector<std::string>&, char const*, Table<float>&);
+template bool loadCfgSetting(libconfig::Config*, std::vector<std::string>&, char const*, Table<int>&);
+template bool loadCfgSetting(libconfig::Config*, std::vector<std::string>&, char const*, Table<bool>&);
+template bool loadCfgSetting(libconfig::Config*, std::vector<std::string>&, char const*, Table<std::string>&);
 
 }  // namespace PRSMHelperUtils

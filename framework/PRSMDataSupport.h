@@ -1,38 +1,29 @@
 #pragma once
-// The text dump shared by every generated data class: one "TABLE.key = value" line per entry.
+// What every generated data class does with its tables, compiled once here rather than once per class:
+// copying them and dumping them as text.
 
-#include <algorithm>
-#include <sstream>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace prsm::data {
 
-inline void appendValue(std::ostream& out, std::vector<std::string> const& list) {
-    out << "[";
-    for (std::size_t i = 0; i < list.size(); ++i) out << (i ? ", " : "") << list[i];
-    out << "]";
-}
-
 template <typename T>
-void appendValue(std::ostream& out, T const& value) {
-    out << value;
-}
+using Table = std::unordered_map<std::string, T>;
+using ListTable = Table<std::vector<std::string>>;
 
-template <typename T>
-void appendTable(std::string& text, char const* table, std::unordered_map<std::string, T> const& map) {
-    std::vector<typename std::unordered_map<std::string, T>::const_iterator> entries;
-    for (auto it = map.begin(); it != map.end(); ++it) entries.push_back(it);
-    std::sort(entries.begin(), entries.end(), [](auto a, auto b) { return a->first < b->first; });
-    std::ostringstream out;
-    out << std::boolalpha;
-    for (auto const& entry : entries) {
-        out << table << "." << entry->first << " = ";
-        appendValue(out, entry->second);
-        out << "\n";
-    }
-    text += out.str();
-}
+// `to` = `from`.
+void copyTable(Table<float>& to, Table<float> const& from);
+void copyTable(Table<int>& to, Table<int> const& from);
+void copyTable(Table<bool>& to, Table<bool> const& from);
+void copyTable(Table<std::string>& to, Table<std::string> const& from);
+void copyTable(ListTable& to, ListTable const& from);
+
+// Appends one "TABLE.key = value" line per entry, sorted by key; a list shows as "[a, b]".
+void appendTable(std::string& text, char const* table, Table<float> const& map);
+void appendTable(std::string& text, char const* table, Table<int> const& map);
+void appendTable(std::string& text, char const* table, Table<bool> const& map);
+void appendTable(std::string& text, char const* table, Table<std::string> const& map);
+void appendTable(std::string& text, char const* table, ListTable const& map);
 
 }  // namespace prsm::data

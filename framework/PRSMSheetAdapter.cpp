@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
+#include <set>
+#include <unordered_map>
 
 namespace prsm {
 
@@ -83,6 +85,41 @@ void rethrowNamingTheDataFile() {
                                                  std::to_string(e.getLine()) + ": " + e.getError()
                                            : detail);
     }
+}
+
+template <typename Map>
+void appendIfNoRow(Map const& table, char const* name, std::size_t position, std::string_view byDefault,
+                   std::string const& value, std::vector<MissingRow>& missing) {
+    std::set<std::string_view> seen;
+    for (auto const& entry : table) {
+        std::string_view const part = keyPart(entry.first, position);
+        if (part == value) return;
+        seen.insert(part);
+    }
+    if (seen.count(byDefault) != 0)
+        missing.push_back({name, std::vector<std::string>(seen.begin(), seen.end())});
+}
+
+template <typename T>
+using Table = std::unordered_map<std::string, T>;
+template void appendIfNoRow(Table<float> const&, char const*, std::size_t, std::string_view, std::string const&,
+                            std::vector<MissingRow>&);
+template void appendIfNoRow(Table<int> const&, char const*, std::size_t, std::string_view, std::string const&,
+                            std::vector<MissingRow>&);
+template void appendIfNoRow(Table<std::string> const&, char const*, std::size_t, std::string_view,
+                            std::string const&, std::vector<MissingRow>&);
+template void appendIfNoRow(Table<std::vector<std::string>> const&, char const*, std::size_t, std::string_view,
+                            std::string const&, std::vector<MissingRow>&);
+
+std::vector<CellInfo> describeCells(CellRow const* rows, std::size_t count) {
+    std::vector<CellInfo> cells;
+    cells.reserve(count);
+    for (CellRow const* row = rows; row != rows + count; ++row)
+        cells.push_back({row->name, row->type, row->category, row->declaredDefault, row->rule, row->validityKey,
+                         row->hasValidValues, row->unit, row->belowZeroWarning, row->aboveZeroWarning,
+                         row->noValueWarning, {row->outsideLow, row->outsideHigh, row->outsideWarning},
+                         row->description});
+    return cells;
 }
 
 }  // namespace prsm

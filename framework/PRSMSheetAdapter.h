@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
-#include <set>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -34,18 +33,38 @@ std::string_view keyPart(std::string_view key, std::size_t position);
 
 // Appends {name, the values found at that key} to `missing` when no key of `table` holds `value` as
 // its `position`-th part. A table whose keys do not hold the input's default there either is not
-// selected by that input (or is not in the file) and has nothing to say.
+// selected by that input (or is not in the file) and has nothing to say. Defined in the library for
+// the tables' value types (float, int, text, lists).
 template <typename Map>
 void appendIfNoRow(Map const& table, char const* name, std::size_t position, std::string_view byDefault,
-                   std::string const& value, std::vector<MissingRow>& missing) {
-    std::set<std::string_view> seen;
-    for (auto const& entry : table) {
-        std::string_view const part = keyPart(entry.first, position);
-        if (part == value) return;
-        seen.insert(part);
-    }
-    if (seen.count(byDefault) != 0)
-        missing.push_back({name, std::vector<std::string>(seen.begin(), seen.end())});
+                   std::string const& value, std::vector<MissingRow>& missing);
+
+// A cell's description as constant data: a generated model lists its cells as an array of these, and
+// the library turns them into CellInfo once, when it loads (no string objects to build in a long
+// initializer in every model's source).
+struct CellRow {
+    char const* name;
+    CellType type;
+    CellCategory category;
+    char const* declaredDefault;
+    char const* rule;
+    char const* validityKey;
+    bool hasValidValues;
+    char const* unit;
+    char const* belowZeroWarning;
+    char const* aboveZeroWarning;
+    char const* noValueWarning;
+    char const* outsideLow;
+    char const* outsideHigh;
+    char const* outsideWarning;
+    char const* description;
+};
+
+std::vector<CellInfo> describeCells(CellRow const* rows, std::size_t count);
+
+template <std::size_t N>
+std::vector<CellInfo> describeCells(CellRow const (&rows)[N]) {
+    return describeCells(rows, N);
 }
 
 template <typename Model>

@@ -136,25 +136,9 @@ class TableIndex {
 public:
     using Map = std::unordered_map<std::string, T>;
 
-    // Indexes the entries of `map` whose key has exactly `parts` - 1 dots.
-    void build(Map const& map, std::size_t parts) {
-        std::size_t capacity = 2;
-        while (capacity < 2 * map.size()) capacity *= 2;
-        m_slots.assign(capacity, Slot{});
-        m_mask = capacity - 1;
-        m_shift = 64;
-        for (std::size_t c = capacity; c > 1; c /= 2) --m_shift;
-        for (auto const& entry : map) {
-            std::string const& key = entry.first;
-            std::size_t found = 0;
-            std::uint64_t const hash = hashJoined(key, found);
-            if (found != parts) continue;  // reachable only through a part that holds a '.'
-            std::size_t slot = static_cast<std::size_t>(hash >> m_shift);
-            while (m_slots[slot].value != nullptr) slot = (slot + 1) & m_mask;
-            m_slots[slot] = Slot{hash, key, &entry.second};
-        }
-        m_size = map.size();
-    }
+    // Indexes the entries of `map` whose key has exactly `parts` - 1 dots. Defined in the library, for
+    // the value types of the tables (float, int, text) and of a grid's row index.
+    void build(Map const& map, std::size_t parts);
 
     // Marks the index stale, so that lookups search the map until the next build.
     void invalidate() { m_size = kStale; }
@@ -202,6 +186,7 @@ private:
     };
 
     // The hash of a joined key's parts, as a lookup by those parts computes it; `parts` counts them.
+    // Inline: findJoined resolves a sheet's constant keys with it when the file loads.
     static std::uint64_t hashJoined(std::string_view key, std::size_t& parts) {
         std::uint64_t combined = 0;
         std::uint64_t dots = 0;

@@ -258,14 +258,14 @@ def source(sheet: Sheet) -> str:
                         for t in grids)
     # A sheet with a model defines its getters beside its formulas (the Cells header).
     own_getters = "" if sheet.has_model else getters(sheet)
-    copies = "".join(f", {t.member}(other.{t.member})" for t in sheet.tables)
-    assigns = "".join(f"    {t.member} = other.{t.member};\n" for t in sheet.tables)
+    # The tables' copies, loads, keys and text go through the library's functions for their value type,
+    # so that no class instantiates the containers' templates again.
+    copies = "".join(f"    prsm::data::copyTable({t.member}, other.{t.member});\n" for t in sheet.tables)
     loads = []
     for setting, t in sheet.load_order:
-        call = ("PRSMHelperUtils::loadCfgDataToList(&cfg, path, " if t.type == "list"
-                else "PRSMHelperUtils::loadCfgDataToVar(&cfg, path, ")
-        loads.append(f'    path.emplace_back("{setting}");\n    {call}{t.member}, true);\n    path.pop_back();')
-    keys = "\n".join(f"    append(PRSMHelperUtils::getCfgKeyVectorFromList({t.member}));" for t in sheet.tables)
+        load = "loadCfgListSetting" if t.type == "list" else "loadCfgSetting"
+        loads.append(f'    PRSMHelperUtils::{load}(&cfg, path, "{setting}", {t.member});')
+    keys = "\n".join(f"    PRSMHelperUtils::appendCfgKeys(keys, {t.member});" for t in sheet.tables)
     reflects = "\n".join(f'    prsm::data::appendTable(text, "{t.label}", {t.member});' for t in sheet.tables)
     load_body = (f"""    libconfig::Config cfg;
     readFile(&cfg, "{sheet.data_file}");
@@ -285,14 +285,13 @@ def source(sheet: Sheet) -> str:
 
 {cls}::{cls}() : m_indexes(std::make_unique<Indexes>()) {{ reset(); }}
 
-{cls}::{cls}({cls} const& other)
-    : PRSMData(other){copies}, m_indexes(std::make_unique<Indexes>()) {{
-    resolve();
+{cls}::{cls}({cls} const& other) : PRSMData(other), m_indexes(std::make_unique<Indexes>()) {{
+{copies}    resolve();
 }}
 
 {cls}& {cls}::operator=({cls} const& other) {{
     if (this == &other) return *this;
-{assigns}    resolve();
+{copies}    resolve();
     return *this;
 }}
 
@@ -318,11 +317,7 @@ void {cls}::getCfgKeys(std::vector<std::string>& keys) const {{ getCfgKeys(keys,
 
 void {cls}::getCfgKeys(std::vector<std::string>& keys, bool clear) const {{
     if (clear) keys.clear();
-    auto const append = [&keys](std::vector<std::string> const& more) {{
-        keys.insert(keys.end(), more.begin(), more.end());
-    }};
 {keys}
-    (void)append;
 }}
 
 std::string {cls}::reflect() const {{

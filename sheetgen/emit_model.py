@@ -502,7 +502,6 @@ def source(sheet: Sheet, formulas_file: bool = True) -> str:
 #include <prsm/sheetfunc/PRSMHelperUtils.h>
 
 #include <cstddef>
-#include <iterator>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -547,39 +546,9 @@ std::string validValuesByName({cls} const& model, {cls}::Params& params, {cls}::
     return std::string();
 }}
 
-// The cells as plain constant rows (no string objects to build in a long initializer), turned into the
-// registry's descriptions once, when the library loads.
-struct CellRow {{
-    char const* name;
-    prsm::CellType type;
-    prsm::CellCategory category;
-    char const* declaredDefault;
-    char const* rule;
-    char const* validityKey;
-    bool hasValidValues;
-    char const* unit;
-    char const* belowZeroWarning;
-    char const* aboveZeroWarning;
-    char const* noValueWarning;
-    char const* outsideLow;
-    char const* outsideHigh;
-    char const* outsideWarning;
-    char const* description;
-}};
-
-constexpr CellRow cellRows[] = {{
+constexpr prsm::CellRow cellRows[] = {{
 {infos}
 }};
-
-std::vector<prsm::CellInfo> cellInfos() {{
-    std::vector<prsm::CellInfo> cells;
-    cells.reserve(std::size(cellRows));
-    for (CellRow const& row : cellRows)
-        cells.push_back({{row.name, row.type, row.category, row.declaredDefault, row.rule, row.validityKey,
-                         row.hasValidValues, row.unit, row.belowZeroWarning, row.aboveZeroWarning,
-                         row.noValueWarning, {{row.outsideLow, row.outsideHigh, row.outsideWarning}}, row.description}});
-    return cells;
-}}
 
 std::vector<prsm::MissingRow> rowsLacking({cls}::Data const& data, std::string const& input,
                                           std::string const& value) {{
@@ -589,7 +558,7 @@ std::vector<prsm::MissingRow> rowsLacking({cls}::Data const& data, std::string c
     return missing;
 }}
 
-prsm::GeneratedSheet<{cls}> const registration("{sheet.stem}", "{esc_desc}", cellInfos(), &validValuesByName,
+prsm::GeneratedSheet<{cls}> const registration("{sheet.stem}", "{esc_desc}", prsm::describeCells(cellRows), &validValuesByName,
                                                 &rowsLacking, {design_decl.initializer(sheet.design)});
 
 }}  // namespace
