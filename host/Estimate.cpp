@@ -22,12 +22,6 @@ namespace prsm::host {
 
 namespace {
 
-std::string fixed(double value, int decimals) {
-    char buffer[48];
-    std::snprintf(buffer, sizeof buffer, "%.*f", decimals, value);
-    return buffer;
-}
-
 // The report's page, with the leakage chart when the design has a static sheet.
 void writeHtml(design::Report const& report, design::Design const& design, std::string const& path) {
     std::vector<std::pair<double, double>> const curve =

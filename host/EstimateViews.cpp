@@ -9,13 +9,6 @@ namespace prsm::host {
 
 namespace {
 
-std::string fixed(double value, int decimals) {
-    if (!std::isfinite(value)) return "-";
-    char buffer[48];
-    std::snprintf(buffer, sizeof buffer, "%.*f", decimals, value);
-    return buffer;
-}
-
 std::string ratio(design::CornerFigure const& f) {
     return f.typical > 0 && std::isfinite(f.worst) ? fixed(f.worst / f.typical, 3) : "-";
 }

@@ -23,7 +23,7 @@ bool endsWith(std::string const& text, std::string const& suffix) {
 
 // A gnuplot string in double quotes: backslashes and quotes escaped; "_" and "^" are literal because
 // the script turns enhanced text off.
-std::string quoted(std::string const& text) {
+std::string gnuplotString(std::string const& text) {
     std::string out = "\"";
     for (char c : text) {
         if (c == '"' || c == '\\') out += '\\';
@@ -99,7 +99,7 @@ std::string valueText(Column const& column, std::size_t row) {
 }
 
 std::string dataValue(Column const& column, std::size_t row) {
-    if (column.quantity.type == CellType::String) return quoted(column.texts[row]);
+    if (column.quantity.type == CellType::String) return gnuplotString(column.texts[row]);
     return column.displayText(row);
 }
 
@@ -153,7 +153,7 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
     script << "# Drawn by prsm sweep; run `gnuplot "
            << "<this file>` to draw the picture again.\n";
     script << "set terminal " << plotTerminal(picturePath, panels.size()) << "\n";
-    script << "set output " << quoted(picturePath) << "\n";
+    script << "set output " << gnuplotString(picturePath) << "\n";
 
     std::string title = result.target + ": ";
     if (outputs.size() <= 3)
@@ -176,12 +176,12 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
                              std::to_string(result.total) + " points");
     std::string titleText;
     for (std::size_t i = 0; i < titleLines.size(); ++i)
-        titleText += (i == 0 ? "" : " . \"\\n\" . ") + quoted(titleLines[i]);
+        titleText += (i == 0 ? "" : " . \"\\n\" . ") + gnuplotString(titleLines[i]);
 
     // The key goes under the plot, in rows, so it neither covers the lines nor narrows the plot.
     script << "set grid\nset key outside below center horizontal\nset datafile missing \"NaN\"\n";
     if (xText) script << "set xtics rotate by -30\n";
-    script << "set xlabel " << quoted(withUnit(x.quantity.name, x.quantity.unit)) << "\n";
+    script << "set xlabel " << gnuplotString(withUnit(x.quantity.name, x.quantity.unit)) << "\n";
     if (panels.size() > 1)
         script << "set multiplot layout " << panels.size() << ",1 title " << titleText << "\n";
     else
@@ -206,9 +206,9 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
 
     for (std::vector<Axis> const& panel : panels) {
         bool const twoAxes = panel.size() == 2;
-        script << "set ylabel " << quoted(axisLabel(panel[0], outputs)) << "\n";
+        script << "set ylabel " << gnuplotString(axisLabel(panel[0], outputs)) << "\n";
         if (twoAxes)
-            script << "set ytics nomirror\nset y2tics\nset y2label " << quoted(axisLabel(panel[1], outputs))
+            script << "set ytics nomirror\nset y2tics\nset y2label " << gnuplotString(axisLabel(panel[1], outputs))
                    << "\n";
         script << "plot";
         // Colour tells the second variable's values apart, or else the outputs; with both, the
@@ -232,7 +232,7 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
                            << (a == 1 ? " axes x1y2" : "") << " with linespoints linewidth 1.5 pointsize 0.6"
                            << " linecolor rgb \"" << kColours[colour % std::size(kColours)] << "\" dashtype "
                            << dashes % 5 + 1 << " pointtype " << 5 + 2 * (colour % 4) << " title "
-                           << quoted(label);
+                           << gnuplotString(label);
                 }
                 ++line;
             }

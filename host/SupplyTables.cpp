@@ -7,17 +7,6 @@
 
 namespace prsm::host {
 
-namespace {
-
-std::string fixed(double value, int decimals) {
-    if (std::isnan(value)) return "-";
-    char buffer[48];
-    std::snprintf(buffer, sizeof buffer, "%.*f", decimals, value);
-    return buffer;
-}
-
-}  // namespace
-
 std::string renderSupplyGroups(design::Report const& report) {
     if (report.supplyModel.empty() || report.supplyGroups.empty()) return {};
     std::vector<TextRow> rows;

@@ -1,6 +1,8 @@
 #include <prsm/host/TextTable.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
 
 namespace prsm::host {
 
@@ -33,6 +35,13 @@ std::string formatTable(TextRow const& header, std::vector<TextRow> const& rows)
     appendLine(out, rule, widths);
     for (TextRow const& row : rows) appendLine(out, row, widths);
     return out;
+}
+
+std::string fixed(double value, int decimals) {
+    if (!std::isfinite(value)) return "-";
+    char buffer[48];
+    std::snprintf(buffer, sizeof buffer, "%.*f", decimals, value);
+    return buffer;
 }
 
 }  // namespace prsm::host

@@ -12,9 +12,9 @@
 #include <prsm/host/SweepCommand.h>
 #include <prsm/host/serve/Api.h>
 #include <prsm/host/serve/LeakageCurve.h>
+#include <prsm/sheetfunc/PRSMTextFunctions.h>
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -78,11 +78,6 @@ std::string field(Json const& body, char const* name) {
 
 std::string optionalField(Json const& body, char const* name) {
     return body.contains(name) && !body[name].is_null() ? field(body, name) : std::string();
-}
-
-std::string lowered(std::string text) {
-    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text;
 }
 
 // The sheets a block may be made of: those with a region of the device (not the static sheet or a board).
@@ -177,7 +172,7 @@ ApiResponse Api::route(ApiRequest const& request, Json const& body) {
             std::string const model = field(body, "model");
             std::string name = optionalField(body, "name");
             m_session.addBlock(model,
-                               name.empty() ? m_session.freeName(lowered(findSheet(model).name())) : name);
+                               name.empty() ? m_session.freeName(PRSMHelperUtils::ToLower(findSheet(model).name())) : name);
             return ok(editedJson());
         }
         if (path == "/api/blocks/duplicate") {

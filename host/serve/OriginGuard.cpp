@@ -1,19 +1,9 @@
 #include <prsm/host/serve/OriginGuard.h>
+#include <prsm/sheetfunc/PRSMTextFunctions.h>
 
 #include <algorithm>
-#include <cctype>
 
 namespace prsm::host::serve {
-
-namespace {
-
-std::string lowered(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
-
-}  // namespace
 
 bool isLoopback(std::string const& host) {
     return host == "localhost" || host == "::1" || host.rfind("127.", 0) == 0;
@@ -24,13 +14,13 @@ OriginGuard::OriginGuard(std::string const& host, int port) {
     for (std::string const name : {"127.0.0.1", "localhost", "[::1]"}) m_hosts.push_back(name + suffix);
     // An IPv6 address is bracketed in a Host header.
     std::string const own = host.find(':') != std::string::npos ? "[" + host + "]" : host;
-    if (std::find(m_hosts.begin(), m_hosts.end(), lowered(own) + suffix) == m_hosts.end())
-        m_hosts.push_back(lowered(own) + suffix);
+    if (std::find(m_hosts.begin(), m_hosts.end(), PRSMHelperUtils::ToLower(own) + suffix) == m_hosts.end())
+        m_hosts.push_back(PRSMHelperUtils::ToLower(own) + suffix);
 }
 
 std::string OriginGuard::refusal(std::string const& hostHeader, std::string const& originHeader) const {
     auto const own = [&](std::string const& name) {
-        return std::find(m_hosts.begin(), m_hosts.end(), lowered(name)) != m_hosts.end();
+        return std::find(m_hosts.begin(), m_hosts.end(), PRSMHelperUtils::ToLower(name)) != m_hosts.end();
     };
     if (!own(hostHeader)) return "the Host header \"" + hostHeader + "\" does not name this server";
     if (!originHeader.empty() && !(originHeader.rfind("http://", 0) == 0 && own(originHeader.substr(7))))
