@@ -21,6 +21,8 @@ fuzz_flags=(-DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -gline-tables-only -DNDEBUG")
 
 launcher=()
 command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+# Lets ccache cache the sources that use the library's precompiled header.
+export CCACHE_SLOPPINESS=pch_defines,time_macros
 
 passed=0
 failed=0

@@ -6,6 +6,8 @@ cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 launcher=()
 command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+# Lets ccache cache the sources that use the library's precompiled header.
+export CCACHE_SLOPPINESS=pch_defines,time_macros
 cmake -S . -B build-main -DCMAKE_BUILD_TYPE=Release -DPRSM_BUILD_TESTS=OFF -DPRSM_BUILD_BENCH=OFF \
   -DPRSM_SANITIZE=OFF -DPRSM_FUZZ=OFF "${launcher[@]}" >/dev/null
 cmake --build build-main -j"$(nproc)" >/dev/null
