@@ -1,5 +1,6 @@
 #include <prsm/framework/PRSMConfigHelpers.h>
 
+#include <prsm/framework/PRSMDataSupport.h>
 #include <prsm/framework/PRSMDataText.h>
 #include <prsm/framework/PRSMException.h>
 
@@ -350,8 +351,7 @@ void appendCfgKeys(std::vector<std::string>& keys, std::unordered_map<std::strin
     keys.insert(keys.end(), more.begin(), more.end());
 }
 
-template <typename T>
-using Table = std::unordered_map<std::string, T>;
+using prsm::data::Table;
 
 // The value types of the generated data classes' tables.
 template std::vector<std::string> getCfgKeyVectorFromList(Table<float> const&);

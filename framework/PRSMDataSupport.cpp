@@ -35,18 +35,36 @@ void appendSorted(std::string& text, char const* table, Table<T> const& map) {
 
 }  // namespace
 
-void copyTable(Table<float>& to, Table<float> const& from) { to = from; }
-void copyTable(Table<int>& to, Table<int> const& from) { to = from; }
-void copyTable(Table<bool>& to, Table<bool> const& from) { to = from; }
-void copyTable(Table<std::string>& to, Table<std::string> const& from) { to = from; }
-void copyTable(ListTable& to, ListTable const& from) { to = from; }
+void copyTable(Table<float>& to, Table<float> const& from) {
+    to = from;
+}
+void copyTable(Table<int>& to, Table<int> const& from) {
+    to = from;
+}
+void copyTable(Table<bool>& to, Table<bool> const& from) {
+    to = from;
+}
+void copyTable(Table<std::string>& to, Table<std::string> const& from) {
+    to = from;
+}
+void copyTable(ListTable& to, ListTable const& from) {
+    to = from;
+}
 
-void appendTable(std::string& text, char const* table, Table<float> const& map) { appendSorted(text, table, map); }
-void appendTable(std::string& text, char const* table, Table<int> const& map) { appendSorted(text, table, map); }
-void appendTable(std::string& text, char const* table, Table<bool> const& map) { appendSorted(text, table, map); }
+void appendTable(std::string& text, char const* table, Table<float> const& map) {
+    appendSorted(text, table, map);
+}
+void appendTable(std::string& text, char const* table, Table<int> const& map) {
+    appendSorted(text, table, map);
+}
+void appendTable(std::string& text, char const* table, Table<bool> const& map) {
+    appendSorted(text, table, map);
+}
 void appendTable(std::string& text, char const* table, Table<std::string> const& map) {
     appendSorted(text, table, map);
 }
-void appendTable(std::string& text, char const* table, ListTable const& map) { appendSorted(text, table, map); }
+void appendTable(std::string& text, char const* table, ListTable const& map) {
+    appendSorted(text, table, map);
+}
 
 }  // namespace prsm::data

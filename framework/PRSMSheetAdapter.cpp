@@ -1,4 +1,5 @@
 #include <prsm/framework/PRSMData.h>
+#include <prsm/framework/PRSMDataSupport.h>
 #include <prsm/framework/PRSMNumberText.h>
 #include <prsm/framework/PRSMSheetAdapter.h>
 
@@ -100,24 +101,32 @@ void appendIfNoRow(Map const& table, char const* name, std::size_t position, std
         missing.push_back({name, std::vector<std::string>(seen.begin(), seen.end())});
 }
 
-template <typename T>
-using Table = std::unordered_map<std::string, T>;
-template void appendIfNoRow(Table<float> const&, char const*, std::size_t, std::string_view, std::string const&,
-                            std::vector<MissingRow>&);
+using data::Table;
+template void appendIfNoRow(Table<float> const&, char const*, std::size_t, std::string_view,
+                            std::string const&, std::vector<MissingRow>&);
 template void appendIfNoRow(Table<int> const&, char const*, std::size_t, std::string_view, std::string const&,
                             std::vector<MissingRow>&);
 template void appendIfNoRow(Table<std::string> const&, char const*, std::size_t, std::string_view,
                             std::string const&, std::vector<MissingRow>&);
-template void appendIfNoRow(Table<std::vector<std::string>> const&, char const*, std::size_t, std::string_view,
-                            std::string const&, std::vector<MissingRow>&);
+template void appendIfNoRow(Table<std::vector<std::string>> const&, char const*, std::size_t,
+                            std::string_view, std::string const&, std::vector<MissingRow>&);
 
 std::vector<CellInfo> describeCells(CellRow const* rows, std::size_t count) {
     std::vector<CellInfo> cells;
     cells.reserve(count);
     for (CellRow const* row = rows; row != rows + count; ++row)
-        cells.push_back({row->name, row->type, row->category, row->declaredDefault, row->rule, row->validityKey,
-                         row->hasValidValues, row->unit, row->belowZeroWarning, row->aboveZeroWarning,
-                         row->noValueWarning, {row->outsideLow, row->outsideHigh, row->outsideWarning},
+        cells.push_back({row->name,
+                         row->type,
+                         row->category,
+                         row->declaredDefault,
+                         row->rule,
+                         row->validityKey,
+                         row->hasValidValues,
+                         row->unit,
+                         row->belowZeroWarning,
+                         row->aboveZeroWarning,
+                         row->noValueWarning,
+                         {row->outsideLow, row->outsideHigh, row->outsideWarning},
                          row->description});
     return cells;
 }

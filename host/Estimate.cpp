@@ -34,13 +34,12 @@ void writeHtml(design::Report const& report, design::Design const& design, std::
 
 // Supplies: the rails' power-up currents and held leakage, then the declared regulators.
 std::string renderSupplies(design::Report const& report) {
-    auto figure = [](double value) { return std::isnan(value) ? std::string("-") : fixed(value, 4); };
     std::ostringstream text;
     std::vector<TextRow> rails;
     for (design::RailResult const& r : report.rails)  // a zero power-up current (typical process) is noise
         if ((!std::isnan(r.powerupCurrent) && r.powerupCurrent != 0) || !r.countedIn.empty())
             rails.push_back(
-                {r.rail, figure(r.powerupCurrent), r.countedIn.empty() ? "-" : "in " + r.countedIn});
+                {r.rail, fixed(r.powerupCurrent, 4), r.countedIn.empty() ? "-" : "in " + r.countedIn});
     if (!rails.empty()) text << "\n" << formatTable({"rail", "power-up (A)", "static current held"}, rails);
     text << renderSupplyGroups(report) << renderDecoupling(report);
     if (report.regulators.empty()) return text.str();
@@ -49,7 +48,7 @@ std::string renderSupplies(design::Report const& report) {
         std::string fed;
         for (std::string const& rail : r.rails) fed += (fed.empty() ? "" : ", ") + rail;
         regulators.push_back({r.name, fed, fixed(r.rating, 3), fixed(r.load, 4),
-                              fixed(r.margin, 4) + (r.margin < 0 ? " OVER" : ""), figure(r.powerupCurrent),
+                              fixed(r.margin, 4) + (r.margin < 0 ? " OVER" : ""), fixed(r.powerupCurrent, 4),
                               fixed(r.efficiency, 3), fixed(r.outputPower, 4), fixed(r.inputPower, 4),
                               fixed(r.loss, 4)});
     }
@@ -139,15 +138,12 @@ std::string renderEstimateTable(design::Report const& report) {
 
     if (report.board) {
         design::BoardResult const& b = *report.board;
-        auto figure = [](double value, int decimals) {
-            return std::isnan(value) ? "-" : fixed(value, decimals);
-        };
         std::vector<TextRow> regulators;
         for (design::RegulatorResult const& r : b.regulators)
-            regulators.push_back({r.label.empty() ? r.name : r.label, r.kind.empty() ? "-" : r.kind, figure(r.voltage, 3),
-                                  r.input.empty() ? "-" : r.input, figure(r.rating, 3), figure(r.load, 4),
-                                  r.margin < 0 ? fixed(r.margin, 4) + " OVER" : figure(r.margin, 4),
-                                  figure(r.efficiency, 3), figure(r.loss, 4),
+            regulators.push_back({r.label.empty() ? r.name : r.label, r.kind.empty() ? "-" : r.kind,
+                                  fixed(r.voltage, 3), r.input.empty() ? "-" : r.input, fixed(r.rating, 3),
+                                  fixed(r.load, 4), fixed(r.margin, 4) + (r.margin < 0 ? " OVER" : ""),
+                                  fixed(r.efficiency, 3), fixed(r.loss, 4),
                                   std::isnan(r.overLimit) ? "-"
                                   : r.overLimit > 0       ? fixed(r.overLimit, 1) + " OVER"
                                                           : "0"});
@@ -180,7 +176,7 @@ std::string renderEstimateTable(design::Report const& report) {
         text << "\n"
              << formatTable({"board", "power (W)"},
                             {{report.board->model + " total",
-                              std::isnan(report.board->totalPower) ? "-" : fixed(report.board->totalPower, 4)}});
+                              fixed(report.board->totalPower, 4)}});
     return text.str();
 }
 

@@ -10,7 +10,7 @@ namespace prsm::host {
 namespace {
 
 std::string ratio(design::CornerFigure const& f) {
-    return f.typical > 0 && std::isfinite(f.worst) ? fixed(f.worst / f.typical, 3) : "-";
+    return f.typical > 0 ? fixed(f.worst / f.typical, 3) : "-";
 }
 
 // The figure at both corners; the worse of the two carries a `*`.

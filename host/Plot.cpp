@@ -208,8 +208,8 @@ std::string gnuplotScript(SweepResult const& result, std::string const& pictureP
         bool const twoAxes = panel.size() == 2;
         script << "set ylabel " << gnuplotString(axisLabel(panel[0], outputs)) << "\n";
         if (twoAxes)
-            script << "set ytics nomirror\nset y2tics\nset y2label " << gnuplotString(axisLabel(panel[1], outputs))
-                   << "\n";
+            script << "set ytics nomirror\nset y2tics\nset y2label "
+                   << gnuplotString(axisLabel(panel[1], outputs)) << "\n";
         script << "plot";
         // Colour tells the second variable's values apart, or else the outputs; with both, the
         // outputs differ in their dashes.

@@ -286,7 +286,7 @@ def source(sheet: Sheet) -> str:
 {cls}::{cls}() : m_indexes(std::make_unique<Indexes>()) {{ reset(); }}
 
 {cls}::{cls}({cls} const& other) : PRSMData(other), m_indexes(std::make_unique<Indexes>()) {{
-{copies}    resolve();
+    *this = other;
 }}
 
 {cls}& {cls}::operator=({cls} const& other) {{

@@ -171,8 +171,9 @@ ApiResponse Api::route(ApiRequest const& request, Json const& body) {
         if (path == "/api/blocks/add") {
             std::string const model = field(body, "model");
             std::string name = optionalField(body, "name");
-            m_session.addBlock(model,
-                               name.empty() ? m_session.freeName(PRSMHelperUtils::ToLower(findSheet(model).name())) : name);
+            m_session.addBlock(
+                model,
+                name.empty() ? m_session.freeName(PRSMHelperUtils::ToLower(findSheet(model).name())) : name);
             return ok(editedJson());
         }
         if (path == "/api/blocks/duplicate") {

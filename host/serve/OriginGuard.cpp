@@ -14,8 +14,8 @@ OriginGuard::OriginGuard(std::string const& host, int port) {
     for (std::string const name : {"127.0.0.1", "localhost", "[::1]"}) m_hosts.push_back(name + suffix);
     // An IPv6 address is bracketed in a Host header.
     std::string const own = host.find(':') != std::string::npos ? "[" + host + "]" : host;
-    if (std::find(m_hosts.begin(), m_hosts.end(), PRSMHelperUtils::ToLower(own) + suffix) == m_hosts.end())
-        m_hosts.push_back(PRSMHelperUtils::ToLower(own) + suffix);
+    std::string const ownHost = PRSMHelperUtils::ToLower(own) + suffix;
+    if (std::find(m_hosts.begin(), m_hosts.end(), ownHost) == m_hosts.end()) m_hosts.push_back(ownHost);
 }
 
 std::string OriginGuard::refusal(std::string const& hostHeader, std::string const& originHeader) const {

@@ -76,11 +76,14 @@ std::vector<std::string> getCfgKeyVectorFromList(std::unordered_map<std::string,
 
 // Instantiated once, in the library, for the value types of the generated data classes' tables
 // (loadCfgDataToVar, loadCfgSetting and appendCfgKeys are defined there only).
-extern template std::vector<std::string> getCfgKeyVectorFromList(std::unordered_map<std::string, float> const&);
+extern template std::vector<std::string> getCfgKeyVectorFromList(
+    std::unordered_map<std::string, float> const&);
 extern template std::vector<std::string> getCfgKeyVectorFromList(std::unordered_map<std::string, int> const&);
-extern template std::vector<std::string> getCfgKeyVectorFromList(std::unordered_map<std::string, bool> const&);
+extern template std::vector<std::string> getCfgKeyVectorFromList(
+    std::unordered_map<std::string, bool> const&);
 extern template std::vector<std::string> getCfgKeyVectorFromList(
     std::unordered_map<std::string, std::string> const&);
-extern template std::vector<std::string> getCfgKeyVectorFromList(std::unordered_map<std::string, CfgList> const&);
+extern template std::vector<std::string> getCfgKeyVectorFromList(
+    std::unordered_map<std::string, CfgList> const&);
 
 }  // namespace PRSMHelperUtils
